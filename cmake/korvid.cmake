@@ -1,0 +1,25 @@
+# One static library per source folder. Every folder library sees the source root as its include
+# root, so includes read "nmea/fields.h"; tools/check_layers checks that no folder includes upward.
+function(korvid_folder_library name)
+  cmake_parse_arguments(arg "" "" "DEPS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${arg_DEPS})
+  else()
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${name} INTERFACE ${arg_DEPS})
+  endif()
+endfunction()
+
+# One GoogleTest binary per test folder, registered with ctest test by test.
+function(korvid_test_suite name)
+  cmake_parse_arguments(arg "" "" "DEPS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${arg_DEPS} korvid_test_support GTest::gtest_main GTest::gmock)
+  target_compile_definitions(${name} PRIVATE KORVID_LOGS_DIR="${KORVID_LOGS}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+endfunction()

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+
+#include "link/link_factory.h"
+
+// Transports that never come up: the programs use them for the links this build cannot open.
+// A connect attempt starts and nothing follows; bridge writes are dropped.
+class offline_tcp_t final : public tcp_link_t {
+public:
+  std::int32_t connect(const std::string&, std::uint16_t) override {
+    enabled_ = true;
+    return 0;
+  }
+  bool enabled() const override { return enabled_; }
+  bool valid() const override { return false; }
+  void stop() override { enabled_ = false; }
+  void send(std::span<const std::uint8_t>) override {}
+
+private:
+  bool enabled_ = false;
+};
+
+class offline_ble_t final : public ble_link_t {
+public:
+  void connect(const std::string&) override {}
+  void stop() override {}
+  void write(std::span<const std::uint8_t>) override {}
+};
+
+class offline_links_t final : public link_factory_t {
+public:
+  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override { return std::make_unique<offline_tcp_t>(); }
+  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override { return std::make_unique<offline_ble_t>(); }
+};

@@ -1,0 +1,76 @@
+#include "core/observable.h"
+
+#include <algorithm>
+#include <deque>
+
+struct subscription_t::observers_t {
+  struct entry_t {
+    std::uint64_t id;
+    std::function<void()> observer;
+    bool live;
+  };
+  // A deque keeps references to its elements valid when an observer subscribes during a notice.
+  std::deque<entry_t> entries;
+  std::uint64_t next_id = 1;
+  int notifying = 0;
+  bool has_cancelled = false;
+
+  void cancel(std::uint64_t id) {
+    for (auto& e : entries) {
+      if (e.id == id) {
+        e.live = false;
+        has_cancelled = true;
+      }
+    }
+    compact();
+  }
+  void compact() {
+    if (notifying > 0 || !has_cancelled) return;
+    std::erase_if(entries, [](const entry_t& e) { return !e.live; });
+    has_cancelled = false;
+  }
+};
+
+subscription_t::subscription_t(std::weak_ptr<observers_t> observers, std::uint64_t id)
+    : observers_(std::move(observers)), id_(id) {}
+
+subscription_t::subscription_t(subscription_t&& other) noexcept
+    : observers_(std::move(other.observers_)), id_(std::exchange(other.id_, 0)) {}
+
+subscription_t& subscription_t::operator=(subscription_t&& other) noexcept {
+  if (this != &other) {
+    cancel();
+    observers_ = std::move(other.observers_);
+    id_ = std::exchange(other.id_, 0);
+  }
+  return *this;
+}
+
+subscription_t::~subscription_t() { cancel(); }
+
+void subscription_t::cancel() {
+  if (auto observers = observers_.lock(); observers && id_ != 0) observers->cancel(id_);
+  observers_.reset();
+  id_ = 0;
+}
+
+observable_t::observable_t() : observers_(std::make_shared<subscription_t::observers_t>()) {}
+
+subscription_t observable_t::subscribe(std::function<void()> observer) {
+  const auto id = observers_->next_id++;
+  observers_->entries.push_back({id, std::move(observer), true});
+  return subscription_t(observers_, id);
+}
+
+void observable_t::notify() const {
+  // Keep the list alive and index it afresh on each step: an observer may subscribe or cancel.
+  // Cancelled entries are only marked while a notice runs and removed after it.
+  const auto observers = observers_;
+  ++observers->notifying;
+  for (std::size_t i = 0; i < observers->entries.size(); ++i) {
+    auto& entry = observers->entries[i];
+    if (entry.live) entry.observer();
+  }
+  --observers->notifying;
+  observers->compact();
+}

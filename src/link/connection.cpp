@@ -1,0 +1,160 @@
+#include "link/connection.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "nmea/sentence.h"
+
+namespace {
+
+std::string host_port(const std::string& host, std::uint16_t port) {
+  return host + ":" + std::to_string(port);
+}
+
+}  // namespace
+
+connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory_t& links)
+    : queue_(queue), console_(console), links_(links) {
+  fields_.reserve(32);
+}
+
+connection_t::~connection_t() { *alive_ = false; }
+
+tcp_link_t& connection_t::tcp_client() {
+  if (!tcp_client_) tcp_client_ = links_.make_tcp(*this);
+  return *tcp_client_;
+}
+
+ble_link_t& connection_t::ble() {
+  if (!ble_) ble_ = links_.make_ble(*this);
+  return *ble_;
+}
+
+void connection_t::connect_tcp(const std::string& host, std::uint16_t port) {
+  console_.print(console_.date() + "  Connect " + host_port(host, port));
+  status_tcp = "Connect " + host_port(host, port);
+  sta_fg_tcp = colour_t::green;
+  if (tcp_client().connect(host, port) != 0) console_.print("already connected");
+}
+
+void connection_t::connect_ble(const std::string& name) {
+  status_ble = "BLE scanning...";
+  sta_fg_ble = colour_t::green;
+  ble().connect(name);
+}
+
+void connection_t::disconnect() {
+  console_.print(console_.date() + "  Disconnecting");
+  tcp_client().stop();
+  ble().stop();
+  status_ble = "offline";
+  status_tcp = "offline";
+  sta_fg_ble = colour_t::accent;
+  sta_fg_tcp = colour_t::accent;
+}
+
+void connection_t::reset() {
+  console_.print("reset");
+  for (auto* decoder : arr_update_) decoder->reset();
+  clear_log_and_counters();
+}
+
+void connection_t::clear_log_and_counters() {
+  arr_rx.modify([](string_ring_t& log) { log.clear(); });
+  msg_count = 0;
+  msg_good = 0;
+  msg_ack_count = 0;
+  msg_ack = false;
+}
+
+void connection_t::tcp_connected(const std::string& host, std::uint16_t port) {
+  console_.print(console_.date() + "  connected to " + host_port(host, port));
+  clear_log_and_counters();
+  status_tcp = host_port(host, port);
+  sta_fg_tcp = colour_t::secondary;
+}
+
+void connection_t::ble_connected(const std::string& name) {
+  console_.print(console_.date() + "  connected to " + name);
+  clear_log_and_counters();
+  status_ble = name;
+  sta_fg_ble = colour_t::secondary;
+}
+
+void connection_t::ble_disconnected(const std::string& name) {
+  status_ble = "BLE scanning...";
+  sta_fg_ble = colour_t::red;
+  console_.print(console_.date() + "  disconnected from " + name);
+}
+
+void connection_t::tcp_error(const std::string& host, std::uint16_t port, std::int32_t error_number) {
+  const char* text = std::strerror(error_number);
+  status_tcp = text != nullptr && *text != '\0' ? std::string(text) : std::string("Unknown error");
+  sta_fg_tcp = colour_t::red;
+  console_.print(console_.date() + "  connect " + host_port(host, port) + "  " + std::to_string(error_number) +
+                 " " + status_tcp.get());
+  schedule_reconnect(host, port);
+}
+
+// Retries while the user still wants the link and it is not up; every failure schedules the next.
+void connection_t::schedule_reconnect(const std::string& host, std::uint16_t port) {
+  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), host, port] {
+    const auto still_alive = alive.lock();
+    if (!still_alive || !*still_alive) return;
+    if (tcp_client().enabled() && !tcp_client().valid()) connect_tcp(host, port);
+  });
+}
+
+void connection_t::tcp_lines(std::span<const std::string> lines) {
+  binary = false;
+  for (const auto& line : lines) receive_line(line);
+}
+
+void connection_t::tcp_binary(std::span<const std::uint8_t> bytes) { receive_arr(bytes); }
+
+void connection_t::tcp_bridge(std::span<const std::uint8_t> bytes) { ble().write(bytes); }
+
+void connection_t::ble_bridge(std::span<const std::uint8_t> bytes) { tcp_client().send(bytes); }
+
+void connection_t::count_candidate() {
+  if (msg_ack) {
+    ++msg_count;
+  } else if (++msg_ack_count > msg_ack_limit) {
+    msg_ack = true;
+  }
+}
+
+void connection_t::receive_line(std::string_view line) {
+  if (line.empty() || line.front() != '$') return;
+  count_candidate();
+  const auto length = count_characters(line);
+  if (length < sentence_min_length || length > sentence_max_length) return;
+  if (!checksum_valid(line)) return;
+  split_fields(line, fields_);
+  for (auto* decoder : arr_update_) decoder->update(fields_);
+  if (msg_ack) {
+    ++msg_good;
+  } else {
+    msg_ack = true;
+  }
+  if (show_all || line.find("$GNGGA") != std::string_view::npos || line.find("$GPGGA") != std::string_view::npos)
+    log_append(line);
+}
+
+void connection_t::receive_arr(std::span<const std::uint8_t>) { binary = true; }
+
+void connection_t::log_append(std::string_view entry) {
+  arr_rx.modify([&](string_ring_t& log) { log.push_back(entry); });
+  while (arr_rx->size() > (show_log ? log_limit_shown : log_limit_hidden))
+    arr_rx.modify([](string_ring_t& log) { log.pop_front(); });
+}
+
+std::string connection_t::crc_error_text() const {
+  if (msg_count <= msg_good) return {};
+  const float p = static_cast<float>(msg_count - msg_good) * 100.0f / static_cast<float>(msg_count);
+  if (p == 0.0f || !show_crc) return {};
+  char text[64];
+  const int n = std::snprintf(text, sizeof text, "%.f%%  ", static_cast<double>(p));
+  return std::string(text, static_cast<std::size_t>(n));
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+// The two UBX navigation records, each the image of a frame from its class byte to the end of its
+// payload. Multi-byte fields are little-endian on the wire and are read as such on any host.
+
+// NAV-POSLLH: geodetic position. 32-byte image, payload length 28.
+struct gps_posllh_t {
+  static constexpr std::size_t image_size = 32;
+  static constexpr std::uint8_t message_id = 0x02;
+
+  std::uint8_t cls = 0;
+  std::uint8_t id = 0;
+  std::uint16_t length = 0;
+  std::uint32_t iTOW = 0;    // GPS time of week, ms
+  std::int32_t lon = 0;      // 1e-7 degree
+  std::int32_t lat = 0;      // 1e-7 degree
+  std::int32_t height = 0;   // above the ellipsoid, mm
+  std::int32_t hMSL = 0;     // above mean sea level, mm
+  std::uint32_t hAcc = 0;    // mm
+  std::uint32_t vAcc = 0;    // mm
+
+  static gps_posllh_t from_image(std::span<const std::uint8_t, image_size> image);
+  bool operator==(const gps_posllh_t&) const = default;
+};
+
+// NAV-PVT: position, velocity, time, fix type and DOP. 96-byte image, payload length 92.
+struct gps_pvt_t {
+  static constexpr std::size_t image_size = 96;
+  static constexpr std::uint8_t message_id = 0x07;
+
+  std::uint8_t cls = 0;
+  std::uint8_t id = 0;
+  std::uint16_t length = 0;
+  std::uint32_t iTOW = 0;     // GPS time of week, ms
+  std::uint16_t year = 0;     // UTC
+  std::uint8_t month = 0;     // 1..12
+  std::uint8_t day = 0;       // 1..31
+  std::uint8_t hour = 0;      // 0..23
+  std::uint8_t min = 0;       // 0..59
+  std::uint8_t sec = 0;       // 0..59
+  std::uint8_t valid = 0;     // validity flags of date and time
+  std::uint32_t tAcc = 0;     // ns
+  std::int32_t nano = 0;      // fraction of the second, ns
+  std::uint8_t fixType = 0;   // index into ubx_fix_type_text
+  std::uint8_t flags = 0;
+  std::uint8_t flags2 = 0;
+  std::uint8_t numSV = 0;     // satellites used
+  std::int32_t lon = 0;       // 1e-7 degree
+  std::int32_t lat = 0;       // 1e-7 degree
+  std::int32_t height = 0;    // above the ellipsoid, mm
+  std::int32_t hMSL = 0;      // above mean sea level, mm
+  std::uint32_t hAcc = 0;     // mm
+  std::uint32_t vAcc = 0;     // mm
+  std::int32_t velN = 0;      // mm/s
+  std::int32_t velE = 0;      // mm/s
+  std::int32_t velD = 0;      // mm/s
+  std::int32_t gSpeed = 0;    // ground speed, mm/s
+  std::int32_t headMot = 0;   // heading of motion, 1e-5 degree
+  std::uint32_t sAcc = 0;     // mm/s
+  std::uint32_t headAcc = 0;  // 1e-5 degree
+  std::uint16_t pDOP = 0;     // 0.01
+  std::uint16_t flags3 = 0;
+  std::uint32_t reserved1 = 0;
+  std::int32_t headVeh = 0;   // 1e-5 degree
+  std::int16_t magDec = 0;    // 0.01 degree
+  std::uint16_t magAcc = 0;   // 0.01 degree
+
+  static gps_pvt_t from_image(std::span<const std::uint8_t, image_size> image);
+  bool operator==(const gps_pvt_t&) const = default;
+};

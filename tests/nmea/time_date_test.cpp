@@ -1,0 +1,65 @@
+#include "nmea/time_date.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction) {
+  const struct {
+    const char* text;
+    time_hms_t expected;
+  } good[] = {
+      {"123519", {12, 35, 19, 0}},     {"123519.00", {12, 35, 19, 0}},   {"123519.5", {12, 35, 19, 5}},
+      {"123519.50", {12, 35, 19, 50}}, {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
+      {"000000", {0, 0, 0, 0}},        {"+1+2+3", {1, 2, 3, 0}},
+  };
+  for (const auto& c : good) {
+    time_hms_t t{1, 1, 1, 1};
+    EXPECT_TRUE(t.parse(c.text)) << c.text;
+    EXPECT_EQ(t, c.expected) << c.text;
+  }
+}
+
+TEST(time_hms, a_failed_parse_changes_nothing) {
+  for (const char* text : {"123519.", "1235.19", "12351", "123519.1.2", "240000", "126000", "123560",
+                           "123519.1000", "", "12a519", "-12519", "123519.-1", "1235190"}) {
+    time_hms_t t{1, 2, 3, 4};
+    EXPECT_FALSE(t.parse(text)) << text;
+    EXPECT_EQ(t, (time_hms_t{1, 2, 3, 4})) << text;
+  }
+}
+
+TEST(time_hms, gps_time_of_day_from_a_week_millisecond) {
+  time_hms_t t;
+  t.set_from_itow(3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u);  // Wednesday 13:05:07.250
+  EXPECT_EQ(t, (time_hms_t{13, 5, 7, 250}));
+  t.set_from_itow(0xFFFFFFFFu);
+  EXPECT_EQ(t, (time_hms_t{(0xFFFFFFFFu / 3'600'000u) % 24, (0xFFFFFFFFu / 60'000u) % 60, (0xFFFFFFFFu / 1000u) % 60, 295}));
+}
+
+TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
+  const struct {
+    const char* text;
+    date_ymd_t expected;
+  } good[] = {
+      {"230394", {1994, 3, 23}}, {"010180", {1980, 1, 1}}, {"311279", {2079, 12, 31}},
+      {"310224", {2024, 2, 31}}, {"010100", {2000, 1, 1}},
+  };
+  for (const auto& c : good) {
+    date_ymd_t d;
+    EXPECT_TRUE(d.parse(c.text)) << c.text;
+    EXPECT_EQ(d, c.expected) << c.text;
+  }
+  for (const char* text : {"000124", "011324", "3201245", "320124", "01012", "", "0a0124", "01-124"}) {
+    date_ymd_t d{1, 2, 3};
+    EXPECT_FALSE(d.parse(text)) << text;
+    EXPECT_EQ(d, (date_ymd_t{1, 2, 3})) << text;
+  }
+}
+
+TEST(time_date_text, formats_with_leading_zeros) {
+  EXPECT_EQ(hms_text({1, 2, 3, 400}), "01:02:03");
+  EXPECT_EQ(ymd_text({2024, 3, 5}), "2024-03-05");
+}
+
+}  // namespace

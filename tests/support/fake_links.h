@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "link/link_factory.h"
+
+// Transport doubles that record what the hub asks of them; a test sets their state.
+struct fake_tcp_t final : tcp_link_t {
+  std::int32_t connect(const std::string& host, std::uint16_t port) override {
+    if (is_valid) return -1;
+    connects.push_back(host + ":" + std::to_string(port));
+    is_enabled = true;
+    return 0;
+  }
+  bool enabled() const override { return is_enabled; }
+  bool valid() const override { return is_valid; }
+  void stop() override {
+    is_enabled = false;
+    is_valid = false;
+    ++stops;
+  }
+  void send(std::span<const std::uint8_t> bytes) override {
+    if (is_valid) sent.emplace_back(bytes.begin(), bytes.end());
+  }
+
+  bool is_enabled = false;
+  bool is_valid = false;
+  int stops = 0;
+  std::vector<std::string> connects;
+  std::vector<std::vector<std::uint8_t>> sent;
+};
+
+struct fake_ble_t final : ble_link_t {
+  void connect(const std::string& name) override {
+    name_connect = name;
+    enabled = true;
+  }
+  void stop() override {
+    enabled = false;
+    ++stops;
+  }
+  void write(std::span<const std::uint8_t> bytes) override {
+    if (ready) written.emplace_back(bytes.begin(), bytes.end());
+  }
+
+  std::string name_connect;
+  bool enabled = false;
+  bool ready = false;
+  int stops = 0;
+  std::vector<std::vector<std::uint8_t>> written;
+};
+
+// Hands out the doubles and keeps a pointer to each, for the test to look at.
+struct fake_links_t final : link_factory_t {
+  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override {
+    auto link = std::make_unique<fake_tcp_t>();
+    tcp = link.get();
+    return link;
+  }
+  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override {
+    auto link = std::make_unique<fake_ble_t>();
+    ble = link.get();
+    return link;
+  }
+  fake_tcp_t* tcp = nullptr;
+  fake_ble_t* ble = nullptr;
+};
