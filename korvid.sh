@@ -39,6 +39,32 @@ configure_and_build() {
   cmake --build "$build"
 }
 
+# libFuzzer targets with ASan and UBSan over the Qt-free layers, each run for a bounded time on a
+# corpus seeded with the sample stream and, where present, the receiver captures.
+fuzz() {
+  local seconds=${KORVID_FUZZ_SECONDS:-30}
+  local fbuild=$build-fuzz
+  if [ ! -f "$fbuild/build.ninja" ]; then
+    CC=clang CXX=clang++ cmake -S "$root" -B "$fbuild" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+      -DKORVID_QT=OFF -DKORVID_TESTS=OFF -DKORVID_FUZZ=ON \
+      -DCMAKE_CXX_FLAGS="-fsanitize=address,undefined -fno-sanitize-recover=all -fsanitize=fuzzer-no-link"
+  fi
+  cmake --build "$fbuild"
+  local seeds=("$root/samples")
+  [ -d "$root/../shared/data/logs" ] && seeds+=("$root/../shared/data/logs")
+  for target in "$fbuild"/fuzz/fuzz_*; do
+    [ -x "$target" ] || continue
+    local name corpus
+    name=$(basename "$target")
+    corpus=$fbuild/corpus/$name
+    mkdir -p "$corpus"
+    echo "== fuzzing $name for ${seconds} s"
+    "$target" -max_total_time="$seconds" -print_final_stats=1 -max_len=4096 -timeout=10 \
+      "$corpus" "${seeds[@]}" 2>&1 | grep -E '^(stat::number_of_executed_units|Done|==|SUMMARY)|ERROR' || true
+    [ "${PIPESTATUS[0]}" -eq 0 ] || { echo "fuzzing $name found a fault"; return 1; }
+  done
+}
+
 cmd=${1:-}
 case "$cmd" in
   run)
@@ -52,6 +78,7 @@ case "$cmd" in
     configure_and_build
     echo "== unit and integration tests"
     ctest --test-dir "$build" --output-on-failure -j2 --timeout 120
+    fuzz
     ;;
   *)
     echo "usage: ./korvid.sh run | test" >&2
