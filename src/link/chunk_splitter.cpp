@@ -49,10 +49,9 @@ void chunk_splitter_t::feed(std::span<const std::uint8_t> chunk, chunk_sink_t& s
     binary_switch(chunk, sink);
     return;
   }
-  cut_lines(chunk);
-  if (line_count_ > 0) {
+  if (const auto lines = cut_lines(chunk); !lines.empty()) {
     binary_ = false;
-    sink.chunk_lines(std::span<const std::string>(lines_.data(), line_count_));
+    sink.chunk_lines(lines);
   }
   if (binary_) sink.chunk_binary(chunk);
 }
@@ -64,10 +63,7 @@ void chunk_splitter_t::binary_switch(std::span<const std::uint8_t> chunk, chunk_
   sink.chunk_binary(chunk);
 }
 
-// Splits (remainder + chunk without CRs) at every LF. Empty pieces count only with empty_lines.
-// When the chunk ends with CR or LF every piece is complete; otherwise the last piece is kept as
-// the remainder. Finally a trailing empty piece is dropped.
-void chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
+std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
   line_count_ = 0;
   for (const std::uint8_t b : chunk) {
     if (b == '\r') continue;
@@ -84,6 +80,7 @@ void chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
     partial_.clear();
   }
   if (line_count_ > 0 && lines_[line_count_ - 1].empty()) --line_count_;
+  return {lines_.data(), line_count_};
 }
 
 void chunk_splitter_t::emit(const std::string& piece) {

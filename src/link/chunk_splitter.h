@@ -41,8 +41,14 @@ public:
   void set_empty_lines(bool keep) { empty_lines_ = keep; }
   const std::string& remainder() const { return partial_; }
 
+  // The text half of feed(), for a transport that decides text or binary by its own rule: cuts
+  // (remainder + text without CRs) at every LF and returns the complete lines. Empty lines count
+  // only with empty_lines. When the text ends with CR or LF every piece is complete; otherwise the
+  // last piece becomes the remainder. A trailing empty piece is dropped. The lines stay valid until
+  // the next call.
+  std::span<const std::string> cut_lines(std::span<const std::uint8_t> text);
+
 private:
-  void cut_lines(std::span<const std::uint8_t> chunk);
   void emit(const std::string& piece);
   void binary_switch(std::span<const std::uint8_t> chunk, chunk_sink_t& sink);
 
