@@ -9,6 +9,7 @@ enum class colour_t : std::uint8_t {
   secondary,  // a dimmed label
   tertiary,
   accent,
+  blue,
   green,
   orange,
   red,
