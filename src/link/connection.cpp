@@ -15,8 +15,12 @@ std::string host_port(const std::string& host, std::uint16_t port) {
 }  // namespace
 
 connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory_t& links)
-    : queue_(queue), console_(console), links_(links) {
+    : gsa(queue), gsv(queue), queue_(queue), console_(console), links_(links) {
   fields_.reserve(32);
+  for (observable_t* decoder : {static_cast<observable_t*>(&gga), static_cast<observable_t*>(&gll),
+                                static_cast<observable_t*>(&rmc), static_cast<observable_t*>(&vtg),
+                                static_cast<observable_t*>(&gsa), static_cast<observable_t*>(&gsv)})
+    any_cancellable_.push_back(decoder->subscribe([this] { notify(); }));
 }
 
 connection_t::~connection_t() { *alive_ = false; }

@@ -12,6 +12,12 @@
 #include "core/observable.h"
 #include "core/string_ring.h"
 #include "link/link_factory.h"
+#include "nmea/gps_gngga.h"
+#include "nmea/gps_gngll.h"
+#include "nmea/gps_gngsa.h"
+#include "nmea/gps_gnrmc.h"
+#include "nmea/gps_gnvtg.h"
+#include "nmea/gps_gpgsv.h"
 #include "nmea/gps_protocol.h"
 
 // The hub: owns the two transports and the decoders, validates sentences and hands their fields
@@ -70,7 +76,15 @@ public:
   std::uint64_t msg_count = 0;
   std::uint64_t msg_good = 0;
 
-  // The decoders in the order they are offered every sentence.
+  // The six decoders. Their change notices are the hub's own.
+  gps_gngga_t gga;
+  gps_gngll_t gll;
+  gps_gnrmc_t rmc;
+  gps_gnvtg_t vtg;
+  gps_gngsa_t gsa;
+  gps_gpgsv_t gsv;
+
+  // The decoders in the order they are offered every sentence and record.
   const std::vector<gps_decoder_t*>& arr_update() const { return arr_update_; }
 
 private:
@@ -84,7 +98,7 @@ private:
   link_factory_t& links_;
   std::unique_ptr<tcp_link_t> tcp_client_;
   std::unique_ptr<ble_link_t> ble_;
-  std::vector<gps_decoder_t*> arr_update_;
+  std::vector<gps_decoder_t*> arr_update_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
   std::vector<subscription_t> any_cancellable_;
   std::vector<std::string_view> fields_;  // reused for every sentence
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // guards delayed tasks

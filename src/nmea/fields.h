@@ -32,6 +32,15 @@ struct decimal_read_t {
 };
 decimal_read_t read_decimal(std::string_view field, double upper_bound);
 
+// read_decimal into a target (a double or a published double): false when the update must stop.
+template <class Target>
+bool store_decimal(std::string_view field, double upper_bound, Target& target) {
+  const auto r = read_decimal(field, upper_bound);
+  if (r.outcome == decimal_outcome_t::bad) return false;
+  if (r.outcome == decimal_outcome_t::value) target = r.value;
+  return true;
+}
+
 // The field when it is exactly one of the two letters, else the current letter.
 std::string_view pick_letter(std::string_view field, std::string_view first, std::string_view second,
                              std::string_view current);

@@ -1,0 +1,152 @@
+#include "nmea/gps_gngga.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "nmea/fields.h"
+
+const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size] = {
+    "invalid", "GPS", "DGPS", "PPS", "Real Time Kinematic", "Float RTK", "estimated (dead reckoning)",
+    "Manual input mode", "Simulation mode"};
+const std::string_view gga_fix_pvt[gps_gngga_t::fix_table_size] = {
+    "no fix", "dead reckoning", "2D fix", "3D fix", "GNSS + dead reckoning", "time only fix",
+    "unknown 6", "unknown 7", "unknown 8"};
+
+namespace {
+
+// A decimal with its unit field ("M"): an empty unit skips the pair; any other unit stops the
+// update; a value written without a point stops it; an unreadable value keeps the target.
+bool read_with_unit(std::string_view value, std::string_view unit, double& target) {
+  if (unit.empty()) return true;
+  if (unit != "M") return false;
+  const auto a = parse_double(value);
+  if (!a) return true;
+  if (value.find('.') == std::string_view::npos) return false;
+  target = *a;
+  return true;
+}
+
+}  // namespace
+
+std::string_view gps_gngga_t::fix_text() const {
+  if (fix_i < 0 || fix_i >= static_cast<std::int64_t>(fix_table_size)) return "invalid";
+  return (pvt_mode ? gga_fix_pvt : gga_fix_arr)[fix_i];
+}
+
+void gps_gngga_t::reset() {
+  time.clear();
+  lat = 0.0;
+  lon = 0.0;
+  fix_i = 0;
+  sat_count_i = 0;
+  hdop_d = 0.0;
+  alt_d = 0.0;
+  mean_sea_level_d = 0.0;
+  direction_history.fill(0.0);
+  magnitude_history.fill(0.0);
+  lat_dir = "N";
+  lon_dir = "E";
+  map_annotations.clear();
+  map_path.clear();
+}
+
+// $GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77
+//        time      lat        N/S lon       E/W fix sats hdop alt M geoid M age station
+void gps_gngga_t::update(std::span<const std::string_view> f) {
+  if (f.size() < 14 || f.size() > 16) return;
+  if (f[0] != "$GNGGA" && f[0] != "$GPGGA") return;
+
+  if (!time.parse(f[1])) return;
+
+  if (f[6].empty()) return;
+  const auto fix = parse_int(f[6]);
+  if (!fix || *fix < 0 || *fix >= static_cast<std::int64_t>(fix_table_size)) return;
+
+  const auto sats = parse_int(f[7].empty() ? std::string_view("0") : f[7]);
+  if (!sats || *sats < 0 || *sats > sat_count_max) return;
+
+  const auto hdop = parse_double(f[8]);
+  if (!hdop || *hdop < 0.0 || *hdop > hdop_max || f[8].find('.') == std::string_view::npos) return;
+
+  if (!read_with_unit(f[9], f[10], alt_d)) return;
+  if (!read_with_unit(f[11], f[12], mean_sea_level_d)) return;
+
+  const auto ns = pick_letter(f[3], "N", "S", lat_dir);
+  const auto ew = pick_letter(f[5], "E", "W", lon_dir);
+  const double previous_lat = lat;
+  const double previous_lon = lon;
+
+  const auto la = parse_coordinate(f[2], 2);
+  if (!la || *la < -90.0 || *la > 90.0) return;
+  const auto lo = parse_coordinate(f[4], 3);
+  if (!lo || *lo < -180.0 || *lo > 180.0) return;
+
+  pvt_mode = false;
+  fix_i = *fix;
+  sat_count_i = *sats;
+  hdop_d = *hdop;
+
+  if (f[2].empty() || f[4].empty()) return;
+  lat_dir = ns;
+  lon_dir = ew;
+  lat = *la;
+  lon = *lo;
+  push_motion(previous_lat, previous_lon);
+  const auto where = map_position(true);
+  if (*hdop < hdop_no_marker) place_marker(where);
+  map_path.add_point(where.latitude, where.longitude, hdop_d);
+}
+
+void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
+  const double previous_lat = lat;
+  const double previous_lon = lon;
+  pvt_mode = false;
+  time.set_from_itow(r.iTOW);
+  alt_d = r.height / 1000.0;
+  mean_sea_level_d = r.hMSL / 1000.0;
+  if (r.lat == 0 || r.lon == 0) return;
+  lat = r.lat / 10'000'000.0;
+  lon = r.lon / 10'000'000.0;
+  push_motion(previous_lat, previous_lon);
+  const auto where = map_position(false);
+  place_marker(where);
+  map_path.add_point(where.latitude, where.longitude, hdop_d);
+}
+
+void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
+  if (r.fixType >= fix_table_size) return;
+  pvt_mode = true;
+  fix_i = r.fixType;
+  sat_count_i = r.numSV;
+  time.set(r.hour, r.min, r.sec, 0);
+  alt_d = r.height / 1000.0;
+  mean_sea_level_d = r.hMSL / 1000.0;
+  hdop_d = r.pDOP / 100.0;
+  if (r.headMot != 0) push_history(direction_history, r.headMot * 1e-5 * std::numbers::pi / 180.0);
+  if (r.lat == 0 || r.lon == 0) return;
+  lat = r.lat / 10'000'000.0;
+  lon = r.lon / 10'000'000.0;
+  const auto where = map_position(false);
+  if (r.pDOP < pdop_no_marker) place_marker(where);
+  map_path.add_point(where.latitude, where.longitude, hdop_d);
+}
+
+// The letters turn the difference of two magnitudes into a signed movement north and east.
+// atan2 keeps IEEE signed zeros: standing still gives pi/2 facing east and -pi/2 facing west.
+void gps_gngga_t::push_motion(double previous_lat, double previous_lon) {
+  const double sn = lat_dir == "N" ? 1.0 : -1.0;
+  const double se = lon_dir == "E" ? 1.0 : -1.0;
+  const double dn = (lat - previous_lat) * sn * meters_per_lat;
+  const double de = (lon - previous_lon) * se * meters_per_lon;
+  push_history(direction_history, std::numbers::pi / 2 - std::atan2(dn, de));
+  push_history(magnitude_history, std::sqrt(dn * dn + de * de));
+}
+
+geo_coordinate_t gps_gngga_t::map_position(bool signed_by_letters) const {
+  if (!signed_by_letters) return {lat, lon};
+  return {signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)};
+}
+
+void gps_gngga_t::place_marker(geo_coordinate_t where) {
+  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_text(time), where, spare_marker_));
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "core/observable.h"
+#include "map/annotations.h"
+#include "map/map_path.h"
+#include "nmea/gps_protocol.h"
+#include "nmea/motion.h"
+#include "nmea/time_date.h"
+
+// The main fix state: GGA sentences and the NAV-POSLLH and NAV-PVT records. Keeps the last fix,
+// two short histories of movement, the fix markers and the system's one track.
+class gps_gngga_t final : public observable_t, public gps_decoder_t {
+public:
+  static constexpr std::size_t fix_table_size = 9;
+  static constexpr double hdop_max = 99.99;       // largest readable HDOP
+  static constexpr double hdop_no_marker = 99.0;  // from this HDOP on no marker is placed
+  static constexpr std::int64_t sat_count_max = 36;
+  static constexpr std::uint16_t pdop_no_marker = 9999;  // 0.01 units: a position DOP of 99.99
+
+  void reset() override;
+  void update(std::span<const std::string_view> fields) override;
+  void update_posllh(const gps_posllh_t& record) override;
+  void update_pvt(const gps_pvt_t& record) override;
+
+  // The fix quality (GGA) or fix type (NAV-PVT) as text; "invalid" outside the table.
+  std::string_view fix_text() const;
+
+  time_hms_t time;  // changed in place: no notice of its own
+  published_t<double> lat{*this, 0.0};
+  published_t<double> lon{*this, 0.0};
+  std::int64_t fix_i = 0;
+  std::int64_t sat_count_i = 0;
+  double hdop_d = 0.0;
+  double alt_d = 0.0;
+  double mean_sea_level_d = 0.0;
+  motion_history_t direction_history{};  // rad clockwise from north, newest first
+  motion_history_t magnitude_history{};  // m, newest first
+  bool pvt_mode = false;
+  std::string_view lat_dir = "N";
+  std::string_view lon_dir = "E";
+  annotations_t map_annotations;
+  map_path_t map_path;
+
+private:
+  void push_motion(double previous_lat, double previous_lon);
+  void place_marker(geo_coordinate_t where);
+  // The position as a map places it: signed by the letters for a sentence fix.
+  geo_coordinate_t map_position(bool signed_by_letters) const;
+
+  annotation_ref_t spare_marker_;
+};
+
+// "invalid", "GPS", ... for a GGA fix quality; "no fix", "3D fix", ... for a NAV-PVT fix type.
+extern const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size];
+extern const std::string_view gga_fix_pvt[gps_gngga_t::fix_table_size];

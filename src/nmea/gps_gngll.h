@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/observable.h"
+#include "map/annotations.h"
+#include "nmea/gps_protocol.h"
+#include "nmea/time_date.h"
+
+// GLL: geographic position, time and status; places markers titled with the time.
+class gps_gngll_t final : public observable_t, public gps_decoder_t {
+public:
+  void reset() override;
+  void update(std::span<const std::string_view> fields) override;
+  void update_posllh(const gps_posllh_t& record) override;
+  void update_pvt(const gps_pvt_t& record) override;
+
+  time_hms_t time;  // changed in place: no notice of its own
+  published_t<double> lat{*this, 0.0};
+  published_t<double> lon{*this, 0.0};
+  std::string_view lat_dir = "N";
+  std::string_view lon_dir = "E";
+  std::string_view data_status = "A";
+  annotations_t map_annotations;
+
+private:
+  void place_marker(geo_coordinate_t where);
+  annotation_ref_t spare_marker_;
+};
