@@ -103,6 +103,44 @@ TEST(replay, text_captures_give_the_counters_of_an_independent_count) {
   EXPECT_EQ(replayed, 5);
 }
 
+TEST(replay, real_captures_keep_the_decoders_within_their_bounds) {
+  const auto folder = logs_folder();
+  if (folder.empty() || !fs::is_directory(folder)) GTEST_SKIP() << "no receiver captures at " << folder;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() != ".log") continue;
+    const auto name = entry.path().filename().string();
+    test_queue_t queue;
+    recording_console_t console;
+    fake_links_t links;
+    connection_t hub(queue, console, links);
+    hub.show_all = true;
+    replay_chunks(read_file(entry.path()), replay_default_chunk, hub);
+    EXPECT_LE(hub.arr_rx->size(), 30u) << name;
+    for (const auto* annotations : {&hub.gga.map_annotations, &hub.gll.map_annotations, &hub.rmc.map_annotations})
+      EXPECT_LE(annotations->list().size(), annotations_t::limit) << name;
+    EXPECT_LE(hub.gga.map_path.list().size(), map_path_t::limit) << name;
+    EXPECT_LE(hub.gga.map_path.history().size(), map_path_t::history_length) << name;
+    if (!hub.binary) {
+      for (const double lat : {hub.gga.lat.get(), hub.gll.lat.get(), hub.rmc.lat.get()}) {
+        EXPECT_GE(lat, 0.0) << name;
+        EXPECT_LE(lat, 90.0) << name;
+      }
+      for (const double lon : {hub.gga.lon.get(), hub.gll.lon.get(), hub.rmc.lon.get()}) {
+        EXPECT_GE(lon, 0.0) << name;
+        EXPECT_LE(lon, 180.0) << name;
+      }
+      EXPECT_GT(hub.gga.map_path.list().size(), 0u) << name << " has fixes";
+    }
+    for (const auto& [prn, satellite] : *hub.gsv.satellite_arr) {
+      EXPECT_LT(prn, 100) << name;
+      EXPECT_EQ(satellite->prn, prn) << name;
+      EXPECT_LE(satellite->elevation, 90) << name;
+      EXPECT_LE(satellite->azimuth, 360) << name;
+    }
+    for (const auto& [prn, when] : *hub.gsa.PRN_arr) EXPECT_LT(prn, 100) << name;
+  }
+}
+
 TEST(replay, an_unfinished_last_line_is_dropped) {
   test_queue_t queue;
   recording_console_t console;
