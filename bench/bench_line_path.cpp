@@ -5,27 +5,11 @@
 #include "counting_allocator.h"
 #include "link/chunk_splitter.h"
 #include "link/connection.h"
-#include "link/link_factory.h"
+#include "link/offline_links.h"
 #include "link/replay.h"
+#include "support/idle_harness.h"
 
 namespace {
-
-struct no_links_t final : link_factory_t {
-  struct tcp_t final : tcp_link_t {
-    std::int32_t connect(const std::string&, std::uint16_t) override { return 0; }
-    bool enabled() const override { return false; }
-    bool valid() const override { return false; }
-    void stop() override {}
-    void send(std::span<const std::uint8_t>) override {}
-  };
-  struct ble_t final : ble_link_t {
-    void connect(const std::string&) override {}
-    void stop() override {}
-    void write(std::span<const std::uint8_t>) override {}
-  };
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override { return std::make_unique<tcp_t>(); }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override { return std::make_unique<ble_t>(); }
-};
 
 // Hands the splitter's output to the hub as a TCP link's receive loop does.
 struct hub_sink_t final : chunk_sink_t {
@@ -55,7 +39,7 @@ void line_path(benchmark::State& state) {
   const auto sentences = count_candidates(stream);
   idle_queue_t queue;
   silent_console_t console;
-  no_links_t links;
+  offline_links_t links;
   connection_t hub(queue, console, links);
   chunk_splitter_t splitter(false, false);
   hub_sink_t sink(hub);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/cli_options.h"
-#include "app/offline_links.h"
+#include "link/offline_links.h"
 #include "app/snapshot_json.h"
 #include "core/console.h"
 #include "link/connection.h"

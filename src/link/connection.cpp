@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "nmea/sentence.h"
+#include "ubx/record_text.h"
 
 namespace {
 
@@ -146,7 +147,49 @@ void connection_t::receive_line(std::string_view line) {
     log_append(line);
 }
 
-void connection_t::receive_arr(std::span<const std::uint8_t>) { binary = true; }
+void connection_t::receive_arr(std::span<const std::uint8_t> bytes) {
+  binary = true;
+  const auto result = gps_bin.decode(bytes);
+  switch (result) {
+    case gps_bin_return_t::need_more_data:
+    case gps_bin_return_t::unsupported_type:
+      return;
+    case gps_bin_return_t::ok:
+      msg_ack = true;
+      ++msg_good;
+      log_record();
+      break;
+    case gps_bin_return_t::chk_ignored:
+      log_record();
+      break;
+    case gps_bin_return_t::chk_invalid:
+    case gps_bin_return_t::invalid_size:
+    case gps_bin_return_t::invalid_length:
+    case gps_bin_return_t::invalid_data:
+    case gps_bin_return_t::malformed:
+      log_error(result);
+      break;
+  }
+  count_candidate();
+}
+
+// "[2026-01-01 12:00:00 +0000  binary packet: checksum invalid]"
+void connection_t::log_error(gps_bin_return_t result) {
+  const auto what = text(result);
+  char entry[96];
+  const int n = std::snprintf(entry, sizeof entry, "[%s  binary packet: %.*s]", console_.date().c_str(),
+                              static_cast<int>(what.size()), what.data());
+  log_append(std::string_view(entry, static_cast<std::size_t>(n)));
+}
+
+// In binary mode the log shows the latest decoded record, followed by any error entries since.
+void connection_t::log_record() {
+  arr_rx.modify([](string_ring_t& log) { log.clear(); });
+  entry_.clear();
+  if (gps_bin.decoded_type == gps_bin_format_t::posllh) append_text(entry_, gps_bin.posllh);
+  if (gps_bin.decoded_type == gps_bin_format_t::pvt) append_text(entry_, gps_bin.pvt);
+  log_append(entry_);
+}
 
 void connection_t::log_append(std::string_view entry) {
   arr_rx.modify([&](string_ring_t& log) { log.push_back(entry); });

@@ -19,6 +19,7 @@
 #include "nmea/gps_gnvtg.h"
 #include "nmea/gps_gpgsv.h"
 #include "nmea/gps_protocol.h"
+#include "ubx/gps_bin.h"
 
 // The hub: owns the two transports and the decoders, validates sentences and hands their fields
 // to the decoders, keeps the message counters, the link status texts and the short log, and
@@ -87,9 +88,14 @@ public:
   // The decoders in the order they are offered every sentence and record.
   const std::vector<gps_decoder_t*>& arr_update() const { return arr_update_; }
 
+  // The UBX stream decoder; it hands records to the same six decoders.
+  gps_bin_t gps_bin{{&gga, &gll, &rmc, &vtg, &gsa, &gsv}};
+
 private:
   void log_append(std::string_view entry);
   void count_candidate();
+  void log_record();
+  void log_error(gps_bin_return_t result);
   void clear_log_and_counters();
   void schedule_reconnect(const std::string& host, std::uint16_t port);
 
@@ -101,5 +107,6 @@ private:
   std::vector<gps_decoder_t*> arr_update_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
   std::vector<subscription_t> any_cancellable_;
   std::vector<std::string_view> fields_;  // reused for every sentence
+  std::string entry_;                     // reused for every record's log text
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // guards delayed tasks
 };

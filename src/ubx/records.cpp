@@ -1,5 +1,7 @@
 #include "ubx/records.h"
 
+#include <iterator>
+
 namespace {
 
 // Reads little-endian fields one after another from a record image.
@@ -82,4 +84,24 @@ gps_pvt_t gps_pvt_t::from_image(std::span<const std::uint8_t, image_size> image)
   p.magDec = r.i16();
   p.magAcc = r.u16();
   return p;
+}
+
+bool gps_posllh_t::is_plausible() const {
+  return lat >= -lat_limit && lat <= lat_limit && lon >= -lon_limit && lon <= lon_limit;
+}
+
+bool gps_pvt_t::is_valid() const {
+  constexpr unsigned max_satellites = 36;
+  constexpr unsigned max_pdop = 9999;  // 0.01 units
+  if (numSV > max_satellites) return false;
+  if (pDOP > max_pdop) return false;
+  if (fixType >= std::size(ubx_fix_type_text)) return false;
+  if (lat < -lat_limit || lat > lat_limit) return false;
+  if (lon < -lon_limit || lon > lon_limit) return false;
+  if (month < 1 || month > 12) return false;
+  if (day < 1 || day > 31) return false;
+  if (hour > 23) return false;
+  if (min > 59) return false;
+  if (sec > 59) return false;
+  return true;
 }

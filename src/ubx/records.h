@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 // The two UBX navigation records, each the image of a frame from its class byte to the end of its
 // payload. Multi-byte fields are little-endian on the wire and are read as such on any host.
@@ -24,6 +25,8 @@ struct gps_posllh_t {
   std::uint32_t vAcc = 0;    // mm
 
   static gps_posllh_t from_image(std::span<const std::uint8_t, image_size> image);
+  // Latitude within +-90 and longitude within +-180 degrees; nothing else is checked.
+  bool is_plausible() const;
   bool operator==(const gps_posllh_t&) const = default;
 };
 
@@ -70,5 +73,17 @@ struct gps_pvt_t {
   std::uint16_t magAcc = 0;   // 0.01 degree
 
   static gps_pvt_t from_image(std::span<const std::uint8_t, image_size> image);
+  // Satellites, DOP, fix type, position and the UTC date and time within their ranges, checked in
+  // that order. The validity flags are not consulted.
+  bool is_valid() const;
   bool operator==(const gps_pvt_t&) const = default;
 };
+
+inline constexpr std::int32_t lat_limit = 900'000'000;   // 1e-7 degree
+inline constexpr std::int32_t lon_limit = 1'800'000'000; // 1e-7 degree
+
+// NAV-PVT fix types: 0 "no fix" to 5 "time only fix".
+inline constexpr std::string_view ubx_fix_type_text[] = {"no fix", "dead reckoning", "2D fix",
+                                                         "3D fix", "GNSS + dead reckoning", "time only fix"};
+// Days of the GPS week, which starts on Sunday.
+inline constexpr std::string_view ubx_weekday_text[] = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/fake_links.h"
+#include "support/records.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 
@@ -281,6 +282,39 @@ TEST_F(hub_test, tcp_lines_switch_back_to_text_and_go_line_by_line) {
   hub.tcp_lines(lines);
   EXPECT_FALSE(hub.binary);
   EXPECT_EQ(hub.arr_rx->size(), 2u);
+}
+
+TEST_F(hub_test, a_decoded_record_replaces_the_log_and_errors_follow_it) {
+  for (int i = 0; i < 3; ++i) hub.receive_line(gga);
+  const auto frame = frame_of(image_of(valid_pvt()));
+  hub.tcp_binary(frame);
+  EXPECT_TRUE(hub.binary);
+  ASSERT_EQ(hub.arr_rx->size(), 1u);
+  EXPECT_EQ((*hub.arr_rx)[0].substr(0, 40), "cls 1  id 7      PVT  len 92            ");
+  EXPECT_EQ(hub.gga.fix_text(), "3D fix") << "the record reached the decoders";
+  EXPECT_EQ(hub.msg_good, 3u);
+
+  auto bad = frame;
+  bad.back() ^= 0xFF;
+  hub.receive_arr(bad);
+  ASSERT_EQ(hub.arr_rx->size(), 2u);
+  EXPECT_EQ((*hub.arr_rx)[1], "[2026-01-01 12:00:00 +0000  binary packet: checksum invalid]");
+  EXPECT_EQ(hub.msg_count, 4u) << "counted, not good";
+  EXPECT_EQ(hub.msg_good, 3u);
+}
+
+TEST_F(hub_test, binary_chunks_without_a_frame_end_count_nothing) {
+  image_writer_t other;
+  other.u8(0x01).u8(0x03);
+  hub.receive_arr(frame_of(other.bytes));
+  const auto frame = frame_of(image_of(valid_pvt()));
+  hub.receive_arr(std::span(frame).first(50));
+  EXPECT_EQ(hub.msg_ack_count, 0u);
+  EXPECT_TRUE(hub.arr_rx->empty());
+  hub.receive_arr(std::span(frame).subspan(50));
+  EXPECT_TRUE(hub.msg_ack) << "the first good record acknowledges the stream";
+  EXPECT_EQ(hub.msg_good, 1u);
+  EXPECT_EQ(hub.msg_count, 1u);
 }
 
 TEST_F(hub_test, observers_hear_of_every_published_change) {

@@ -4,8 +4,9 @@
 
 #include "link/link_factory.h"
 
-// Transports that never come up: the programs use them for the links this build cannot open.
-// A connect attempt starts and nothing follows; bridge writes are dropped.
+// Transports that never come up, for a hub that has no link to open (a replay, a benchmark) and for
+// a link the program cannot open: a connect attempt starts and nothing follows; bridge writes are
+// dropped.
 class offline_tcp_t final : public tcp_link_t {
 public:
   std::int32_t connect(const std::string&, std::uint16_t) override {

@@ -1,0 +1,194 @@
+#include "ubx/gps_bin.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/records.h"
+
+namespace {
+
+using bytes_t = std::vector<std::uint8_t>;
+using R = gps_bin_return_t;
+
+struct recorder_t final : gps_protocol_bin_t {
+  explicit recorder_t(std::vector<std::string>& log, char name) : log(log), name(name) {}
+  void update_posllh(const gps_posllh_t& r) override { log.push_back(std::string(1, name) + "posllh " + std::to_string(r.lat)); }
+  void update_pvt(const gps_pvt_t& r) override { log.push_back(std::string(1, name) + "pvt " + std::to_string(r.lat)); }
+  std::vector<std::string>& log;
+  char name;
+};
+
+bytes_t operator+(bytes_t a, const bytes_t& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+gps_posllh_t valid_posllh() {
+  auto r = posllh_record();
+  r.lat = 481234567;
+  r.lon = -1225000000;
+  return r;
+}
+
+class gps_bin_test : public ::testing::Test {
+protected:
+  std::vector<std::string> log;
+  recorder_t first{log, 'a'};
+  recorder_t second{log, 'b'};
+  gps_bin_t bin{{&first, &second}};
+  const bytes_t pvt = frame_of(image_of(valid_pvt()));
+  const bytes_t posllh = frame_of(image_of(valid_posllh()));
+};
+
+TEST_F(gps_bin_test, one_byte_per_call) {
+  EXPECT_EQ(bin.decode({}), R::need_more_data);
+  for (std::size_t i = 0; i + 1 < pvt.size(); ++i) ASSERT_EQ(bin.decode(std::span(&pvt[i], 1)), R::need_more_data) << i;
+  EXPECT_EQ(bin.decode(std::span(&pvt.back(), 1)), R::ok);
+  EXPECT_EQ(log, (std::vector<std::string>{"apvt -349062349", "bpvt -349062349"}));
+  EXPECT_EQ(bin.pvt, valid_pvt());
+}
+
+TEST_F(gps_bin_test, two_frames_in_one_chunk_reach_the_receivers_in_order) {
+  EXPECT_EQ(bin.decode(posllh + pvt), R::ok);
+  EXPECT_EQ(bin.type, gps_bin_format_t::pvt);
+  EXPECT_EQ(bin.decoded_type, gps_bin_format_t::pvt);
+  EXPECT_EQ(log, (std::vector<std::string>{"aposllh 481234567", "bposllh 481234567", "apvt -349062349",
+                                           "bpvt -349062349"}));
+}
+
+TEST_F(gps_bin_test, the_last_event_of_a_chunk_is_its_result) {
+  const bytes_t unsupported_start = {0xB5, 0x62, 0x01, 0x03};
+  EXPECT_EQ(bin.decode(posllh + unsupported_start), R::unsupported_type);
+  EXPECT_EQ(log.size(), 2u) << "the frame before still reached the receivers";
+  EXPECT_EQ(bin.decoded_type, gps_bin_format_t::posllh) << "the record the log shows";
+  EXPECT_EQ(bin.decode(pvt + bytes_t{0xB5, 0x62, 0x01, 0x02}), R::ok) << "a frame in progress is no event";
+  EXPECT_EQ(bin.type, gps_bin_format_t::posllh) << "the frame in progress";
+  EXPECT_EQ(bin.decoded_type, gps_bin_format_t::pvt) << "the record whose decoding gave the result";
+}
+
+TEST_F(gps_bin_test, a_sync_mismatch_drops_the_byte) {
+  auto late = bytes_t{0xB5} + posllh;  // 0xB5 0xB5 0x62 ...
+  EXPECT_EQ(bin.decode(late), R::need_more_data);
+  EXPECT_TRUE(log.empty());
+  EXPECT_EQ(bin.decode(pvt), R::ok) << "it resynchronises on the next frame";
+}
+
+TEST_F(gps_bin_test, text_between_frames_is_skipped) {
+  const std::string text = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+  EXPECT_EQ(bin.decode(bytes_t(text.begin(), text.end()) + pvt + bytes_t(text.begin(), text.end())), R::ok);
+  EXPECT_EQ(log.size(), 2u);
+}
+
+TEST_F(gps_bin_test, a_wrong_ck_a_fails_at_once_and_ck_b_is_hunted_through) {
+  auto bad = posllh;
+  bad[bad.size() - 2] ^= 0xFF;
+  const auto ck_b = bad.back();
+  EXPECT_EQ(bin.decode(bytes_t(bad.begin(), bad.end() - 1)), R::chk_invalid);
+  EXPECT_EQ(bin.h, 0);
+  EXPECT_EQ(bin.decode(bytes_t{ck_b}), R::need_more_data);
+  EXPECT_TRUE(log.empty());
+  auto bad_b = pvt;
+  bad_b.back() ^= 0x01;
+  EXPECT_EQ(bin.decode(bad_b), R::chk_invalid);
+  EXPECT_TRUE(log.empty());
+}
+
+TEST_F(gps_bin_test, chk_ignore_decodes_frames_with_wrong_checksums) {
+  bin.chk_ignore = true;
+  auto bad = pvt;
+  bad[bad.size() - 2] ^= 0xFF;
+  bad.back() ^= 0xFF;
+  EXPECT_EQ(bin.decode(bad), R::chk_ignored);
+  EXPECT_EQ(log.size(), 2u);
+  EXPECT_TRUE(bin.chk_ignored) << "cleared only when a frame is abandoned";
+  EXPECT_EQ(bin.decode(bytes_t{0x00}), R::need_more_data);
+  EXPECT_FALSE(bin.chk_ignored);
+}
+
+TEST_F(gps_bin_test, length_and_plausibility_are_checked_after_the_checksum) {
+  auto short_length = valid_pvt();
+  short_length.length = 84;
+  EXPECT_EQ(bin.decode(frame_of(image_of(short_length))), R::invalid_length);
+  EXPECT_EQ(bin.pvt.length, 84) << "the rejected image is kept";
+  auto implausible = valid_posllh();
+  implausible.lat = 900000001;
+  EXPECT_EQ(bin.decode(frame_of(image_of(implausible))), R::invalid_data);
+  EXPECT_TRUE(log.empty());
+  EXPECT_EQ(bin.decoded_type, gps_bin_format_t::none);
+}
+
+TEST_F(gps_bin_test, unsupported_frames_are_skipped_and_their_bodies_hunted_through) {
+  image_writer_t other;
+  other.u8(0x01).u8(0x03).u16(4).u32(0);
+  const auto unsupported = frame_of(other.bytes);
+  EXPECT_EQ(bin.decode(unsupported), R::unsupported_type);
+  EXPECT_EQ(bin.decode(unsupported + pvt), R::ok);
+  EXPECT_EQ(text(R::unsupported_type), "unsupported type");
+  EXPECT_EQ(text(R::chk_ignored), "checksum ignored");
+  EXPECT_EQ(text(R::need_more_data), "need more data");
+}
+
+TEST(gps_pvt, is_valid_checks_each_range) {
+  const struct {
+    const char* name;
+    void (*change)(gps_pvt_t&);
+    bool valid;
+  } cases[] = {
+      {"as is", [](gps_pvt_t&) {}, true},
+      {"numSV 36", [](gps_pvt_t& r) { r.numSV = 36; }, true},
+      {"numSV 37", [](gps_pvt_t& r) { r.numSV = 37; }, false},
+      {"pDOP 9999", [](gps_pvt_t& r) { r.pDOP = 9999; }, true},
+      {"pDOP 10000", [](gps_pvt_t& r) { r.pDOP = 10000; }, false},
+      {"fixType 5", [](gps_pvt_t& r) { r.fixType = 5; }, true},
+      {"fixType 6", [](gps_pvt_t& r) { r.fixType = 6; }, false},
+      {"lat 90", [](gps_pvt_t& r) { r.lat = 900000000; }, true},
+      {"lat -90.0000001", [](gps_pvt_t& r) { r.lat = -900000001; }, false},
+      {"lon -180", [](gps_pvt_t& r) { r.lon = -1800000000; }, true},
+      {"lon 180.0000001", [](gps_pvt_t& r) { r.lon = 1800000001; }, false},
+      {"month 0", [](gps_pvt_t& r) { r.month = 0; }, false},
+      {"month 13", [](gps_pvt_t& r) { r.month = 13; }, false},
+      {"day 0", [](gps_pvt_t& r) { r.day = 0; }, false},
+      {"day 32", [](gps_pvt_t& r) { r.day = 32; }, false},
+      {"hour 24", [](gps_pvt_t& r) { r.hour = 24; }, false},
+      {"min 60", [](gps_pvt_t& r) { r.min = 60; }, false},
+      {"sec 60", [](gps_pvt_t& r) { r.sec = 60; }, false},
+  };
+  for (const auto& c : cases) {
+    auto r = valid_pvt();
+    c.change(r);
+    EXPECT_EQ(r.is_valid(), c.valid) << c.name;
+  }
+}
+
+TEST(capture, every_nav_pvt_frame_of_the_m8n_capture_reaches_the_receivers) {
+  const auto path = std::filesystem::path(KORVID_LOGS_DIR) / "ublox-neo-m8n.log";
+  if (!std::filesystem::exists(path)) GTEST_SKIP() << "no capture at " << path;
+  std::ifstream in(path, std::ios::binary);
+  const bytes_t stream((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  // An independent count: every B5 62 01 07 with length 92 whose Fletcher checksum matches.
+  int expected = 0;
+  for (std::size_t i = 0; i + 100 <= stream.size(); ++i) {
+    if (stream[i] != 0xB5 || stream[i + 1] != 0x62 || stream[i + 2] != 0x01 || stream[i + 3] != 0x07) continue;
+    std::uint8_t a = 0, b = 0;
+    for (std::size_t k = i + 2; k < i + 98; ++k) {
+      a = static_cast<std::uint8_t>(a + stream[k]);
+      b = static_cast<std::uint8_t>(b + a);
+    }
+    expected += stream[i + 98] == a && stream[i + 99] == b;
+  }
+  ASSERT_GT(expected, 0);
+  for (const std::size_t chunk : {std::size_t{1}, std::size_t{13}, std::size_t{2047}, stream.size()}) {
+    std::vector<std::string> log;
+    recorder_t receiver(log, 'r');
+    gps_bin_t bin({&receiver});
+    for (std::size_t at = 0; at < stream.size(); at += chunk)
+      bin.decode(std::span(stream).subspan(at, std::min(chunk, stream.size() - at)));
+    EXPECT_EQ(static_cast<int>(log.size()), expected) << "chunk " << chunk;
+  }
+}
+
+}  // namespace

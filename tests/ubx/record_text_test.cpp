@@ -1,0 +1,80 @@
+#include "ubx/record_text.h"
+
+#include <gtest/gtest.h>
+
+#include "support/records.h"
+
+namespace {
+
+TEST(record_text, posllh_in_fixed_columns) {
+  auto r = posllh_record();
+  r.iTOW = 0;
+  r.lon = -1225000000;
+  r.lat = 426912345;
+  r.height = -500;
+  r.hMSL = -1500;
+  r.hAcc = 1500;
+  r.vAcc = 1000000;
+  EXPECT_EQ(text(r),
+            "cls 1  id 2   POSLLH  len 28       iTOW          0         sun  0:00:00.000\n"
+            "accuracy H     1.500  [height above elipsoid      -0.500]  lat   42.6912345\n"
+            "accuracy V  1000.000  [height mean sea level      -1.500]  lon -122.5000000\n");
+}
+
+TEST(record_text, pvt_in_fixed_columns_with_the_extremes_of_each_type) {
+  auto r = pvt_record();
+  r.iTOW = 604800005;  // a week and more: no weekday
+  r.hAcc = 1500;
+  r.vAcc = 1000000;  // too wide for the space before "["
+  r.height = INT32_MIN;
+  r.hMSL = 27240;
+  r.lat = -349062349;
+  r.lon = 1386081181;
+  r.valid = 0x37;
+  r.flags = 0x03;
+  r.flags2 = 0x0a;
+  r.flags3 = 0xe000;
+  r.velN = -9;
+  r.velE = -15;
+  r.velD = 3;
+  r.magDec = INT16_MIN;
+  r.magAcc = 32768;
+  r.pDOP = 145;
+  r.gSpeed = 17;
+  r.sAcc = 172;
+  r.numSV = 14;
+  r.headMot = 3147178;
+  r.headAcc = 876849;
+  r.fixType = 7;
+  r.headVeh = -5;
+  r.nano = -399901547;
+  r.year = 2017;
+  r.month = 7;
+  r.day = 19;
+  r.hour = 8;
+  r.min = 50;
+  r.sec = 5;
+  EXPECT_EQ(text(r),
+            "cls 1  id 7      PVT  len 92              iTOW  604800005    0:00:00.005\n"
+            "accuracy H     1.500  [height above elipsoid-2147483.648]  lat  -34.9062349\n"
+            "accuracy V  1000.000 [height mean sea level      27.240]  lon  138.6081181\n"
+            "valid 37 flags 03 0a  e000     velocity  -0.009N   -0.015E        0.003D\n"
+            "magnetic declination -327.68     accuracy 327.68      pDOP          1.45\n"
+            "ground speed          0.017    accuracy   0.172     sat count    14\n"
+            "heading of motion    31.47178  accuracy   8.76849   7 invalid\n"
+            "heading of vehicle   -0.00005  nano sec -399901547  UTC 2017-07-19 08:50:05\n");
+}
+
+TEST(record_text, labels_by_id_alone_and_small_negatives_as_minus_zero) {
+  auto r = posllh_record();
+  r.cls = 5;
+  EXPECT_EQ(text(r).substr(0, 22), "cls 5  id 2   POSLLH  ");
+  r.id = 9;
+  EXPECT_EQ(text(r).substr(0, 22), "cls 5  id 9        ?  ");
+  auto p = pvt_record();
+  p.magDec = -5;
+  const auto t = text(p);
+  EXPECT_NE(t.find("magnetic declination -0.05     "), std::string::npos) << t;
+}
+
+}  // namespace
