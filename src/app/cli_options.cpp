@@ -5,14 +5,56 @@
 
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
+    "       korvid-cli --connect tcp://HOST:PORT [--duration S] [--interval S] [--json] [--show-all]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"
     "\n"
     "  --replay FILE   feed a capture through the receive path of a connected TCP link\n"
     "  --chunk N       replay in chunks of N bytes, 1 to 65536 (default 2047)\n"
+    "  --connect tcp://HOST:PORT\n"
+    "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1;\n"
+    "                  a lost or refused link is retried every 4 s\n"
+    "  --duration S    stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
+    "  --interval S    with --json, seconds between snapshots (default 1)\n"
     "  --json          print the state as one JSON object per line; the last one at the end\n"
     "  --show-all      log every valid sentence, not only GGA\n"
     "  --help          show this text\n";
+
+bool is_dotted_quad(std::string_view host) {
+  for (int part = 0; part < 4; ++part) {
+    const auto dot = host.find('.');
+    if ((part < 3) == (dot == std::string_view::npos)) return false;  // exactly three dots
+    const auto number = host.substr(0, dot);
+    if (number.empty() || number.size() > 3 || number.front() == '+' || !parse_unsigned(number, 255)) return false;
+    host.remove_prefix(dot == std::string_view::npos ? host.size() : dot + 1);
+  }
+  return true;
+}
+
+namespace {
+
+// tcp://HOST:PORT with a dotted-quad host and a port 1 to 65535.
+bool parse_tcp_url(std::string_view url, std::string& host, std::uint16_t& port) {
+  constexpr std::string_view scheme = "tcp://";
+  if (url.substr(0, scheme.size()) != scheme) return false;
+  url.remove_prefix(scheme.size());
+  const auto colon = url.rfind(':');
+  if (colon == std::string_view::npos || !is_dotted_quad(url.substr(0, colon))) return false;
+  const auto p = parse_unsigned(url.substr(colon + 1), 65535);
+  if (!p || *p == 0 || url[colon + 1] == '+') return false;
+  host = std::string(url.substr(0, colon));
+  port = static_cast<std::uint16_t>(*p);
+  return true;
+}
+
+bool parse_seconds(std::string_view text, double& seconds) {
+  const auto v = parse_double(text);
+  if (!v || !(*v > 0.0) || *v > 1e9) return false;
+  seconds = *v;
+  return true;
+}
+
+}  // namespace
 
 cli_parse_t parse_cli(std::span<const std::string_view> args) {
   cli_options_t options;
@@ -36,6 +78,15 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     } else if (arg == "--replay") {
       if (!next(value)) return fail("--replay needs a file name");
       options.replay_file = std::string(value);
+    } else if (arg == "--connect") {
+      if (!next(value)) return fail("--connect needs tcp://HOST:PORT");
+      if (!parse_tcp_url(value, options.host, options.port))
+        return fail("--connect takes tcp://HOST:PORT with an IPv4 address and a port 1 to 65535, not '" +
+                    std::string(value) + "'");
+    } else if (arg == "--duration" || arg == "--interval") {
+      if (!next(value)) return fail(std::string(arg) + " needs a number of seconds");
+      if (!parse_seconds(value, arg == "--duration" ? options.duration_s : options.interval_s))
+        return fail(std::string(arg) + " must be a positive number of seconds, not '" + std::string(value) + "'");
     } else if (arg == "--chunk") {
       if (!next(value)) return fail("--chunk needs a number of bytes");
       const auto n = parse_unsigned(value, cli_max_chunk);
@@ -45,6 +96,9 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       return fail("unknown option '" + std::string(arg) + "'");
     }
   }
-  if (!options.help && options.replay_file.empty()) return fail("nothing to do: give --replay FILE");
+  if (options.help) return {options, {}};
+  if (!options.replay_file.empty() && !options.host.empty()) return fail("give either --replay or --connect, not both");
+  if (options.replay_file.empty() && options.host.empty())
+    return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,6 +10,10 @@
 // What korvid-cli was asked to do.
 struct cli_options_t {
   std::string replay_file;
+  std::string host;        // --connect tcp://HOST:PORT
+  std::uint16_t port = 0;
+  double duration_s = 0;   // 0: until interrupted
+  double interval_s = 1;   // between JSON snapshots
   std::size_t chunk = 0;  // replay chunk size in bytes
   bool json = false;
   bool show_all = false;
@@ -16,6 +21,9 @@ struct cli_options_t {
 };
 
 inline constexpr std::size_t cli_max_chunk = 65536;  // bytes
+
+// "192.168.1.5": four decimal numbers 0 to 255 separated by dots, and nothing else.
+bool is_dotted_quad(std::string_view host);
 
 // Either the options or a one-line message naming what was wrong.
 struct cli_parse_t {

@@ -1,4 +1,7 @@
 #include <QCoreApplication>
+#include <QTimer>
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -7,7 +10,7 @@
 #include <vector>
 
 #include "app/cli_options.h"
-#include "link/offline_links.h"
+#include "app/program_links.h"
 #include "app/snapshot_json.h"
 #include "core/console.h"
 #include "link/connection.h"
@@ -16,7 +19,11 @@
 
 namespace {
 
-constexpr int usage_error = 2;  // exit status for a bad command line
+constexpr int usage_error = 2;                // exit status for a bad command line
+constexpr int signal_poll_ms = 100;           // how often the event loop looks for Ctrl-C
+std::atomic<bool> stop_requested{false};      // set by SIGINT and SIGTERM
+
+void request_stop(int) { stop_requested = true; }
 
 void print_summary(const connection_t& hub) {
   std::printf("messages %llu, good %llu, acknowledged %s, binary %s", static_cast<unsigned long long>(hub.msg_count),
@@ -24,6 +31,44 @@ void print_summary(const connection_t& hub) {
   if (const auto crc = hub.crc_error_text(); !crc.empty()) std::printf(", bad %s", crc.c_str());
   std::printf("\n");
   for (std::size_t i = 0; i < hub.arr_rx->size(); ++i) std::printf("  %s\n", (*hub.arr_rx)[i].c_str());
+}
+
+void print_result(const connection_t& hub, bool json) {
+  if (json) {
+    std::printf("%s\n", snapshot_json(hub).c_str());
+  } else {
+    print_summary(hub);
+  }
+  std::fflush(stdout);
+}
+
+int replay(const cli_options_t& options, connection_t& hub) {
+  std::ifstream file(options.replay_file, std::ios::binary);
+  const std::vector<std::uint8_t> capture((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  replay_chunks(capture, options.chunk, hub);
+  print_result(hub, options.json);
+  return 0;
+}
+
+int run_connected(const cli_options_t& options, QCoreApplication& app, connection_t& hub) {
+  std::signal(SIGINT, request_stop);
+  std::signal(SIGTERM, request_stop);
+  QTimer signal_watch;
+  QObject::connect(&signal_watch, &QTimer::timeout, &app, [&app] {
+    if (stop_requested) app.quit();
+  });
+  signal_watch.start(signal_poll_ms);
+  QTimer snapshots;
+  if (options.json) {
+    QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
+    snapshots.start(static_cast<int>(options.interval_s * 1000));
+  }
+  if (options.duration_s > 0) QTimer::singleShot(static_cast<int>(options.duration_s * 1000), &app, &QCoreApplication::quit);
+
+  hub.connect_tcp(options.host, options.port);
+  app.exec();
+  print_result(hub, options.json);
+  return 0;
 }
 
 }  // namespace
@@ -40,14 +85,7 @@ int main(int argc, char** argv) {
     std::fputs(cli_usage, stdout);
     return 0;
   }
-
-  std::ifstream file(options.replay_file, std::ios::binary);
-  if (!file) {
-    std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
-    return usage_error;
-  }
-  const std::vector<std::uint8_t> capture((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  if (file.bad()) {
+  if (!options.replay_file.empty() && !std::ifstream(options.replay_file, std::ios::binary)) {
     std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
     return usage_error;
   }
@@ -55,17 +93,13 @@ int main(int argc, char** argv) {
   QCoreApplication app(argc, argv);
   qt_main_queue_t queue(&app);
   stdout_console_t console;
-  offline_links_t links;
+  program_links_t links(queue, console);
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
 
-  replay_chunks(capture, options.chunk, hub);
-
-  if (options.json) {
-    std::printf("%s\n", snapshot_json(hub).c_str());
-  } else {
-    print_summary(hub);
-  }
+  const int status = options.replay_file.empty() ? run_connected(options, app, hub) : replay(options, hub);
+  // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
-  return 0;
+  if (options.replay_file.empty()) hub.disconnect();
+  return status;
 }

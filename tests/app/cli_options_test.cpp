@@ -18,6 +18,22 @@ TEST(cli_options, reads_a_replay_with_its_options) {
   EXPECT_EQ(parse({"--replay", "a.log"}).options->chunk, 2047u);
 }
 
+TEST(cli_options, reads_a_connection_with_its_options) {
+  const auto r = parse({"--connect", "tcp://127.0.0.1:10110", "--duration", "2.5", "--interval", "0.5", "--json"});
+  ASSERT_TRUE(r.options) << r.error;
+  EXPECT_EQ(r.options->host, "127.0.0.1");
+  EXPECT_EQ(r.options->port, 10110);
+  EXPECT_EQ(r.options->duration_s, 2.5);
+  EXPECT_EQ(r.options->interval_s, 0.5);
+}
+
+TEST(cli_options, dotted_quads_only) {
+  for (const char* host : {"127.0.0.1", "0.0.0.0", "255.255.255.255", "10.1.2.3"}) EXPECT_TRUE(is_dotted_quad(host)) << host;
+  for (const char* host : {"", "localhost", "1.2.3", "1.2.3.4.5", "1..2.3", "256.1.1.1", "1.2.3.-4", "+1.2.3.4",
+                           "1.2.3.4 ", "0x7f.0.0.1", "1234.1.1.1"})
+    EXPECT_FALSE(is_dotted_quad(host)) << host;
+}
+
 TEST(cli_options, names_what_is_wrong) {
   const struct {
     std::vector<std::string_view> args;
@@ -31,6 +47,17 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--replay", "a", "--chunk", "-1"}, "not '-1'"},
       {{"--replay", "a", "--chunk", "x"}, "not 'x'"},
       {{}, "nothing to do"},
+      {{"--connect"}, "--connect needs"},
+      {{"--connect", "tcp://localhost:10110"}, "not 'tcp://localhost:10110'"},
+      {{"--connect", "tcp://127.0.0.1"}, "not 'tcp://127.0.0.1'"},
+      {{"--connect", "tcp://127.0.0.1:0"}, "port 1 to 65535"},
+      {{"--connect", "tcp://127.0.0.1:65536"}, "not"},
+      {{"--connect", "tcp://256.0.0.1:81"}, "not"},
+      {{"--connect", "tcp://1.2.3:81"}, "not"},
+      {{"--connect", "udp://127.0.0.1:81"}, "not"},
+      {{"--connect", "tcp://127.0.0.1:81", "--replay", "a"}, "either --replay or --connect"},
+      {{"--connect", "tcp://127.0.0.1:81", "--duration", "0"}, "--duration must be a positive number"},
+      {{"--connect", "tcp://127.0.0.1:81", "--interval", "x"}, "--interval must be"},
   };
   for (const auto& c : cases) {
     const auto r = parse(c.args);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+// What the simulated receiver does.
+struct sim_config_t {
+  std::uint64_t seed = 1;
+  double lat = 48.1173;             // degrees, start and centre of the loop; south negative
+  double lon = 11.5167;             // degrees; west negative
+  double loop_radius_m = 150.0;     // m
+  double speed_mps = 1.4;           // m/s, a walk
+  bool ubx = false;                 // NAV-PVT and NAV-POSLLH frames instead of sentences
+  double bad_checksum_rate = 0.0;   // share of sentences sent with a wrong checksum
+  double garbage_rate = 0.0;        // share of sentences followed by a junk line
+  std::int64_t start_utc_s = 1767268800;  // 2026-01-01 12:00:00
+  double epoch_s = 1.0;             // simulated seconds per epoch (1 / rate)
+};
+
+// What it has injected so far.
+struct sim_counts_t {
+  std::uint64_t sentences = 0;      // sentences sent, good and bad
+  std::uint64_t bad_checksums = 0;
+  std::uint64_t garbage_lines = 0;
+  std::uint64_t frames = 0;         // UBX frames
+};
+
+// A moving receiver: one epoch after another, each the bytes a receiver sends in one second
+// (or one 1/rate). The stream depends only on the configuration and the epoch number.
+class sim_engine_t {
+public:
+  static constexpr int satellite_count = 12;
+
+  explicit sim_engine_t(const sim_config_t& config);
+
+  // The bytes of the next epoch.
+  std::string next_epoch();
+  const sim_counts_t& counts() const { return counts_; }
+
+private:
+  struct position_t {
+    double lat, lon, course_deg, speed_mps;
+  };
+  position_t position(double t) const;
+  void add_sentence(std::string& out, const std::string& body);
+  void add_text_epoch(std::string& out, double t);
+  void add_ubx_epoch(std::string& out, double t);
+  double uniform();
+
+  sim_config_t config_;
+  std::mt19937_64 rng_;
+  std::uint64_t epoch_ = 0;
+  sim_counts_t counts_;
+};

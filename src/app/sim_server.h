@@ -1,0 +1,44 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+// Serves a byte stream to any number of TCP clients on 127.0.0.1, one piece every period, until
+// the duration has passed or `stop` is set. Clients connected longer than drop_after_s are
+// dropped (they may connect again) to test reconnects.
+struct sim_server_config_t {
+  std::uint16_t port = 10110;   // the port registered for NMEA 0183 over TCP
+  double period_s = 1.0;        // s between pieces
+  double duration_s = 0.0;      // 0: until stopped
+  double drop_after_s = 0.0;    // 0: never
+};
+
+class sim_server_t {
+public:
+  explicit sim_server_t(const sim_server_config_t& config) : config_(config) {}
+  ~sim_server_t();
+
+  // Binds and listens; false with errno set when the port cannot be had.
+  bool listen();
+  std::uint16_t port() const { return port_; }
+  // Sends next_piece() to every client each period. Returns when done or stopped.
+  void run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop);
+
+  std::uint64_t connections() const { return connections_; }
+  std::uint64_t drops() const { return drops_; }
+
+private:
+  struct client_t {
+    int fd;
+    double since_s;
+  };
+  sim_server_config_t config_;
+  int listener_ = -1;
+  std::uint16_t port_ = 0;
+  std::vector<client_t> clients_;
+  std::uint64_t connections_ = 0;
+  std::uint64_t drops_ = 0;
+};

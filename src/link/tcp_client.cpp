@@ -1,0 +1,208 @@
+#include "link/tcp_client.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include "link/chunk_splitter.h"
+
+namespace {
+
+// Hands each piece of a chunk to the main thread and waits until it has been handled. Once the
+// queue is closing, the hand-over gives up and the receive loop ends.
+class main_thread_sink_t final : public chunk_sink_t {
+public:
+  main_thread_sink_t(main_queue_t& queue, tcp_client_delegate_t& delegate) : queue_(queue), delegate_(delegate) {}
+
+  void chunk_bridge(std::span<const std::uint8_t> bytes) override {
+    hand_over([&] { delegate_.tcp_bridge(bytes); });
+  }
+  void chunk_lines(std::span<const std::string> lines) override {
+    hand_over([&] { delegate_.tcp_lines(lines); });
+  }
+  void chunk_binary(std::span<const std::uint8_t> bytes) override {
+    hand_over([&] { delegate_.tcp_binary(bytes); });
+  }
+  bool closing() const { return closing_; }
+
+private:
+  template <class F>
+  void hand_over(F&& task) {
+    if (!closing_ && !queue_.post_and_wait(std::forward<F>(task))) closing_ = true;
+  }
+
+  main_queue_t& queue_;
+  tcp_client_delegate_t& delegate_;
+  bool closing_ = false;
+};
+
+void set_int_option(int fd, int level, int option, int value) {
+  ::setsockopt(fd, level, option, &value, sizeof value);
+}
+
+// Waits for a non-blocking connect to finish; gives up (returning -1) once `stay` says so.
+template <class F>
+int finish_connect(int fd, int poll_ms, F&& stay) {
+  for (;;) {
+    pollfd p{fd, POLLOUT, 0};
+    const int ready = ::poll(&p, 1, poll_ms);
+    if (!stay()) return -1;
+    if (ready < 0 && errno != EINTR) return errno;
+    if (ready > 0) {
+      int error = 0;
+      socklen_t length = sizeof error;
+      if (::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) != 0) return errno;
+      return error;
+    }
+  }
+}
+
+}  // namespace
+
+tcp_client_t::tcp_client_t(tcp_client_delegate_t& delegate, main_queue_t& queue, console_t& console, bool binary,
+                           bool force_text)
+    : delegate_(delegate), queue_(queue), console_(console), force_text_(force_text), binary_(binary) {}
+
+tcp_client_t::~tcp_client_t() {
+  *alive_ = false;
+  stop();
+  // Joined outside the lock: a connect thread may still be registering its receive loop, which
+  // then sees the new generation and ends at once.
+  for (;;) {
+    std::vector<worker_t> batch;
+    {
+      std::lock_guard lock(workers_mutex_);
+      batch.swap(workers_);
+    }
+    if (batch.empty()) break;
+    for (auto& w : batch) w.thread.join();
+  }
+}
+
+std::int32_t tcp_client_t::connect(const std::string& host, std::uint16_t port) {
+  if (valid_) return -1;
+  enabled_ = true;
+  const auto generation = ++generation_;
+  join_finished_threads();
+  start_thread("connect", [this, host, port, generation] { connect_task(host, port, generation); });
+  return 0;
+}
+
+void tcp_client_t::stop() {
+  enabled_ = false;
+  valid_ = false;
+  ++generation_;
+  // The thread that opened the socket closes it; shutting it down here wakes a blocked receive.
+  const int fd = so_.exchange(-1);
+  if (fd != -1) ::shutdown(fd, SHUT_RDWR);
+}
+
+void tcp_client_t::send(std::span<const std::uint8_t> bytes) {
+  const int fd = so_;
+  if (!valid_ || fd == -1) return;
+  // MSG_NOSIGNAL: a peer that has gone away must not end the program with SIGPIPE.
+  [[maybe_unused]] const auto sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+}
+
+void tcp_client_t::start_thread(const char* name, std::function<void()> body) {
+  auto done = std::make_shared<std::atomic<bool>>(false);
+  std::thread thread([name, body = std::move(body), done] {
+    ::pthread_setname_np(::pthread_self(), name);
+    body();
+    *done = true;
+  });
+  std::lock_guard lock(workers_mutex_);
+  workers_.push_back({std::move(thread), std::move(done)});
+}
+
+void tcp_client_t::join_finished_threads() {
+  std::lock_guard lock(workers_mutex_);
+  std::erase_if(workers_, [](worker_t& w) {
+    if (!*w.done) return false;
+    w.thread.join();
+    return true;
+  });
+}
+
+void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint64_t generation) {
+  auto report_error = [&](int error) {
+    queue_.post_and_wait([this, host, port, error] { delegate_.tcp_error(host, port, error); });
+  };
+  const int fd = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  if (fd < 0) {
+    report_error(errno);
+    return;
+  }
+  so_ = fd;
+  binary_ = false;
+  set_int_option(fd, IPPROTO_TCP, TCP_NODELAY, 1);
+
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = ::inet_addr(host.c_str());
+
+  // Non-blocking while connecting, so that a disconnect is seen within connect_poll_ms.
+  const int flags = ::fcntl(fd, F_GETFL, 0);
+  ::fcntl(fd, F_SETFL, flags | O_NONBLOCK);
+  int error = 0;
+  if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    error = errno == EINPROGRESS ? finish_connect(fd, connect_poll_ms, [&] { return current(generation); }) : errno;
+  }
+  ::fcntl(fd, F_SETFL, flags);
+
+  if (error == 0 && current(generation)) {
+    valid_ = true;
+    // Posted before the receive loop starts, so the hub hears of the link before its first chunk.
+    queue_.post([this, alive = std::weak_ptr(alive_), host, port] {
+      if (const auto a = alive.lock(); a && *a) delegate_.tcp_connected(host, port);
+    });
+    start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
+    return;
+  }
+  int expected = fd;
+  so_.compare_exchange_strong(expected, -1);
+  ::close(fd);
+  if (error != -1 && enabled_ && current(generation)) report_error(error);
+}
+
+void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd) {
+  std::array<std::uint8_t, buffer_size> buffer{};
+  chunk_splitter_t splitter(false, force_text_);
+  main_thread_sink_t sink(queue_, delegate_);
+  int error = 0;
+  while (valid_ && current(generation) && !sink.closing()) {
+    const auto n = ::recv(fd, buffer.data(), recv_size, 0);
+    if (n <= 0) {
+      // An orderly close by the peer sets no error; it is reported as a reset connection.
+      error = n == 0 ? ECONNRESET : errno;
+      break;
+    }
+    buffer[static_cast<std::size_t>(n)] = 0;
+    splitter.feed(std::span<const std::uint8_t>(buffer.data(), static_cast<std::size_t>(n)), sink);
+    binary_ = splitter.binary();
+  }
+
+  if (!valid_ || !current(generation) || sink.closing()) {
+    ::close(fd);
+    console_.print("tcp_client disconnected " + host + ":" + std::to_string(port) + "\n");
+    return;
+  }
+  valid_ = false;
+  int expected = fd;
+  so_.compare_exchange_strong(expected, -1);
+  ::shutdown(fd, SHUT_RDWR);
+  ::close(fd);
+  queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
+    if (const auto a = alive.lock(); a && *a) delegate_.tcp_error(host, port, error);
+  });
+}
