@@ -5,7 +5,8 @@
 
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
-    "       korvid-cli --connect tcp://HOST:PORT [--duration S] [--interval S] [--json] [--show-all]\n"
+    "       korvid-cli --connect tcp://HOST:PORT|saved [--settings FILE] [--duration S] [--interval S]\n"
+    "                  [--json] [--show-all]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"
     "\n"
@@ -14,6 +15,8 @@ const char* const cli_usage =
     "  --connect tcp://HOST:PORT\n"
     "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1;\n"
     "                  a lost or refused link is retried every 4 s\n"
+    "  --connect saved connect as the saved settings say (the host and port, or the bridge)\n"
+    "  --settings FILE use this INI file instead of the user's settings\n"
     "  --duration S    stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
     "  --interval S    with --json, seconds between snapshots (default 1)\n"
     "  --json          print the state as one JSON object per line; the last one at the end\n"
@@ -80,9 +83,14 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       options.replay_file = std::string(value);
     } else if (arg == "--connect") {
       if (!next(value)) return fail("--connect needs tcp://HOST:PORT");
-      if (!parse_tcp_url(value, options.host, options.port))
+      if (value == "saved") {
+        options.connect_saved = true;
+      } else if (!parse_tcp_url(value, options.host, options.port))
         return fail("--connect takes tcp://HOST:PORT with an IPv4 address and a port 1 to 65535, not '" +
                     std::string(value) + "'");
+    } else if (arg == "--settings") {
+      if (!next(value)) return fail("--settings needs a file name");
+      options.settings_file = std::string(value);
     } else if (arg == "--duration" || arg == "--interval") {
       if (!next(value)) return fail(std::string(arg) + " needs a number of seconds");
       if (!parse_seconds(value, arg == "--duration" ? options.duration_s : options.interval_s))
@@ -97,8 +105,9 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     }
   }
   if (options.help) return {options, {}};
-  if (!options.replay_file.empty() && !options.host.empty()) return fail("give either --replay or --connect, not both");
-  if (options.replay_file.empty() && options.host.empty())
+  const bool connect = !options.host.empty() || options.connect_saved;
+  if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
+  if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};
 }

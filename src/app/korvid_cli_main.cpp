@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -13,8 +14,11 @@
 #include "app/program_links.h"
 #include "app/snapshot_json.h"
 #include "core/console.h"
+#include "link/config_connection.h"
+#include "link/connect_action.h"
 #include "link/connection.h"
 #include "link/replay.h"
+#include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
 
 namespace {
@@ -50,7 +54,7 @@ int replay(const cli_options_t& options, connection_t& hub) {
   return 0;
 }
 
-int run_connected(const cli_options_t& options, QCoreApplication& app, connection_t& hub) {
+int run_connected(const cli_options_t& options, QCoreApplication& app, connection_t& hub, console_t& console) {
   std::signal(SIGINT, request_stop);
   std::signal(SIGTERM, request_stop);
   QTimer signal_watch;
@@ -65,7 +69,17 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, connectio
   }
   if (options.duration_s > 0) QTimer::singleShot(static_cast<int>(options.duration_s * 1000), &app, &QCoreApplication::quit);
 
-  hub.connect_tcp(options.host, options.port);
+  std::unique_ptr<qsettings_store_t> store;
+  std::unique_ptr<config_connection_t> settings;
+  if (options.connect_saved) {
+    store = options.settings_file.empty() ? std::make_unique<qsettings_store_t>()
+                                          : std::make_unique<qsettings_store_t>(QString::fromStdString(options.settings_file));
+    settings = std::make_unique<config_connection_t>("Thingy:91 UART", config_connection_t::default_host.front(), 81,
+                                                     false, *store, console);
+    connect_or_disconnect(*settings, hub);
+  } else {
+    hub.connect_tcp(options.host, options.port);
+  }
   app.exec();
   print_result(hub, options.json);
   return 0;
@@ -97,7 +111,7 @@ int main(int argc, char** argv) {
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
 
-  const int status = options.replay_file.empty() ? run_connected(options, app, hub) : replay(options, hub);
+  const int status = options.replay_file.empty() ? run_connected(options, app, hub, console) : replay(options, hub);
   // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
   if (options.replay_file.empty()) hub.disconnect();

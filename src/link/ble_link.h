@@ -21,6 +21,8 @@ public:
   virtual ~ble_link_t() = default;
   // Sets the name to look for, enables the link and starts scanning.
   virtual void connect(const std::string& name) = 0;
+  // The user wants this link (set by connect, cleared by stop).
+  virtual bool enabled() const = 0;
   // The user's disconnect: disables the link, stops a scan when the radio is on and cancels the
   // peripheral connection, without a report.
   virtual void stop() = 0;

@@ -24,9 +24,13 @@ private:
 
 class offline_ble_t final : public ble_link_t {
 public:
-  void connect(const std::string&) override {}
-  void stop() override {}
+  void connect(const std::string&) override { enabled_ = true; }
+  bool enabled() const override { return enabled_; }
+  void stop() override { enabled_ = false; }
   void write(std::span<const std::uint8_t>) override {}
+
+private:
+  bool enabled_ = false;
 };
 
 class offline_links_t final : public link_factory_t {

@@ -27,6 +27,14 @@ TEST(cli_options, reads_a_connection_with_its_options) {
   EXPECT_EQ(r.options->interval_s, 0.5);
 }
 
+TEST(cli_options, connects_as_saved_with_a_settings_file) {
+  const auto r = parse({"--connect", "saved", "--settings", "/tmp/k.ini"});
+  ASSERT_TRUE(r.options) << r.error;
+  EXPECT_TRUE(r.options->connect_saved);
+  EXPECT_EQ(r.options->settings_file, "/tmp/k.ini");
+  EXPECT_FALSE(parse({"--settings"}).options);
+}
+
 TEST(cli_options, dotted_quads_only) {
   for (const char* host : {"127.0.0.1", "0.0.0.0", "255.255.255.255", "10.1.2.3"}) EXPECT_TRUE(is_dotted_quad(host)) << host;
   for (const char* host : {"", "localhost", "1.2.3", "1.2.3.4.5", "1..2.3", "256.1.1.1", "1.2.3.-4", "+1.2.3.4",

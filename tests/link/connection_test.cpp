@@ -194,7 +194,7 @@ TEST_F(hub_test, status_texts_and_colours_follow_the_links) {
   EXPECT_EQ(hub.status_ble.get(), "BLE scanning...");
   EXPECT_EQ(hub.sta_fg_ble.get(), colour_t::green);
   EXPECT_EQ(links.ble->name_connect, "Thingy:91 UART");
-  EXPECT_TRUE(links.ble->enabled);
+  EXPECT_TRUE(links.ble->is_enabled);
   hub.ble_connected("Thingy:91 UART");
   EXPECT_EQ(hub.status_ble.get(), "Thingy:91 UART");
   EXPECT_EQ(hub.sta_fg_ble.get(), colour_t::secondary);

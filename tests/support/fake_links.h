@@ -36,10 +36,11 @@ struct fake_tcp_t final : tcp_link_t {
 struct fake_ble_t final : ble_link_t {
   void connect(const std::string& name) override {
     name_connect = name;
-    enabled = true;
+    is_enabled = true;
   }
+  bool enabled() const override { return is_enabled; }
   void stop() override {
-    enabled = false;
+    is_enabled = false;
     ++stops;
   }
   void write(std::span<const std::uint8_t> bytes) override {
@@ -47,7 +48,7 @@ struct fake_ble_t final : ble_link_t {
   }
 
   std::string name_connect;
-  bool enabled = false;
+  bool is_enabled = false;
   bool ready = false;
   int stops = 0;
   std::vector<std::vector<std::uint8_t>> written;

@@ -1,0 +1,190 @@
+#include "link/config_connection.h"
+
+#include <algorithm>
+
+#include "nmea/fields.h"
+
+const std::vector<std::string> config_connection_t::default_ble_name = {"Thingy:91 UART", "nrf9160dk UART",
+                                                                        "nrf52840dk UART"};
+// Loopback (korvid-sim, a local bridge), then the gateways of common receiver Wi-Fi bridges and
+// home, office and phone hotspot networks.
+const std::vector<std::string> config_connection_t::default_host = {"127.0.0.1",  "192.168.4.1", "192.168.1.1",
+                                                                    "192.168.0.1", "10.0.0.1",    "172.20.10.1"};
+const std::vector<std::uint16_t> config_connection_t::default_port = {81};
+
+namespace {
+
+// Moves the value to the front without duplicates, keeping at most `count` entries.
+template <class T>
+void put_first(std::vector<T>& history, const T& value, std::size_t count) {
+  if (!history.empty() && history.front() == value) return;
+  std::erase(history, value);
+  history.insert(history.begin(), value);
+  if (history.size() >= count + 1) history.pop_back();
+}
+
+}  // namespace
+
+config_connection_t::config_connection_t(std::string ble_name, std::string host, std::uint16_t port,
+                                         bool delete_saved, kv_store_t& store, console_t& console)
+    : store_(store), console_(console) {
+  if (delete_saved) delete_config();
+  reset_histories();
+  load(ble_name, host, port);
+}
+
+void config_connection_t::reset_histories() {
+  history_ble_name = default_ble_name;
+  history_host = default_host;
+  history_port = default_port;
+}
+
+void config_connection_t::load(const std::string& name, const std::string& given_host, std::uint16_t given_port) {
+  using kind = kv_value_t::kind_t;
+  if (const auto v = store_.get(key_enable_bridge); v.kind == kind::boolean) set_enable_bridge(v.boolean);
+  if (const auto v = store_.get(key_enable_ble); v.kind == kind::boolean) set_enable_ble(v.boolean);
+
+  auto strings = [](const kv_value_t& v) -> std::optional<std::vector<std::string>> {
+    if (v.kind != kind::list || v.list.empty()) return std::nullopt;
+    std::vector<std::string> out;
+    for (const auto& e : v.list) {
+      if (e.kind != kind::text) return std::nullopt;
+      out.push_back(e.text);
+    }
+    return out;
+  };
+  if (const auto names = strings(store_.get(key_history_ble_name))) {
+    history_ble_name = *names;
+    ble_name = names->front();
+  } else {
+    save_ble_name(name);
+  }
+  if (const auto hosts = strings(store_.get(key_history_host))) {
+    history_host = *hosts;
+    host = hosts->front();
+  } else {
+    save_host(given_host);
+  }
+
+  const auto ports = store_.get(key_history_port);
+  std::vector<std::uint16_t> stored_ports;
+  bool ports_ok = ports.kind == kind::list && !ports.list.empty();
+  for (const auto& e : ports.list) {
+    if (e.kind != kind::integer || e.integer < 0 || e.integer > UINT16_MAX) ports_ok = false;
+    if (ports_ok) stored_ports.push_back(static_cast<std::uint16_t>(e.integer));
+  }
+  if (ports_ok) {
+    history_port = stored_ports;
+    port = stored_ports.front();
+  } else {
+    save_port(given_port);
+  }
+}
+
+std::string config_connection_t::save_ble_name(const std::string& name) {
+  if (!name.empty()) {
+    ble_name = name;
+  } else if (!history_ble_name->empty()) {
+    ble_name = history_ble_name->front();
+  }
+  history_ble_name.modify([&](auto& h) { put_first(h, ble_name.get(), history_count); });
+  store_.set_strings(key_history_ble_name, history_ble_name);
+  return ble_name;
+}
+
+std::string config_connection_t::save_host(const std::string& given) {
+  if (const auto h = parse_ipv4(given)) {
+    host = *h;
+  } else if (!history_host->empty()) {
+    host = history_host->front();
+  }
+  host_bind_ = host.get();
+  history_host.modify([&](auto& h) { put_first(h, host.get(), history_count); });
+  store_.set_strings(key_history_host, history_host);
+  return host;
+}
+
+std::uint16_t config_connection_t::save_port(std::uint16_t given) {
+  if (given != 0) {
+    port = given;
+  } else if (!history_port->empty()) {
+    port = history_port->front();
+  }
+  port_bind_ = std::to_string(port.get());
+  history_port.modify([&](auto& h) { put_first(h, port.get(), history_count); });
+  store_.set_integers(key_history_port, std::vector<std::int64_t>(history_port->begin(), history_port->end()));
+  return port;
+}
+
+const std::string& config_connection_t::host_bind() {
+  if (!host_bind_) host_bind_ = host.get();
+  return *host_bind_;
+}
+
+void config_connection_t::set_host_bind(const std::string& text) {
+  std::string typed = text;
+  std::replace(typed.begin(), typed.end(), ',', '.');
+  host_bind_ = typed;
+  if (const auto h = parse_ipv4(typed)) {
+    host_valid = true;
+    host = *h;
+  } else {
+    host_valid = false;
+  }
+}
+
+const std::string& config_connection_t::port_bind() {
+  if (!port_bind_) port_bind_ = std::to_string(port.get());
+  return *port_bind_;
+}
+
+void config_connection_t::set_port_bind(const std::string& text) {
+  port_bind_ = text;
+  const auto p = parse_unsigned(text, UINT16_MAX);
+  if (p && *p != 0 && text.front() != '+') {
+    port = static_cast<std::uint16_t>(*p);
+    port_valid = true;
+  } else {
+    port_valid = false;
+  }
+}
+
+void config_connection_t::set_enable_bridge(bool on) {
+  enable_bridge_ = on;
+  store_.set_bool(key_enable_bridge, on);
+}
+
+void config_connection_t::set_enable_ble(bool on) {
+  enable_ble_ = on;
+  store_.set_bool(key_enable_ble, on);
+}
+
+void config_connection_t::delete_config() {
+  reset_histories();
+  for (const auto key : {key_enable_bridge, key_enable_ble, key_history_ble_name, key_history_host, key_history_port})
+    store_.remove(key);
+  console_.print("delete_config");
+}
+
+std::optional<std::string> config_connection_t::parse_ipv4(std::string_view text) {
+  unsigned octets[4] = {0, 0, 0, 0};
+  bool all_parts_good = true;
+  for (int i = 0; i < 4; ++i) {
+    const auto dot = i < 3 ? text.find('.') : std::string_view::npos;
+    const auto part = text.substr(0, dot);
+    const auto number = parse_unsigned(part, 255);
+    if (!part.empty() && part.front() != '+' && number) {
+      octets[i] = static_cast<unsigned>(*number);
+    } else {
+      all_parts_good = false;
+    }
+    if (dot == std::string_view::npos) {
+      if (i < 3) all_parts_good = false;
+      break;
+    }
+    text.remove_prefix(dot + 1);
+  }
+  if (!all_parts_good || octets[0] < 1 || octets[0] > 254 || octets[3] < 1 || octets[3] > 254) return std::nullopt;
+  return std::to_string(octets[0]) + "." + std::to_string(octets[1]) + "." + std::to_string(octets[2]) + "." +
+         std::to_string(octets[3]);
+}

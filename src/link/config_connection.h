@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/console.h"
+#include "core/observable.h"
+#include "link/kv_store.h"
+
+// The connection settings: which link to use (TCP, Bluetooth LE, or both as a bridge), the BLE
+// peripheral name, the TCP host and port, a most-recently-used history of each, and whether what
+// the user is typing is valid. The two switches and the three histories persist in the user's
+// store; the current name, host and port are restored as the first entries of their histories.
+class config_connection_t final : public observable_t {
+public:
+  static constexpr std::size_t history_count = 10;  // entries a history keeps after a save
+  static constexpr std::string_view key_enable_bridge = "enable_bridge";
+  static constexpr std::string_view key_enable_ble = "enable_ble";
+  static constexpr std::string_view key_history_ble_name = "history_ble_name";
+  static constexpr std::string_view key_history_host = "history_host";
+  static constexpr std::string_view key_history_port = "history_port";
+
+  static const std::vector<std::string> default_ble_name;
+  static const std::vector<std::string> default_host;  // loopback first: the demo and local bridges
+  static const std::vector<std::uint16_t> default_port;
+
+  config_connection_t(std::string ble_name, std::string host, std::uint16_t port, bool delete_saved, kv_store_t& store,
+                      console_t& console);
+
+  std::string save_ble_name(const std::string& name);
+  std::string save_host(const std::string& host);
+  std::uint16_t save_port(std::uint16_t port);
+
+  // The text being edited in the host and port fields, "192,168,1,20" read as "192.168.1.20".
+  const std::string& host_bind();
+  void set_host_bind(const std::string& text);
+  const std::string& port_bind();
+  void set_port_bind(const std::string& text);
+
+  // The switches, stored at every change.
+  const published_t<bool>& enable_bridge() const { return enable_bridge_; }
+  void set_enable_bridge(bool on);
+  const published_t<bool>& enable_ble() const { return enable_ble_; }
+  void set_enable_ble(bool on);
+
+  // Forgets everything stored; the current values keep until the next start.
+  void delete_config();
+  void reset_histories();
+
+  // A dotted-quad address with its first and last numbers in 1 to 254, normalised (leading
+  // zeros dropped); nothing otherwise.
+  static std::optional<std::string> parse_ipv4(std::string_view text);
+
+  published_t<bool> show_config{*this, false};
+  published_t<std::string> ble_name{*this, "Thingy:91 UART"};
+  published_t<std::vector<std::string>> history_ble_name{*this, {"Thingy:91 UART"}};
+  published_t<std::string> host{*this, default_host.front()};
+  published_t<std::vector<std::string>> history_host{*this, {default_host.front()}};
+  published_t<std::uint16_t> port{*this, 81};
+  published_t<std::vector<std::uint16_t>> history_port{*this, {81}};
+  published_t<bool> host_valid{*this, true};
+  published_t<bool> port_valid{*this, true};
+
+private:
+  void load(const std::string& name, const std::string& host, std::uint16_t port);
+
+  kv_store_t& store_;
+  console_t& console_;
+  published_t<bool> enable_bridge_{*this, false};
+  published_t<bool> enable_ble_{*this, true};
+  std::optional<std::string> host_bind_;
+  std::optional<std::string> port_bind_;
+};

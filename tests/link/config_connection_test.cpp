@@ -1,0 +1,161 @@
+#include "link/config_connection.h"
+
+#include <gtest/gtest.h>
+
+#include "support/memory_kv_store.h"
+#include "support/recording_console.h"
+
+namespace {
+
+using strings_t = std::vector<std::string>;
+
+class config_test : public ::testing::Test {
+protected:
+  std::unique_ptr<config_connection_t> start(bool delete_saved = false) {
+    return std::make_unique<config_connection_t>("Thingy:91 UART", "127.0.0.1", 81, delete_saved, store, console);
+  }
+  strings_t stored_strings(std::string_view key) const {
+    strings_t out;
+    for (const auto& e : store.get(key).list) out.push_back(e.text);
+    return out;
+  }
+  memory_kv_store_t store;
+  recording_console_t console;
+};
+
+TEST_F(config_test, first_start_with_an_empty_store) {
+  const auto c = start();
+  EXPECT_EQ(c->ble_name.get(), "Thingy:91 UART");
+  EXPECT_EQ(c->host.get(), "127.0.0.1");
+  EXPECT_EQ(c->port.get(), 81);
+  EXPECT_EQ(c->history_ble_name.get(), config_connection_t::default_ble_name);
+  EXPECT_EQ(c->history_host.get(), config_connection_t::default_host);
+  EXPECT_EQ(c->history_port.get(), std::vector<std::uint16_t>{81});
+  EXPECT_EQ(stored_strings("history_host"), config_connection_t::default_host) << "the histories are stored";
+  EXPECT_FALSE(c->enable_bridge());
+  EXPECT_TRUE(c->enable_ble());
+  EXPECT_EQ(store.get("enable_ble").kind, kv_value_t::kind_t::absent) << "switches are stored only when changed";
+}
+
+TEST_F(config_test, a_saved_name_moves_to_the_front_without_duplicates) {
+  const auto c = start();
+  EXPECT_EQ(c->save_ble_name("nrf9160dk UART"), "nrf9160dk UART");
+  EXPECT_EQ(c->history_ble_name.get(), (strings_t{"nrf9160dk UART", "Thingy:91 UART", "nrf52840dk UART"}));
+  EXPECT_EQ(c->save_ble_name(""), "nrf9160dk UART") << "an empty name keeps the current one";
+  EXPECT_EQ(stored_strings("history_ble_name").front(), "nrf9160dk UART");
+}
+
+TEST_F(config_test, the_eleventh_host_drops_the_oldest) {
+  const auto c = start();
+  for (int i = 1; i <= 11; ++i) c->save_host("10.0.0." + std::to_string(i));
+  ASSERT_EQ(c->history_host->size(), 10u);
+  EXPECT_EQ(c->history_host->front(), "10.0.0.11");
+  EXPECT_EQ(c->history_host->back(), "10.0.0.2");
+  EXPECT_EQ(c->save_host("not an address"), "10.0.0.11") << "an invalid host keeps the current one";
+  EXPECT_EQ(c->save_port(0), 81);
+  EXPECT_EQ(c->save_port(10110), 10110);
+  EXPECT_EQ(c->port_bind(), "10110");
+}
+
+TEST_F(config_test, parse_ipv4) {
+  const struct {
+    const char* text;
+    const char* normalised;
+  } cases[] = {
+      {"10.0.0.1", "10.0.0.1"},      {"010.000.000.001", "10.0.0.1"}, {"192.168.001.010", "192.168.1.10"},
+      {"0.1.2.3", nullptr},          {"255.1.2.3", nullptr},         {"1.2.3.0", nullptr},
+      {"1.2.3.255", nullptr},        {"1.2.3", nullptr},             {"1.2.3.4.5", nullptr},
+      {"1..2.3", nullptr},           {"1.2.3.x", nullptr},           {"", nullptr},
+      {"1.2.3.+4", nullptr},         {"1.2.3.-4", nullptr},          {"254.255.255.254", "254.255.255.254"},
+  };
+  for (const auto& c : cases) {
+    const auto r = config_connection_t::parse_ipv4(c.text);
+    if (c.normalised) {
+      EXPECT_EQ(r, std::string(c.normalised)) << c.text;
+    } else {
+      EXPECT_FALSE(r) << c.text;
+    }
+  }
+}
+
+TEST_F(config_test, typed_host_and_port_are_validated) {
+  const auto c = start();
+  c->set_host_bind("192,168,1,20");
+  EXPECT_EQ(c->host_bind(), "192.168.1.20");
+  EXPECT_TRUE(c->host_valid);
+  EXPECT_EQ(c->host.get(), "192.168.1.20");
+  c->set_host_bind("192.168.1.");
+  EXPECT_FALSE(c->host_valid);
+  EXPECT_EQ(c->host.get(), "192.168.1.20") << "an invalid host never replaces the current one";
+
+  const struct {
+    const char* text;
+    bool valid;
+    std::uint16_t port;
+  } ports[] = {{"65535", true, 65535}, {"0", false, 65535}, {"65536", false, 65535}, {"", false, 65535},
+               {"8x", false, 65535},   {"81", true, 81}};
+  for (const auto& p : ports) {
+    c->set_port_bind(p.text);
+    EXPECT_EQ(c->port_valid.get(), p.valid) << p.text;
+    EXPECT_EQ(c->port.get(), p.port) << p.text;
+  }
+}
+
+TEST_F(config_test, stored_values_of_the_wrong_type_are_ignored) {
+  store.values["enable_ble"] = memory_kv_store_t::text("false");
+  kv_value_t hosts;
+  hosts.kind = kv_value_t::kind_t::list;
+  hosts.list = {memory_kv_store_t::text("10.0.0.9"), memory_kv_store_t::integer(5)};
+  store.values["history_host"] = hosts;
+  kv_value_t ports;
+  ports.kind = kv_value_t::kind_t::list;
+  ports.list = {memory_kv_store_t::integer(70000)};
+  store.values["history_port"] = ports;
+  kv_value_t no_names;
+  no_names.kind = kv_value_t::kind_t::list;
+  store.values["history_ble_name"] = no_names;
+
+  const auto c = start();
+  EXPECT_TRUE(c->enable_ble());
+  EXPECT_EQ(c->host.get(), "127.0.0.1");
+  EXPECT_EQ(c->port.get(), 81);
+  EXPECT_EQ(c->ble_name.get(), "Thingy:91 UART");
+}
+
+TEST_F(config_test, a_restart_restores_switches_and_histories) {
+  {
+    const auto c = start();
+    c->set_enable_bridge(true);
+    c->set_enable_ble(false);
+    c->save_ble_name("nrf52840dk UART");
+    c->save_host("192.168.4.1");
+    c->save_port(10110);
+  }
+  const auto c = start();
+  EXPECT_TRUE(c->enable_bridge());
+  EXPECT_FALSE(c->enable_ble());
+  EXPECT_EQ(c->ble_name.get(), "nrf52840dk UART");
+  EXPECT_EQ(c->host.get(), "192.168.4.1");
+  EXPECT_EQ(c->port.get(), 10110);
+  EXPECT_EQ(c->history_port.get(), (std::vector<std::uint16_t>{10110, 81}));
+}
+
+TEST_F(config_test, delete_config_then_a_restart_gives_the_defaults) {
+  {
+    const auto c = start();
+    c->set_enable_bridge(true);
+    c->save_host("192.168.4.1");
+    c->delete_config();
+    EXPECT_EQ(console.lines.back(), "delete_config");
+    EXPECT_TRUE(c->enable_bridge()) << "current values keep until the next start";
+    for (const char* key : {"enable_bridge", "enable_ble", "history_ble_name", "history_host", "history_port"})
+      EXPECT_EQ(store.get(key).kind, kv_value_t::kind_t::absent) << key;
+  }
+  const auto c = start();
+  EXPECT_FALSE(c->enable_bridge());
+  EXPECT_EQ(c->host.get(), "127.0.0.1");
+  const auto again = start(true);
+  EXPECT_EQ(again->history_host.get(), config_connection_t::default_host);
+}
+
+}  // namespace

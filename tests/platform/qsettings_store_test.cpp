@@ -1,0 +1,70 @@
+#include "platform/qsettings_store.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+// Runs the probe in a process of its own and returns what it printed.
+std::string probe(const std::string& mode, const QString& file) {
+  const std::string command = std::string(SETTINGS_PROBE) + " " + mode + " '" + file.toStdString() + "'";
+  std::string out;
+  if (FILE* pipe = ::popen(command.c_str(), "r")) {
+    std::array<char, 256> buffer{};
+    while (std::fgets(buffer.data(), buffer.size(), pipe)) out += buffer.data();
+    EXPECT_EQ(::pclose(pipe), 0) << command;
+  }
+  return out;
+}
+
+TEST(qsettings_store, values_written_by_one_process_are_read_by_the_next) {
+  QTemporaryDir dir;
+  const auto file = dir.filePath("korvid.ini");
+  EXPECT_EQ(probe("show", file),
+            "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\n"
+            "history_port=1\n");
+  probe("save", file);
+  EXPECT_EQ(probe("show", file),
+            "enable_bridge=1\nenable_ble=0\nble_name=nrf52840dk UART\nhost=192.168.4.1\nport=10110\nhistory_host=6\n"
+            "history_port=2\n");
+}
+
+TEST(qsettings_store, types_survive_the_file) {
+  QTemporaryDir dir;
+  const auto file = dir.filePath("types.ini");
+  {
+    qsettings_store_t store(file);
+    store.set_bool("b", false);
+    store.set_strings("one", {"only"});
+    store.set_integers("ports", {81});
+  }
+  // A new process would read the file afresh; so does a store on a copy of it.
+  const auto copy = dir.filePath("copy.ini");
+  ASSERT_TRUE(QFile::copy(file, copy));
+  qsettings_store_t store(copy);
+  EXPECT_EQ(store.get("b").kind, kv_value_t::kind_t::boolean);
+  EXPECT_FALSE(store.get("b").boolean);
+  ASSERT_EQ(store.get("one").kind, kv_value_t::kind_t::list);
+  EXPECT_EQ(store.get("one").list.at(0).text, "only");
+  ASSERT_EQ(store.get("ports").list.size(), 1u);
+  EXPECT_EQ(store.get("ports").list[0].kind, kv_value_t::kind_t::integer);
+  EXPECT_EQ(store.get("missing").kind, kv_value_t::kind_t::absent);
+}
+
+TEST(qsettings_store, a_hand_corrupted_file_leaves_the_defaults) {
+  QTemporaryDir dir;
+  const auto file = dir.filePath("broken.ini");
+  std::ofstream(file.toStdString()) << "[General]\nenable_ble=yes please\nenable_bridge=\"[true\"\n"
+                                       "history_host=192.168.1.1, 10.0.0.1, 5\nhistory_port=\"[\\\"81\\\"]\"\n"
+                                       "history_ble_name=[1,2]\n\x01\xff garbage ===\n";
+  EXPECT_EQ(probe("show", file),
+            "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\n"
+            "history_port=1\n");
+}
+
+}  // namespace
