@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <iterator>
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,8 +47,10 @@ void print_result(const connection_t& hub, bool json) {
 }
 
 int replay(const cli_options_t& options, connection_t& hub) {
-  std::ifstream file(options.replay_file, std::ios::binary);
-  const std::vector<std::uint8_t> capture((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  std::ifstream file(options.replay_file, std::ios::binary | std::ios::ate);
+  std::vector<std::uint8_t> capture(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)));
+  file.seekg(0);
+  file.read(reinterpret_cast<char*>(capture.data()), static_cast<std::streamsize>(capture.size()));
   replay_chunks(capture, options.chunk, hub);
   print_result(hub, options.json);
   return 0;
