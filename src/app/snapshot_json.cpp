@@ -5,27 +5,24 @@
 
 namespace {
 
+template <class T>
+void put(json_writer_t& w, std::string_view key, const T& value) {
+  w.key(key);
+  w.value(value);
+}
+
 void write_hub(json_writer_t& w, const connection_t& hub) {
   w.key("hub");
   w.begin_object();
-  w.key("status_tcp");
-  w.value(hub.status_tcp.get());
-  w.key("status_ble");
-  w.value(hub.status_ble.get());
-  w.key("msg_count");
-  w.value(hub.msg_count);
-  w.key("msg_good");
-  w.value(hub.msg_good);
-  w.key("msg_ack");
-  w.value(hub.msg_ack);
-  w.key("msg_ack_count");
-  w.value(hub.msg_ack_count);
-  w.key("binary");
-  w.value(hub.binary);
-  w.key("show_all");
-  w.value(hub.show_all.get());
-  w.key("crc_error_text");
-  w.value(hub.crc_error_text());
+  put(w, "status_tcp", hub.status_tcp.get());
+  put(w, "status_ble", hub.status_ble.get());
+  put(w, "msg_count", hub.msg_count);
+  put(w, "msg_good", hub.msg_good);
+  put(w, "msg_ack", hub.msg_ack);
+  put(w, "msg_ack_count", hub.msg_ack_count);
+  put(w, "binary", hub.binary);
+  put(w, "show_all", hub.show_all.get());
+  put(w, "crc_error_text", hub.crc_error_text());
   w.key("arr_rx");
   w.begin_array();
   for (std::size_t i = 0; i < hub.arr_rx->size(); ++i) w.value((*hub.arr_rx)[i]);
@@ -36,26 +33,18 @@ void write_hub(json_writer_t& w, const connection_t& hub) {
 void write_time(json_writer_t& w, const time_hms_t& t) {
   w.key("time");
   w.begin_object();
-  w.key("hh");
-  w.value(t.hh);
-  w.key("mm");
-  w.value(t.mm);
-  w.key("ss");
-  w.value(t.ss);
-  w.key("ms");
-  w.value(t.ms);
+  put(w, "hh", t.hh);
+  put(w, "mm", t.mm);
+  put(w, "ss", t.ss);
+  put(w, "ms", t.ms);
   w.end_object();
 }
 
 void write_position(json_writer_t& w, double lat, double lon, std::string_view lat_dir, std::string_view lon_dir) {
-  w.key("lat");
-  w.value(lat);
-  w.key("lon");
-  w.value(lon);
-  w.key("lat_dir");
-  w.value(lat_dir);
-  w.key("lon_dir");
-  w.value(lon_dir);
+  put(w, "lat", lat);
+  put(w, "lon", lon);
+  put(w, "lat_dir", lat_dir);
+  put(w, "lon_dir", lon_dir);
 }
 
 void write_history(json_writer_t& w, std::string_view name, const motion_history_t& history) {
@@ -71,12 +60,9 @@ void write_annotations(json_writer_t& w, const annotations_t& annotations) {
   for (std::size_t i = 0; i < annotations.list().size(); ++i) {
     const auto& a = *annotations.list()[i];
     w.begin_object();
-    w.key("title");
-    w.value(a.title);
-    w.key("lat");
-    w.value(a.coordinate.latitude);
-    w.key("lon");
-    w.value(a.coordinate.longitude);
+    put(w, "title", a.title);
+    put(w, "lat", a.coordinate.latitude);
+    put(w, "lon", a.coordinate.longitude);
     w.end_object();
   }
   w.end_array();
@@ -99,20 +85,13 @@ void write_gga(json_writer_t& w, const gps_gngga_t& gga) {
   w.begin_object();
   write_time(w, gga.time);
   write_position(w, gga.lat, gga.lon, gga.lat_dir, gga.lon_dir);
-  w.key("fix_i");
-  w.value(gga.fix_i);
-  w.key("fix_text");
-  w.value(gga.fix_text());
-  w.key("sat_count_i");
-  w.value(gga.sat_count_i);
-  w.key("hdop_d");
-  w.value(gga.hdop_d);
-  w.key("alt_d");
-  w.value(gga.alt_d);
-  w.key("mean_sea_level_d");
-  w.value(gga.mean_sea_level_d);
-  w.key("pvt_mode");
-  w.value(gga.pvt_mode);
+  put(w, "fix_i", gga.fix_i);
+  put(w, "fix_text", gga.fix_text());
+  put(w, "sat_count_i", gga.sat_count_i);
+  put(w, "hdop_d", gga.hdop_d);
+  put(w, "alt_d", gga.alt_d);
+  put(w, "mean_sea_level_d", gga.mean_sea_level_d);
+  put(w, "pvt_mode", gga.pvt_mode);
   write_history(w, "direction_history", gga.direction_history);
   write_history(w, "magnitude_history", gga.magnitude_history);
   write_annotations(w, gga.map_annotations);
@@ -129,8 +108,7 @@ void write_gll(json_writer_t& w, const gps_gngll_t& gll) {
   w.begin_object();
   write_time(w, gll.time);
   write_position(w, gll.lat, gll.lon, gll.lat_dir, gll.lon_dir);
-  w.key("data_status");
-  w.value(gll.data_status);
+  put(w, "data_status", gll.data_status);
   write_annotations(w, gll.map_annotations);
   w.end_object();
 }
@@ -141,29 +119,18 @@ void write_rmc(json_writer_t& w, const gps_gnrmc_t& rmc) {
   write_time(w, rmc.time);
   w.key("date");
   w.begin_object();
-  w.key("y");
-  w.value(rmc.date.y);
-  w.key("m");
-  w.value(rmc.date.m);
-  w.key("d");
-  w.value(rmc.date.d);
+  put(w, "y", rmc.date.y);
+  put(w, "m", rmc.date.m);
+  put(w, "d", rmc.date.d);
   w.end_object();
-  w.key("lat");
-  w.value(rmc.lat);
-  w.key("lon");
-  w.value(rmc.lon);
-  w.key("speed_knots");
-  w.value(rmc.speed_knots);
-  w.key("track_angle");
-  w.value(rmc.track_angle);
-  w.key("magnetic_variation");
-  w.value(rmc.magnetic_variation);
-  w.key("lat_dir");
-  w.value(rmc.lat_dir);
-  w.key("lon_dir");
-  w.value(rmc.lon_dir);
-  w.key("data_status");
-  w.value(rmc.data_status);
+  put(w, "lat", rmc.lat);
+  put(w, "lon", rmc.lon);
+  put(w, "speed_knots", rmc.speed_knots);
+  put(w, "track_angle", rmc.track_angle);
+  put(w, "magnetic_variation", rmc.magnetic_variation);
+  put(w, "lat_dir", rmc.lat_dir);
+  put(w, "lon_dir", rmc.lon_dir);
+  put(w, "data_status", rmc.data_status);
   write_annotations(w, rmc.map_annotations);
   w.end_object();
 }
@@ -171,66 +138,46 @@ void write_rmc(json_writer_t& w, const gps_gnrmc_t& rmc) {
 void write_vtg(json_writer_t& w, const gps_gnvtg_t& vtg) {
   w.key("vtg");
   w.begin_object();
-  w.key("true_track_mode_deg");
-  w.value(vtg.true_track_mode_deg);
-  w.key("magnetic_track_mode_deg");
-  w.value(vtg.magnetic_track_mode_deg);
-  w.key("speed_knots");
-  w.value(vtg.speed_knots);
-  w.key("speed_kph");
-  w.value(vtg.speed_kph);
+  put(w, "true_track_mode_deg", vtg.true_track_mode_deg);
+  put(w, "magnetic_track_mode_deg", vtg.magnetic_track_mode_deg);
+  put(w, "speed_knots", vtg.speed_knots);
+  put(w, "speed_kph", vtg.speed_kph);
   w.end_object();
 }
 
 void write_gsa(json_writer_t& w, const gps_gngsa_t& gsa) {
   w.key("gsa");
   w.begin_object();
-  w.key("fix_mode_c");
-  w.value(gsa.fix_mode_c);
-  w.key("fix_type_i");
-  w.value(static_cast<int>(gsa.fix_type_i));
-  w.key("fix_type_text");
-  w.value(gsa.fix_type_text());
-  w.key("pvt_mode");
-  w.value(gsa.pvt_mode);
+  put(w, "fix_mode_c", gsa.fix_mode_c);
+  put(w, "fix_type_i", static_cast<int>(gsa.fix_type_i));
+  put(w, "fix_type_text", gsa.fix_type_text());
+  put(w, "pvt_mode", gsa.pvt_mode);
   w.key("PRN_arr");
   w.begin_array();
   for (const auto& [prn, when] : *gsa.PRN_arr) w.value(static_cast<int>(prn));
   w.end_array();
-  w.key("PRN_text");
-  w.value(gsa.PRN_text());
-  w.key("pdop_d");
-  w.value(gsa.pdop_d);
-  w.key("hdop_d");
-  w.value(gsa.hdop_d);
-  w.key("vdop_d");
-  w.value(gsa.vdop_d);
+  put(w, "PRN_text", gsa.PRN_text());
+  put(w, "pdop_d", gsa.pdop_d);
+  put(w, "hdop_d", gsa.hdop_d);
+  put(w, "vdop_d", gsa.vdop_d);
   w.end_object();
 }
 
 void write_gsv(json_writer_t& w, const gps_gpgsv_t& gsv) {
   w.key("gsv");
   w.begin_object();
-  w.key("sentence_count");
-  w.value(static_cast<int>(gsv.sentence_count));
-  w.key("sentence_last");
-  w.value(static_cast<int>(gsv.sentence_last));
-  w.key("satellites_in_view");
-  w.value(static_cast<int>(gsv.satellites_in_view.get()));
+  put(w, "sentence_count", static_cast<int>(gsv.sentence_count));
+  put(w, "sentence_last", static_cast<int>(gsv.sentence_last));
+  put(w, "satellites_in_view", static_cast<int>(gsv.satellites_in_view.get()));
   w.key("satellite_arr");
   w.begin_array();
   for (const auto& [prn, s] : *gsv.satellite_arr) {
     w.begin_object();
-    w.key("prn");
-    w.value(static_cast<int>(s->prn));
-    w.key("elevation");
-    w.value(static_cast<int>(s->elevation));
-    w.key("azimuth");
-    w.value(static_cast<int>(s->azimuth));
-    w.key("snr");
-    w.value(static_cast<int>(s->snr));
-    w.key("valid");
-    w.value(s->valid);
+    put(w, "prn", static_cast<int>(s->prn));
+    put(w, "elevation", static_cast<int>(s->elevation));
+    put(w, "azimuth", static_cast<int>(s->azimuth));
+    put(w, "snr", static_cast<int>(s->snr));
+    put(w, "valid", s->valid);
     w.end_object();
   }
   w.end_array();

@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "nmea/fields.h"
+#include "nmea/record_units.h"
 
 const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size] = {
     "invalid", "GPS", "DGPS", "PPS", "Real Time Kinematic", "Float RTK", "estimated (dead reckoning)",
@@ -105,8 +106,8 @@ void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
   alt_d = r.height / 1000.0;
   mean_sea_level_d = r.hMSL / 1000.0;
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   push_motion(previous_lat, previous_lon);
   const auto where = map_position(false);
   place_marker(where);
@@ -124,8 +125,8 @@ void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
   hdop_d = r.pDOP / 100.0;
   if (r.headMot != 0) push_history(direction_history, r.headMot * 1e-5 * std::numbers::pi / 180.0);
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   const auto where = map_position(false);
   if (r.pDOP < pdop_no_marker) place_marker(where);
   map_path.add_point(where.latitude, where.longitude, hdop_d);

@@ -18,7 +18,6 @@ public:
   static constexpr double hdop_max = 99.99;       // largest readable HDOP
   static constexpr double hdop_no_marker = 99.0;  // from this HDOP on no marker is placed
   static constexpr std::int64_t sat_count_max = 36;
-  static constexpr std::uint16_t pdop_no_marker = 9999;  // 0.01 units: a position DOP of 99.99
 
   void reset() override;
   void update(std::span<const std::string_view> fields) override;

@@ -1,10 +1,7 @@
 #include "nmea/gps_gngll.h"
 
 #include "nmea/fields.h"
-
-namespace {
-constexpr std::uint16_t pdop_no_marker = 9999;  // 0.01 units: a position DOP of 99.99
-}
+#include "nmea/record_units.h"
 
 void gps_gngll_t::reset() {
   time.clear();
@@ -47,16 +44,16 @@ void gps_gngll_t::update(std::span<const std::string_view> f) {
 void gps_gngll_t::update_posllh(const gps_posllh_t& r) {
   time.set_from_itow(r.iTOW);
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   place_marker({lat, lon});
 }
 
 void gps_gngll_t::update_pvt(const gps_pvt_t& r) {
   time.set(r.hour, r.min, r.sec, 0);
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   if (r.pDOP >= pdop_no_marker) return;
   place_marker({lat, lon});
 }

@@ -1,10 +1,7 @@
 #include "nmea/gps_gnrmc.h"
 
 #include "nmea/fields.h"
-
-namespace {
-constexpr std::uint16_t pdop_no_marker = 9999;  // 0.01 units: a position DOP of 99.99
-}
+#include "nmea/record_units.h"
 
 void gps_gnrmc_t::reset() {
   time.clear();
@@ -60,8 +57,8 @@ void gps_gnrmc_t::update(std::span<const std::string_view> f) {
 void gps_gnrmc_t::update_posllh(const gps_posllh_t& r) {
   time.set_from_itow(r.iTOW);
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   place_marker({lat, lon});
 }
 
@@ -72,8 +69,8 @@ void gps_gnrmc_t::update_pvt(const gps_pvt_t& r) {
   time.set(r.hour, r.min, r.sec, 0);
   date.set(r.year, r.month, r.day);
   if (r.lat == 0 || r.lon == 0) return;
-  lat = r.lat / 10'000'000.0;
-  lon = r.lon / 10'000'000.0;
+  lat = record_degrees(r.lat);
+  lon = record_degrees(r.lon);
   if (r.pDOP >= pdop_no_marker) return;
   place_marker({lat, lon});
 }

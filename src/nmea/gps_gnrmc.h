@@ -14,7 +14,6 @@ public:
   static constexpr double speed_max = 999.9;      // knots
   static constexpr double track_max = 360.0;      // degrees
   static constexpr double variation_max = 999.9;  // degrees
-  static constexpr double mm_per_s_per_knot = 514.444444;
 
   void reset() override;
   void update(std::span<const std::string_view> fields) override;

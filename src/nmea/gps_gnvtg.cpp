@@ -1,6 +1,7 @@
 #include "nmea/gps_gnvtg.h"
 
 #include "nmea/fields.h"
+#include "nmea/record_units.h"
 
 void gps_gnvtg_t::reset() {
   true_track_mode_deg = 0.0;

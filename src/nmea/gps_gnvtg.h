@@ -11,8 +11,6 @@ class gps_gnvtg_t final : public observable_t, public gps_decoder_t {
 public:
   static constexpr double true_track_max = 360.0;  // degrees
   static constexpr double value_max = 999.9;       // degrees magnetic, knots, km/h
-  static constexpr double mm_per_s_per_knot = 514.444444;
-  static constexpr double kph_per_mm_per_s = 0.0036;
 
   void reset() override;
   void update(std::span<const std::string_view> fields) override;
