@@ -90,9 +90,12 @@ case "$cmd" in
     install_missing
     configure_and_build
     echo "== unit and integration tests"
-    ctest --test-dir "$build" --output-on-failure -j2 --timeout 120
+    ctest --test-dir "$build" --output-on-failure -j2 --timeout 120 | tee "$build/ctest.log"
     tsan
     fuzz
+    # ctest's own count, repeated last: the sanitizer stages above either pass or stop the run.
+    sed -n -E 's/.*tests passed, ([0-9]+) tests failed out of ([0-9]+).*/\2 \1/p' "$build/ctest.log" |
+      awk '{print "tests: " $1 - $2 " passed, " $2 " failed"}'
     ;;
   *)
     echo "usage: ./korvid.sh run | test" >&2
