@@ -13,6 +13,8 @@ public:
   virtual void ble_disconnected(const std::string& name) = 0;
   // Every notification's raw bytes, before they are interpreted.
   virtual void ble_bridge(std::span<const std::uint8_t> bytes) = 0;
+  // Complete text lines follow: the data handled last is text, not binary.
+  virtual void ble_text_mode() = 0;
 };
 
 // What the hub uses of the Bluetooth LE central, on the main thread.

@@ -56,6 +56,7 @@ public:
   void ble_connected(const std::string& name) override;
   void ble_disconnected(const std::string& name) override;
   void ble_bridge(std::span<const std::uint8_t> bytes) override;
+  void ble_text_mode() override { binary = false; }
 
   // The transports, created on first use.
   tcp_link_t& tcp_client();

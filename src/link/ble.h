@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "core/colour.h"
+#include "core/console.h"
+#include "core/observable.h"
+#include "link/ble_central_api.h"
+#include "link/ble_link.h"
+#include "link/chunk_splitter.h"
+
+// The last signal strength read from the peripheral, in dBm; 0 when unknown.
+class rssi_t final : public observable_t {
+public:
+  published_t<std::int64_t> rssi{*this, 0};
+  // Empty when unknown, else the value: "-67".
+  std::string text() const { return rssi == 0 ? std::string() : std::to_string(rssi.get()); }
+};
+
+// The Bluetooth LE central for a receiver behind the Nordic UART Service: scans for a peripheral
+// by its advertised name, connects, subscribes to the UART characteristic's notifications, cuts
+// their text into lines or passes binary (UBX) data on, and rescans by itself when the peripheral
+// is lost. Everything runs on the main thread.
+class BLE final : public observable_t, public ble_link_t, private ble_central_events_t {
+public:
+  static constexpr std::string_view uuid_char_recv = "6E400003-B5A3-F393-E0A9-E50E24DCCA9E";  // notify
+  static constexpr std::string_view uuid_char_send = "6E400002-B5A3-F393-E0A9-E50E24DCCA9E";  // write
+
+  BLE(ble_delegate_t& delegate, ble_central_api_t& manager, console_t& console, bool binary, bool force_text);
+  ~BLE() override;
+
+  // ble_link_t, for the hub.
+  void connect(const std::string& name) override;
+  bool enabled() const override { return enabled_; }
+  void stop() override;
+  void write(std::span<const std::uint8_t> bytes) override;
+
+  void start_scan();
+  void disconnect_peripheral();
+  void ble_reconnect();
+
+  bool binary() const { return binary_; }
+  bool ready() const { return ble_peripheral && ble_char_recv && ble_char_send; }
+
+  published_t<colour_t> sta_fg{*this, colour_t::primary};
+  published_t<std::string> status{*this, "offline"};
+  published_t<std::string> log_rx{*this, ""};
+  published_t<std::string> name_connect{*this, "Thingy:91 UART"};
+  rssi_t rssi;
+  published_t<bool> dbg_scan{*this, false};  // print every other peripheral found while scanning
+
+  std::optional<ble_peripheral_t> ble_peripheral;
+  std::optional<ble_characteristic_t> ble_char_recv;
+  std::optional<ble_characteristic_t> ble_char_send;
+  std::optional<std::string> name_peripheral;
+  std::optional<std::string> name_peripheral_reconnect;
+
+private:
+  void manager_state_changed(ble_manager_state_t state) override;
+  void peripheral_discovered(const ble_peripheral_t& p) override;
+  void peripheral_connected(const ble_peripheral_t& p) override;
+  void peripheral_disconnected(const ble_peripheral_t& p, const std::optional<std::string>& error) override;
+  void services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) override;
+  void characteristics_discovered(const ble_peripheral_t& p,
+                                  const std::vector<ble_characteristic_t>& characteristics) override;
+  void value_updated(const ble_peripheral_t& p, const ble_characteristic_t& c,
+                     std::optional<std::span<const std::uint8_t>> value) override;
+  void value_written(const ble_peripheral_t& p, const ble_characteristic_t& c,
+                     const std::optional<std::string>& error) override;
+  void rssi_read(const ble_peripheral_t& p, int value) override;
+
+  void connect_peripheral(const ble_peripheral_t& p);
+  void check_ready();
+  void receive_text(std::span<const std::uint8_t> text);
+  bool powered_on() const { return manager_.state() == ble_manager_state_t::powered_on; }
+
+  ble_delegate_t& delegate_;
+  ble_central_api_t& manager_;
+  console_t& console_;
+  bool enabled_ = false;
+  bool binary_;
+  bool force_text_;
+  chunk_splitter_t lines_{false, false};  // the line cutter; its remainder is the unfinished line
+};
