@@ -49,6 +49,12 @@ void gps_gngga_t::reset() {
   lon_dir = "E";
   map_annotations.clear();
   map_path.clear();
+  map_fix = {};
+}
+
+annotation_ref_t gps_gngga_t::time_annotation() const {
+  annotation_ref_t none;
+  return make_annotation(hms_text(time), map_fix, none);
 }
 
 // $GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77
@@ -93,9 +99,9 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
   lat = *la;
   lon = *lo;
   push_motion(previous_lat, previous_lon);
-  const auto where = map_position(true);
-  if (*hdop < hdop_no_marker) place_marker(where);
-  map_path.add_point(where.latitude, where.longitude, hdop_d);
+  map_fix = {signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)};
+  if (*hdop < hdop_no_marker) place_marker();
+  map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
 
 void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
@@ -109,9 +115,9 @@ void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
   lat = record_degrees(r.lat);
   lon = record_degrees(r.lon);
   push_motion(previous_lat, previous_lon);
-  const auto where = map_position(false);
-  place_marker(where);
-  map_path.add_point(where.latitude, where.longitude, hdop_d);
+  map_fix = {lat, lon};
+  place_marker();
+  map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
 
 void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
@@ -127,9 +133,9 @@ void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
   if (r.lat == 0 || r.lon == 0) return;
   lat = record_degrees(r.lat);
   lon = record_degrees(r.lon);
-  const auto where = map_position(false);
-  if (r.pDOP < pdop_no_marker) place_marker(where);
-  map_path.add_point(where.latitude, where.longitude, hdop_d);
+  map_fix = {lat, lon};
+  if (r.pDOP < pdop_no_marker) place_marker();
+  map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
 
 // The letters turn the difference of two magnitudes into a signed movement north and east.
@@ -143,11 +149,6 @@ void gps_gngga_t::push_motion(double previous_lat, double previous_lon) {
   push_history(magnitude_history, std::sqrt(dn * dn + de * de));
 }
 
-geo_coordinate_t gps_gngga_t::map_position(bool signed_by_letters) const {
-  if (!signed_by_letters) return {lat, lon};
-  return {signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)};
-}
-
-void gps_gngga_t::place_marker(geo_coordinate_t where) {
-  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_text(time), where, spare_marker_));
+void gps_gngga_t::place_marker() {
+  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_text(time), map_fix, spare_marker_));
 }

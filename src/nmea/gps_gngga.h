@@ -26,6 +26,8 @@ public:
 
   // The fix quality (GGA) or fix type (NAV-PVT) as text; "invalid" outside the table.
   std::string_view fix_text() const;
+  // A new marker titled with the time of the fix ("12:35:19") at the last fix.
+  annotation_ref_t time_annotation() const;
 
   time_hms_t time;  // changed in place: no notice of its own
   published_t<double> lat{*this, 0.0};
@@ -42,12 +44,13 @@ public:
   std::string_view lon_dir = "E";
   annotations_t map_annotations;
   map_path_t map_path;
+  // The last fix as a map places it, north and east positive: a sentence's magnitudes signed by
+  // their letters, a record's values as they stand.
+  geo_coordinate_t map_fix;
 
 private:
   void push_motion(double previous_lat, double previous_lon);
-  void place_marker(geo_coordinate_t where);
-  // The position as a map places it: signed by the letters for a sentence fix.
-  geo_coordinate_t map_position(bool signed_by_letters) const;
+  void place_marker();
 
   annotation_ref_t spare_marker_;
 };

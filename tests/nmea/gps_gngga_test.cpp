@@ -145,6 +145,10 @@ TEST(gga, southern_and_western_fixes_are_placed_with_their_sign) {
   EXPECT_NEAR(marker.longitude, -151.2155, 1e-9);
   EXPECT_NEAR(gga.map_path.list()[0].latitude, -33.8568, 1e-9);
   EXPECT_NEAR(gga.map_path.list()[0].longitude, -151.2155, 1e-9);
+  const auto dot = gga.time_annotation();
+  EXPECT_EQ(dot->title, "12:00:00");
+  EXPECT_NEAR(dot->coordinate.latitude, -33.8568, 1e-9) << "the map's position dot lies in the south too";
+  EXPECT_NE(dot, gga.map_annotations.list()[0]) << "a new marker each time";
 }
 
 TEST(gga, no_marker_from_an_hdop_of_99) {
