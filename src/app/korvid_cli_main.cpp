@@ -17,6 +17,7 @@
 #include "link/config_connection.h"
 #include "link/connect_action.h"
 #include "link/connection.h"
+#include "link/offline_links.h"
 #include "link/replay.h"
 #include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
@@ -109,7 +110,10 @@ int main(int argc, char** argv) {
   QCoreApplication app(argc, argv);
   qt_main_queue_t queue(&app);
   stdout_console_t console;
-  program_links_t links(queue, console);
+  // A replay is a receive path, not a link: it opens no transport.
+  program_links_t program_links(queue, console);
+  offline_links_t replay_links;
+  link_factory_t& links = options.replay_file.empty() ? static_cast<link_factory_t&>(program_links) : replay_links;
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
 

@@ -68,7 +68,7 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
   for (const std::uint8_t b : chunk) {
     if (b == '\r') continue;
     if (b == '\n') {
-      if (!partial_.empty() || empty_lines_) emit(partial_);
+      if (!partial_.empty() || empty_lines_) add_line(partial_);
       partial_.clear();
       continue;
     }
@@ -76,14 +76,14 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
   }
   const std::uint8_t last = chunk.empty() ? 0 : chunk.back();
   if (last == '\r' || last == '\n') {
-    if (!partial_.empty() || empty_lines_) emit(partial_);
+    if (!partial_.empty() || empty_lines_) add_line(partial_);
     partial_.clear();
   }
   if (line_count_ > 0 && lines_[line_count_ - 1].empty()) --line_count_;
   return {lines_.data(), line_count_};
 }
 
-void chunk_splitter_t::emit(const std::string& piece) {
+void chunk_splitter_t::add_line(const std::string& piece) {
   if (line_count_ == lines_.size()) lines_.emplace_back();
   lines_[line_count_++].assign(piece);
 }

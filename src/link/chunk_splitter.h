@@ -49,7 +49,7 @@ public:
   std::span<const std::string> cut_lines(std::span<const std::uint8_t> text);
 
 private:
-  void emit(const std::string& piece);
+  void add_line(const std::string& piece);
   void binary_switch(std::span<const std::uint8_t> chunk, chunk_sink_t& sink);
 
   bool binary_;

@@ -1,0 +1,171 @@
+#include "platform/qt_ble_central.h"
+
+#include <QLowEnergyDescriptor>
+#include <QTimer>
+
+namespace {
+
+std::string uuid_text(const QBluetoothUuid& uuid) {
+  return uuid.toString(QUuid::WithoutBraces).toUpper().toStdString();
+}
+
+}  // namespace
+
+qt_ble_central_t::qt_ble_central_t() {
+  // Scan until stopped: the central stops it when it finds its peripheral.
+  agent_.setLowEnergyDiscoveryTimeout(0);
+  QObject::connect(&agent_, &QBluetoothDeviceDiscoveryAgent::deviceDiscovered, this,
+                   [this](const QBluetoothDeviceInfo& info) {
+                     if (!(info.coreConfigurations() & QBluetoothDeviceInfo::LowEnergyCoreConfiguration)) return;
+                     const auto p = peripheral_of(info);
+                     seen_[p.id] = info;
+                     if (events_) events_->peripheral_discovered(p);
+                   });
+  QObject::connect(&local_, &QBluetoothLocalDevice::hostModeStateChanged, this, [this] { update_state(); });
+  update_state();
+}
+
+qt_ble_central_t::~qt_ble_central_t() {
+  events_ = nullptr;
+  agent_.stop();
+  if (controller_) controller_->disconnectFromDevice();
+}
+
+void qt_ble_central_t::set_events(ble_central_events_t* events) {
+  events_ = events;
+  // The first state arrives from the event loop, as a stack would report it.
+  QTimer::singleShot(0, this, [this] {
+    if (events_) events_->manager_state_changed(state_);
+  });
+}
+
+void qt_ble_central_t::update_state() {
+  const auto previous = state_;
+  if (!local_.isValid()) {
+    state_ = ble_manager_state_t::unsupported;
+  } else {
+    state_ = local_.hostMode() == QBluetoothLocalDevice::HostPoweredOff ? ble_manager_state_t::powered_off
+                                                                         : ble_manager_state_t::powered_on;
+  }
+  if (state_ != previous && events_) events_->manager_state_changed(state_);
+}
+
+ble_peripheral_t qt_ble_central_t::peripheral_of(const QBluetoothDeviceInfo& info) const {
+  ble_peripheral_t p;
+  p.id = info.address().isNull() ? qHash(info.deviceUuid()) : info.address().toUInt64();
+  if (!info.name().isEmpty()) p.name = info.name().toStdString();
+  p.description = "<" + info.name().toStdString() + " " + info.address().toString().toStdString() + ">";
+  return p;
+}
+
+void qt_ble_central_t::scan() { agent_.start(QBluetoothDeviceDiscoveryAgent::LowEnergyMethod); }
+
+void qt_ble_central_t::stop_scan() { agent_.stop(); }
+
+void qt_ble_central_t::connect(const ble_peripheral_t& p) {
+  const auto info = seen_.find(p.id);
+  if (info == seen_.end()) return;
+  if (controller_) controller_->deleteLater();
+  characteristics_.clear();
+  service_objects_.clear();
+  services_.clear();
+  peripheral_ = p;
+  cancelling_ = false;
+  last_error_.clear();
+  controller_ = QLowEnergyController::createCentral(info->second, this);
+  QObject::connect(controller_, &QLowEnergyController::connected, this, [this, p] {
+    if (events_) events_->peripheral_connected(p);
+  });
+  QObject::connect(controller_, &QLowEnergyController::errorOccurred, this,
+                   [this](QLowEnergyController::Error) { last_error_ = controller_->errorString(); });
+  QObject::connect(controller_, &QLowEnergyController::disconnected, this, [this, p] {
+    std::optional<std::string> error;
+    if (!cancelling_) error = last_error_.isEmpty() ? std::string("connection lost") : last_error_.toStdString();
+    if (events_) events_->peripheral_disconnected(p, error);
+  });
+  QObject::connect(controller_, &QLowEnergyController::serviceDiscovered, this,
+                   [this](const QBluetoothUuid& uuid) { services_.push_back(uuid); });
+  QObject::connect(controller_, &QLowEnergyController::discoveryFinished, this, [this, p] {
+    std::vector<std::uint64_t> ids;
+    for (std::size_t i = 0; i < services_.size(); ++i) ids.push_back(i);
+    if (events_) events_->services_discovered(p, ids);
+  });
+  controller_->connectToDevice();
+}
+
+void qt_ble_central_t::cancel_connection(const ble_peripheral_t&) {
+  if (!controller_) return;
+  cancelling_ = true;
+  controller_->disconnectFromDevice();
+}
+
+void qt_ble_central_t::discover_services(const ble_peripheral_t&) {
+  if (controller_) controller_->discoverServices();
+}
+
+ble_characteristic_t qt_ble_central_t::handle_of(QLowEnergyService* service, const QLowEnergyCharacteristic& c) {
+  for (const auto& [id, entry] : characteristics_)
+    if (entry.service == service && entry.characteristic.uuid() == c.uuid()) return {id, uuid_text(c.uuid())};
+  const auto id = next_characteristic_++;
+  characteristics_[id] = {service, c};
+  return {id, uuid_text(c.uuid())};
+}
+
+const qt_ble_central_t::characteristic_entry_t* qt_ble_central_t::find(const ble_characteristic_t& c) const {
+  const auto it = characteristics_.find(c.id);
+  return it == characteristics_.end() ? nullptr : &it->second;
+}
+
+void qt_ble_central_t::discover_characteristics(const ble_peripheral_t& p, std::uint64_t service) {
+  if (!controller_ || service >= services_.size()) return;
+  QLowEnergyService* s = controller_->createServiceObject(services_[service], controller_);
+  if (!s) return;
+  service_objects_.push_back(s);
+  QObject::connect(s, &QLowEnergyService::stateChanged, this, [this, s, p](QLowEnergyService::ServiceState state) {
+    if (state != QLowEnergyService::RemoteServiceDiscovered) return;
+    std::vector<ble_characteristic_t> found;
+    for (const auto& c : s->characteristics()) found.push_back(handle_of(s, c));
+    if (events_) events_->characteristics_discovered(p, found);
+  });
+  auto deliver = [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray& value) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.constData());
+    if (events_)
+      events_->value_updated(p, handle_of(s, c), std::span<const std::uint8_t>(bytes, static_cast<std::size_t>(value.size())));
+  };
+  QObject::connect(s, &QLowEnergyService::characteristicChanged, this, deliver);
+  QObject::connect(s, &QLowEnergyService::characteristicRead, this, deliver);
+  QObject::connect(s, &QLowEnergyService::characteristicWritten, this,
+                   [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray&) {
+                     if (events_) events_->value_written(p, handle_of(s, c), std::nullopt);
+                   });
+  s->discoverDetails();
+}
+
+void qt_ble_central_t::read_value(const ble_peripheral_t&, const ble_characteristic_t& c) {
+  const auto* e = find(c);
+  if (e && (e->characteristic.properties() & QLowEnergyCharacteristic::Read)) e->service->readCharacteristic(e->characteristic);
+}
+
+void qt_ble_central_t::set_notify(const ble_peripheral_t&, const ble_characteristic_t& c, bool on) {
+  const auto* e = find(c);
+  if (!e) return;
+  const auto config = e->characteristic.clientCharacteristicConfiguration();
+  if (config.isValid())
+    e->service->writeDescriptor(config, on ? QLowEnergyCharacteristic::CCCDEnableNotification
+                                           : QLowEnergyCharacteristic::CCCDDisable);
+}
+
+std::size_t qt_ble_central_t::max_write_size(const ble_peripheral_t&) const {
+  const int mtu = controller_ ? controller_->mtu() : -1;
+  if (mtu <= static_cast<int>(att_header)) return max_attribute_value;
+  return std::min(max_attribute_value, static_cast<std::size_t>(mtu) - att_header);
+}
+
+void qt_ble_central_t::write_with_response(const ble_peripheral_t&, const ble_characteristic_t& c,
+                                           std::span<const std::uint8_t> bytes) {
+  const auto* e = find(c);
+  if (!e) return;
+  e->service->writeCharacteristic(
+      e->characteristic, QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())),
+      QLowEnergyService::WriteWithResponse);
+}
