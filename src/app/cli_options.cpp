@@ -5,8 +5,9 @@
 
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
-    "       korvid-cli --connect tcp://HOST:PORT|saved [--settings FILE] [--duration S] [--interval S]\n"
-    "                  [--json] [--show-all]\n"
+    "       korvid-cli --connect tcp://HOST:PORT|ble://NAME|saved [--settings FILE] [--duration S]\n"
+    "                  [--interval S] [--json] [--show-all]\n"
+    "       korvid-cli --bridge --connect ble://NAME --connect tcp://HOST:PORT [...]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"
     "\n"
@@ -15,7 +16,11 @@ const char* const cli_usage =
     "  --connect tcp://HOST:PORT\n"
     "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1;\n"
     "                  a lost or refused link is retried every 4 s\n"
-    "  --connect saved connect as the saved settings say (the host and port, or the bridge)\n"
+    "  --connect ble://NAME\n"
+    "                  connect to the Bluetooth LE peripheral advertising NAME (Nordic UART Service)\n"
+    "  --bridge        with a ble:// and a tcp:// connection: open both and forward the bytes\n"
+    "                  received on either to the other (a BLE-to-TCP relay)\n"
+    "  --connect saved connect as the saved settings say (the host and port, the name, or both)\n"
     "  --settings FILE use this INI file instead of the user's settings\n"
     "  --duration S    stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
     "  --interval S    with --json, seconds between snapshots (default 1)\n"
@@ -83,11 +88,17 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       options.replay_file = std::string(value);
     } else if (arg == "--connect") {
       if (!next(value)) return fail("--connect needs tcp://HOST:PORT");
+      constexpr std::string_view ble_scheme = "ble://";
       if (value == "saved") {
         options.connect_saved = true;
+      } else if (value.substr(0, ble_scheme.size()) == ble_scheme) {
+        options.ble_name = std::string(value.substr(ble_scheme.size()));
+        if (options.ble_name.empty()) return fail("--connect ble://NAME needs the peripheral's name");
       } else if (!parse_tcp_url(value, options.host, options.port))
         return fail("--connect takes tcp://HOST:PORT with an IPv4 address and a port 1 to 65535, not '" +
                     std::string(value) + "'");
+    } else if (arg == "--bridge") {
+      options.bridge = true;
     } else if (arg == "--settings") {
       if (!next(value)) return fail("--settings needs a file name");
       options.settings_file = std::string(value);
@@ -105,7 +116,11 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     }
   }
   if (options.help) return {options, {}};
-  const bool connect = !options.host.empty() || options.connect_saved;
+  const bool both = !options.host.empty() && !options.ble_name.empty();
+  if (options.bridge != both) return fail("--bridge goes with one ble:// and one tcp:// connection");
+  if (options.connect_saved && (!options.host.empty() || !options.ble_name.empty()))
+    return fail("--connect saved stands alone");
+  const bool connect = !options.host.empty() || !options.ble_name.empty() || options.connect_saved;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");

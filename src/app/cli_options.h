@@ -11,6 +11,8 @@
 struct cli_options_t {
   std::string replay_file;
   std::string host;        // --connect tcp://HOST:PORT
+  std::string ble_name;        // --connect ble://NAME
+  bool bridge = false;         // both links at once, bytes forwarded between them
   bool connect_saved = false;  // --connect saved: as the saved settings say
   std::string settings_file;   // an INI file instead of the user's settings
   std::uint16_t port = 0;

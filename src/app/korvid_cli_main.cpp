@@ -81,7 +81,8 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, connectio
                                                      false, *store, console);
     connect_or_disconnect(*settings, hub);
   } else {
-    hub.connect_tcp(options.host, options.port);
+    if (!options.ble_name.empty()) hub.connect_ble(options.ble_name);
+    if (!options.host.empty()) hub.connect_tcp(options.host, options.port);
   }
   app.exec();
   print_result(hub, options.json);

@@ -35,6 +35,22 @@ TEST(cli_options, connects_as_saved_with_a_settings_file) {
   EXPECT_FALSE(parse({"--settings"}).options);
 }
 
+TEST(cli_options, a_ble_connection_and_the_bridge) {
+  const auto ble = parse({"--connect", "ble://Thingy:91 UART"});
+  ASSERT_TRUE(ble.options) << ble.error;
+  EXPECT_EQ(ble.options->ble_name, "Thingy:91 UART");
+  const auto relay = parse({"--bridge", "--connect", "ble://Thingy:91 UART", "--connect", "tcp://127.0.0.1:10110"});
+  ASSERT_TRUE(relay.options) << relay.error;
+  EXPECT_TRUE(relay.options->bridge);
+  EXPECT_EQ(relay.options->port, 10110);
+  for (const auto& args : std::vector<std::vector<std::string_view>>{
+           {"--bridge", "--connect", "tcp://127.0.0.1:1"},
+           {"--connect", "ble://x", "--connect", "tcp://127.0.0.1:1"},
+           {"--connect", "ble://"},
+           {"--connect", "saved", "--connect", "ble://x"}})
+    EXPECT_FALSE(parse(args).options) << args.size();
+}
+
 TEST(cli_options, dotted_quads_only) {
   for (const char* host : {"127.0.0.1", "0.0.0.0", "255.255.255.255", "10.1.2.3"}) EXPECT_TRUE(is_dotted_quad(host)) << host;
   for (const char* host : {"", "localhost", "1.2.3", "1.2.3.4.5", "1..2.3", "256.1.1.1", "1.2.3.-4", "+1.2.3.4",
