@@ -229,20 +229,4 @@ TEST(gga, nav_posllh_records) {
   EXPECT_FALSE(gga.pvt_mode);
 }
 
-TEST(gga, fix_text_follows_the_table_of_its_source) {
-  gps_gngga_t gga;
-  const struct {
-    std::int64_t fix;
-    bool pvt;
-    const char* text;
-  } cases[] = {{0, false, "invalid"}, {4, false, "Real Time Kinematic"}, {8, false, "Simulation mode"},
-               {9, false, "invalid"}, {-1, false, "invalid"},           {5, true, "time only fix"},
-               {6, true, "unknown 6"}, {0, true, "no fix"}};
-  for (const auto& c : cases) {
-    gga.fix_i = c.fix;
-    gga.pvt_mode = c.pvt;
-    EXPECT_EQ(gga.fix_text(), c.text) << c.fix;
-  }
-}
-
 }  // namespace
