@@ -12,6 +12,7 @@ const char* const cli_usage =
     "Runs Korvid's receive path and decoders without a window.\n"
     "\n"
     "  --replay FILE   feed a capture through the receive path of a connected TCP link\n"
+    "                  (\"-\" reads standard input)\n"
     "  --chunk N       replay in chunks of N bytes, 1 to 65536 (default 2047)\n"
     "  --connect tcp://HOST:PORT\n"
     "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1;\n"

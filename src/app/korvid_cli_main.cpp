@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,11 +47,15 @@ void print_result(const connection_t& hub, bool json) {
 }
 
 int replay(const cli_options_t& options, connection_t& hub) {
-  std::ifstream file(options.replay_file, std::ios::binary | std::ios::ate);
-  std::vector<std::uint8_t> capture(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)));
-  file.seekg(0);
-  file.read(reinterpret_cast<char*>(capture.data()), static_cast<std::streamsize>(capture.size()));
-  replay_chunks(capture, options.chunk, hub);
+  // Read in chunks, so a capture of any size replays in constant memory.
+  std::FILE* stream = options.replay_file == "-" ? stdin : std::fopen(options.replay_file.c_str(), "rb");
+  replay_t replay(hub);
+  const bool read = stream && replay.feed_stream(stream, options.chunk);
+  if (stream && stream != stdin) std::fclose(stream);
+  if (!read) {
+    std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
+    return usage_error;
+  }
   print_result(hub, options.json);
   return 0;
 }
@@ -103,7 +106,7 @@ int main(int argc, char** argv) {
     std::fputs(cli_usage, stdout);
     return 0;
   }
-  if (!options.replay_file.empty() && !std::ifstream(options.replay_file, std::ios::binary)) {
+  if (!options.replay_file.empty() && options.replay_file != "-" && !std::ifstream(options.replay_file, std::ios::binary)) {
     std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
     return usage_error;
   }
