@@ -63,6 +63,7 @@ subscription_t observable_t::subscribe(std::function<void()> observer) {
 }
 
 void observable_t::notify() const {
+  if (observers_->entries.empty()) return;
   // Keep the list alive and index it afresh on each step: an observer may subscribe or cancel.
   // Cancelled entries are only marked while a notice runs and removed after it.
   const auto observers = observers_;

@@ -65,15 +65,19 @@ void chunk_splitter_t::binary_switch(std::span<const std::uint8_t> chunk, chunk_
 
 std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
   line_count_ = 0;
-  for (const std::uint8_t b : chunk) {
-    if (b == '\r') continue;
-    if (b == '\n') {
+  const auto* text = reinterpret_cast<const char*>(chunk.data());
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < chunk.size(); ++i) {
+    const char c = text[i];
+    if (c != '\r' && c != '\n') continue;
+    partial_.append(text + start, i - start);  // the run up to this CR or LF; CRs are dropped
+    start = i + 1;
+    if (c == '\n') {
       if (!partial_.empty() || empty_lines_) add_line(partial_);
       partial_.clear();
-      continue;
     }
-    partial_.push_back(static_cast<char>(b));
   }
+  partial_.append(text + start, chunk.size() - start);
   const std::uint8_t last = chunk.empty() ? 0 : chunk.back();
   if (last == '\r' || last == '\n') {
     if (!partial_.empty() || empty_lines_) add_line(partial_);

@@ -9,6 +9,15 @@
 
 namespace {
 
+// "$GNGGA" or "$GPGGA" anywhere in the line, found in one pass over its "$" signs.
+bool contains_gga_tag(std::string_view line) {
+  for (auto at = line.find('$'); at != std::string_view::npos; at = line.find('$', at + 1)) {
+    const auto tag = line.substr(at + 1, 5);
+    if (tag == "GNGGA" || tag == "GPGGA") return true;
+  }
+  return false;
+}
+
 std::string host_port(const std::string& host, std::uint16_t port) {
   return host + ":" + std::to_string(port);
 }
@@ -143,8 +152,7 @@ void connection_t::receive_line(std::string_view line) {
   } else {
     msg_ack = true;
   }
-  if (show_all || line.find("$GNGGA") != std::string_view::npos || line.find("$GPGGA") != std::string_view::npos)
-    log_append(line);
+  if (show_all || contains_gga_tag(line)) log_append(line);
 }
 
 void connection_t::receive_arr(std::span<const std::uint8_t> bytes) {

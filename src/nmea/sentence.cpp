@@ -38,15 +38,12 @@ bool checksum_valid(std::string_view line) {
 void split_fields(std::string_view line, std::vector<std::string_view>& fields) {
   fields.clear();
   std::size_t start = 0;
-  for (;;) {
-    const auto comma = line.find(',', start);
-    if (comma == std::string_view::npos) {
-      fields.push_back(line.substr(start));
-      return;
-    }
-    fields.push_back(line.substr(start, comma - start));
-    start = comma + 1;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (line[i] != ',') continue;
+    fields.push_back(line.substr(start, i - start));
+    start = i + 1;
   }
+  fields.push_back(line.substr(start));
 }
 
 std::string_view strip_checksum(std::string_view field) {

@@ -53,11 +53,29 @@ void date_ymd_t::set(std::int64_t year, std::int64_t month, std::int64_t day) {
   d = day;
 }
 
+namespace {
+
+// "%02u" of one field, by hand: marker titles are made for every fix.
+void append_two_digits(std::string& out, std::int64_t v) {
+  const auto u = static_cast<unsigned>(v);
+  if (u < 100) {
+    out.push_back(static_cast<char>('0' + u / 10));
+    out.push_back(static_cast<char>('0' + u % 10));
+  } else {
+    out += std::to_string(u);
+  }
+}
+
+}  // namespace
+
 std::string hms_text(const time_hms_t& t) {
-  char text[64];
-  const int n = std::snprintf(text, sizeof text, "%02u:%02u:%02u", static_cast<unsigned>(t.hh),
-                              static_cast<unsigned>(t.mm), static_cast<unsigned>(t.ss));
-  return std::string(text, static_cast<std::size_t>(n));
+  std::string text;
+  append_two_digits(text, t.hh);
+  text.push_back(':');
+  append_two_digits(text, t.mm);
+  text.push_back(':');
+  append_two_digits(text, t.ss);
+  return text;
 }
 
 std::string ymd_text(const date_ymd_t& d) {
