@@ -4,7 +4,7 @@
 #include "link/connection.h"
 
 void connect_or_disconnect(config_connection_t& settings, connection_t& hub) {
-  if (hub.tcp_client().enabled() || hub.ble().enabled()) {
+  if (hub.tcp_enabled() || hub.ble_enabled()) {
     hub.disconnect();
     return;
   }

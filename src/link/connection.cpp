@@ -60,8 +60,8 @@ void connection_t::connect_ble(const std::string& name) {
 
 void connection_t::disconnect() {
   console_.print(console_.date() + "  Disconnecting");
-  tcp_client().stop();
-  ble().stop();
+  if (tcp_client_) tcp_client_->stop();
+  if (ble_) ble_->stop();
   status_ble = "offline";
   status_tcp = "offline";
   sta_fg_ble = colour_t::accent;
@@ -127,9 +127,15 @@ void connection_t::tcp_lines(std::span<const std::string> lines) {
 
 void connection_t::tcp_binary(std::span<const std::uint8_t> bytes) { receive_arr(bytes); }
 
-void connection_t::tcp_bridge(std::span<const std::uint8_t> bytes) { ble().write(bytes); }
+// A transport that was never created cannot be up: bridged bytes for it are dropped without
+// creating it (and, for Bluetooth, without waking the platform's stack for every TCP chunk).
+void connection_t::tcp_bridge(std::span<const std::uint8_t> bytes) {
+  if (ble_) ble_->write(bytes);
+}
 
-void connection_t::ble_bridge(std::span<const std::uint8_t> bytes) { tcp_client().send(bytes); }
+void connection_t::ble_bridge(std::span<const std::uint8_t> bytes) {
+  if (tcp_client_) tcp_client_->send(bytes);
+}
 
 void connection_t::count_candidate() {
   if (msg_ack) {

@@ -61,6 +61,9 @@ public:
   // The transports, created on first use.
   tcp_link_t& tcp_client();
   ble_link_t& ble();
+  // Whether the user wants a link; false for a transport not yet created.
+  bool tcp_enabled() const { return tcp_client_ && tcp_client_->enabled(); }
+  bool ble_enabled() const { return ble_ && ble_->enabled(); }
 
   bool binary = false;  // the last data handled was a binary chunk
   published_t<colour_t> sta_fg_ble{*this, colour_t::primary};

@@ -257,6 +257,12 @@ TEST_F(hub_test, bridge_forwards_only_to_a_link_that_is_up) {
   const std::vector<std::uint8_t> bytes = {'$', 'A', '\n'};
   hub.tcp_bridge(bytes);
   hub.ble_bridge(bytes);
+  EXPECT_EQ(links.ble, nullptr) << "a link never created is not created to drop bytes";
+  EXPECT_EQ(links.tcp, nullptr);
+  hub.ble();
+  hub.tcp_client();
+  hub.tcp_bridge(bytes);
+  hub.ble_bridge(bytes);
   EXPECT_TRUE(links.ble->written.empty());
   EXPECT_TRUE(links.tcp->sent.empty());
   links.ble->ready = true;
