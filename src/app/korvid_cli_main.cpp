@@ -73,7 +73,9 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, connectio
     QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
     snapshots.start(static_cast<int>(options.interval_s * 1000));
   }
-  if (options.duration_s > 0) QTimer::singleShot(static_cast<int>(options.duration_s * 1000), &app, &QCoreApplication::quit);
+  // A precise timer: a coarse one may end a long run up to 5 % early.
+  if (options.duration_s > 0)
+    QTimer::singleShot(static_cast<int>(options.duration_s * 1000), Qt::PreciseTimer, &app, &QCoreApplication::quit);
 
   std::unique_ptr<qsettings_store_t> store;
   std::unique_ptr<config_connection_t> settings;

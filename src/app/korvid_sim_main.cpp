@@ -18,7 +18,9 @@ namespace {
 
 constexpr int usage_error = 2;
 std::atomic<bool> stop_requested{false};  // set by SIGINT and SIGTERM
-void request_stop(int) { stop_requested = true; }
+void request_stop(int) {
+  stop_requested = true;
+}
 
 const char* const usage =
     "Usage: korvid-sim [options]\n"
@@ -57,6 +59,7 @@ public:
   }
   bool empty() const { return lines_.empty(); }
   std::string next() { return lines_[next_++ % lines_.size()]; }
+  std::size_t served() const { return next_; }
 
 private:
   std::vector<std::string> lines_;
@@ -145,11 +148,15 @@ int main(int argc, char** argv) {
   } else {
     server.run([&] { return lines.next(); }, stop_requested);
   }
-  const auto& c = engine.counts();
-  std::printf("korvid-sim: %llu connections, %llu dropped; sent %llu sentences (%llu with a bad checksum), "
-              "%llu junk lines, %llu UBX frames\n",
-              static_cast<unsigned long long>(server.connections()), static_cast<unsigned long long>(server.drops()),
-              static_cast<unsigned long long>(c.sentences), static_cast<unsigned long long>(c.bad_checksums),
-              static_cast<unsigned long long>(c.garbage_lines), static_cast<unsigned long long>(c.frames));
+  std::printf("korvid-sim: %llu connections, %llu dropped; ", static_cast<unsigned long long>(server.connections()),
+              static_cast<unsigned long long>(server.drops()));
+  if (!replay_file.empty()) {
+    std::printf("served %zu capture lines\n", lines.served());
+  } else {
+    const auto& c = engine.counts();
+    std::printf("sent %llu sentences (%llu with a bad checksum), %llu junk lines, %llu UBX frames\n",
+                static_cast<unsigned long long>(c.sentences), static_cast<unsigned long long>(c.bad_checksums),
+                static_cast<unsigned long long>(c.garbage_lines), static_cast<unsigned long long>(c.frames));
+  }
   return 0;
 }

@@ -98,19 +98,44 @@ std::int32_t tcp_client_t::connect(const std::string& host, std::uint16_t port) 
 }
 
 void tcp_client_t::stop() {
+  std::lock_guard lock(state_mutex_);
   enabled_ = false;
   valid_ = false;
   ++generation_;
-  // The thread that opened the socket closes it; shutting it down here wakes a blocked receive.
+  // The thread that opened the socket closes it, after this lock; shutting it down here wakes a
+  // blocked receive or a pending connect.
   const int fd = so_.exchange(-1);
   if (fd != -1) ::shutdown(fd, SHUT_RDWR);
 }
 
 void tcp_client_t::send(std::span<const std::uint8_t> bytes) {
+  // Under the lock the descriptor cannot be closed (and its number reused) between the check and
+  // the send.
+  std::lock_guard lock(state_mutex_);
   const int fd = so_;
   if (!valid_ || fd == -1) return;
   // MSG_NOSIGNAL: a peer that has gone away must not end the program with SIGPIPE.
   [[maybe_unused]] const auto sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+}
+
+// The connection of this generation is made: valid, unless a disconnect came first.
+bool tcp_client_t::claim_connection(std::uint64_t generation, int fd) {
+  std::lock_guard lock(state_mutex_);
+  if (!current(generation)) return false;
+  so_ = fd;
+  valid_ = true;
+  return true;
+}
+
+// The descriptor is about to be closed by its thread. True when it belonged to the current
+// generation, that is when no disconnect asked for the end.
+bool tcp_client_t::release_connection(std::uint64_t generation, int fd) {
+  std::lock_guard lock(state_mutex_);
+  int expected = fd;
+  so_.compare_exchange_strong(expected, -1);
+  if (!current(generation)) return false;
+  valid_ = false;
+  return true;
 }
 
 void tcp_client_t::start_thread(const char* name, std::function<void()> body) {
@@ -142,7 +167,11 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
     report_error(errno);
     return;
   }
-  so_ = fd;
+  // Published while connecting, so a disconnect can shut the attempt down.
+  {
+    std::lock_guard lock(state_mutex_);
+    if (current(generation)) so_ = fd;
+  }
   binary_ = false;
   set_int_option(fd, IPPROTO_TCP, TCP_NODELAY, 1);
 
@@ -160,8 +189,7 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
   }
   ::fcntl(fd, F_SETFL, flags);
 
-  if (error == 0 && current(generation)) {
-    valid_ = true;
+  if (error == 0 && claim_connection(generation, fd)) {
     // Posted before the receive loop starts, so the hub hears of the link before its first chunk.
     queue_.post([this, alive = std::weak_ptr(alive_), host, port] {
       if (const auto a = alive.lock(); a && *a) delegate_.tcp_connected(host, port);
@@ -169,10 +197,9 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
     start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
     return;
   }
-  int expected = fd;
-  so_.compare_exchange_strong(expected, -1);
+  const bool wanted = release_connection(generation, fd);
   ::close(fd);
-  if (error != -1 && enabled_ && current(generation)) report_error(error);
+  if (error > 0 && wanted && enabled_) report_error(error);
 }
 
 void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd) {
@@ -192,16 +219,14 @@ void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint6
     binary_ = splitter.binary();
   }
 
-  if (!valid_ || !current(generation) || sink.closing()) {
-    ::close(fd);
+  // A loss of the current connection is reported; a disconnect, or a program that is closing, is not.
+  const bool lost = release_connection(generation, fd) && !sink.closing();
+  ::shutdown(fd, SHUT_RDWR);
+  ::close(fd);
+  if (!lost) {
     console_.print("tcp_client disconnected " + host + ":" + std::to_string(port) + "\n");
     return;
   }
-  valid_ = false;
-  int expected = fd;
-  so_.compare_exchange_strong(expected, -1);
-  ::shutdown(fd, SHUT_RDWR);
-  ::close(fd);
   queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
     if (const auto a = alive.lock(); a && *a) delegate_.tcp_error(host, port, error);
   });

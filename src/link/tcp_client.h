@@ -20,16 +20,18 @@
 //
 // Each attempt carries a generation number, and only the thread that opened a descriptor closes
 // it: a disconnect shuts the socket down and moves the generation on, so an old receive loop can
-// never read from, or close, a newer connection's descriptor. The owner closes the main queue
-// before destroying the client, so no thread waits for a main thread that has stopped serving.
+// never read from, or close, a newer connection's descriptor. The flags are atomics for their
+// readers; the few changes that must agree with the generation (a connection made, a connection
+// lost, a disconnect, a bridge send) hold state_mutex_, so a disconnect racing a connect can never
+// leave valid set without a connection. The owner closes the main queue before destroying the
+// client, so no thread waits for a main thread that has stopped serving.
 class tcp_client_t final : public tcp_link_t {
 public:
   static constexpr std::size_t buffer_size = 2048;  // bytes, one receive buffer per connection
   static constexpr std::size_t recv_size = 2047;    // bytes per receive call: a terminating zero fits
   static constexpr int connect_poll_ms = 100;       // how often a pending connect checks for a disconnect
 
-  tcp_client_t(tcp_client_delegate_t& delegate, main_queue_t& queue, console_t& console, bool binary,
-               bool force_text);
+  tcp_client_t(tcp_client_delegate_t& delegate, main_queue_t& queue, console_t& console, bool binary, bool force_text);
   ~tcp_client_t() override;
 
   std::int32_t connect(const std::string& host, std::uint16_t port) override;
@@ -45,6 +47,8 @@ private:
   void connect_task(std::string host, std::uint16_t port, std::uint64_t generation);
   void receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd);
   bool current(std::uint64_t generation) const { return generation_ == generation; }
+  bool claim_connection(std::uint64_t generation, int fd);
+  bool release_connection(std::uint64_t generation, int fd);
   void start_thread(const char* name, std::function<void()> body);
   void join_finished_threads();
 
@@ -57,6 +61,7 @@ private:
   std::atomic<bool> valid_{false};
   std::atomic<int> so_{-1};
   std::atomic<std::uint64_t> generation_{0};
+  std::mutex state_mutex_;
   std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);
 
   struct worker_t {

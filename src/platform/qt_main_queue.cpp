@@ -52,7 +52,8 @@ bool qt_main_queue_t::post_and_wait(std::function<void()> task) {
 }
 
 void qt_main_queue_t::post_after(double delay_s, std::function<void()> task) {
-  QTimer::singleShot(std::chrono::milliseconds(static_cast<long long>(delay_s * 1000.0)), context_,
+  // A precise timer: the default coarse one may fire a 4 s retry 200 ms early or late.
+  QTimer::singleShot(std::chrono::milliseconds(static_cast<long long>(delay_s * 1000.0)), Qt::PreciseTimer, context_,
                      std::move(task));
 }
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -28,7 +28,9 @@ struct recording_delegate_t final : tcp_client_delegate_t {
     for (std::size_t i = 0; i < lines.size(); ++i) e += (i ? "|" : "") + lines[i];
     events.push_back(e);
   }
-  void tcp_binary(std::span<const std::uint8_t> bytes) override { events.push_back("binary " + std::to_string(bytes.size())); }
+  void tcp_binary(std::span<const std::uint8_t> bytes) override {
+    events.push_back("binary " + std::to_string(bytes.size()));
+  }
   void tcp_bridge(std::span<const std::uint8_t> bytes) override { bridged += bytes.size(); }
   std::vector<std::string> events;
   std::size_t bridged = 0;
@@ -40,7 +42,9 @@ protected:
     queue.close();
     client.reset();
   }
-  bool wait_for_events(std::size_t n) { return queue.run_until([&] { return delegate.events.size() >= n; }); }
+  bool wait_for_events(std::size_t n) {
+    return queue.run_until([&] { return delegate.events.size() >= n; });
+  }
   void connect_and_accept() {
     ASSERT_EQ(client->connect("127.0.0.1", server.port()), 0);
     ASSERT_TRUE(server.accept_client());
@@ -153,6 +157,21 @@ TEST_F(tcp_client_test, a_quick_reconnect_keeps_the_new_connection) {
   for (const auto& e : delegate.events) EXPECT_EQ(e.rfind("error", 0), std::string::npos) << e;
 }
 
+TEST_F(tcp_client_test, a_disconnect_racing_the_connect_leaves_no_stale_connection) {
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_EQ(client->connect("127.0.0.1", server.port()), 0) << i;
+    client->stop();
+    while (server.accept_client(0)) server.drop_client();
+  }
+  queue.run_until([] { return false; }, 0.3);
+  EXPECT_FALSE(client->valid());
+  EXPECT_EQ(client->so(), -1);
+  for (const auto& e : delegate.events) EXPECT_EQ(e.rfind("error", 0), std::string::npos) << e;
+  ASSERT_EQ(client->connect("127.0.0.1", server.port()), 0);
+  ASSERT_TRUE(server.accept_client());
+  EXPECT_TRUE(queue.run_until([&] { return client->valid(); }));
+}
+
 // The hub with the real client: failures in red with the system's text, retried every 4 s.
 class hub_over_tcp_test : public ::testing::Test {
 protected:
@@ -171,8 +190,8 @@ protected:
   }
   int attempts() const {
     const auto lines = console.copy();
-    return static_cast<int>(std::count_if(lines.begin(), lines.end(),
-                                          [](const std::string& l) { return l.find("  Connect ") != std::string::npos; }));
+    return static_cast<int>(std::count_if(
+        lines.begin(), lines.end(), [](const std::string& l) { return l.find("  Connect ") != std::string::npos; }));
   }
 
   test_queue_t queue;
