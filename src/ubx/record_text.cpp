@@ -1,44 +1,96 @@
 #include "ubx/record_text.h"
 
-#include <cstdarg>
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <iterator>
 #include <string_view>
 
 namespace {
 
-// snprintf appended to the buffer.
-[[gnu::format(printf, 2, 3)]] void appendf(std::string& out, const char* format, ...) {
-  char piece[256];
-  va_list args;
-  va_start(args, format);
-  const int n = std::vsnprintf(piece, sizeof piece, format, args);
-  va_end(args);
-  if (n > 0) out.append(piece, static_cast<std::size_t>(n) < sizeof piece ? static_cast<std::size_t>(n) : sizeof piece - 1);
-}
-
-// A scaled value as "whole.fraction": the whole part right-aligned in `width` columns with its
-// sign, the fraction zero-padded to `digits`. The fraction comes from the unsigned magnitude, so
-// the most negative value of a type renders without overflow; a value between -1 and 0 unit shows
-// its whole part as "-0".
-void append_fixed(std::string& out, std::int64_t v, std::uint32_t scale, int width, int digits) {
-  const std::uint64_t magnitude = v < 0 ? 0 - static_cast<std::uint64_t>(v) : static_cast<std::uint64_t>(v);
-  const std::int64_t whole = v / static_cast<std::int64_t>(scale);
-  const auto fraction = static_cast<unsigned>(magnitude % scale);
-  if (v < 0 && whole == 0) {
-    appendf(out, "%*s.%0*u", width, "-0", digits, fraction);
-  } else {
-    appendf(out, "%*lld.%0*u", width, static_cast<long long>(whole), digits, fraction);
-  }
-}
-
-constexpr std::uint32_t mm = 1000;          // mm and mm/s to m and m/s
-constexpr std::uint32_t deg_1e5 = 100000;   // 1e-5 degree
-constexpr std::uint32_t deg_1e7 = 10000000; // 1e-7 degree
-constexpr std::uint32_t hundredths = 100;   // 0.01 units
+constexpr std::uint32_t mm = 1000;           // mm and mm/s to m and m/s
+constexpr std::uint32_t deg_1e5 = 100000;    // 1e-5 degree
+constexpr std::uint32_t deg_1e7 = 10000000;  // 1e-7 degree
+constexpr std::uint32_t hundredths = 100;    // 0.01 units
+constexpr std::uint32_t ms_per_hour = 3600000;
+constexpr std::uint32_t ms_per_minute = 60000;
+constexpr std::uint32_t ms_per_second = 1000;
 constexpr std::uint32_t ms_per_day = 86400000;
+constexpr std::uint32_t hours_per_day = 24;
+constexpr std::uint32_t minutes_per_hour = 60;
+constexpr std::uint32_t seconds_per_minute = 60;
+constexpr std::uint32_t widest_accuracy_mm = 999999;  // wider accuracies take the space before "["
 
+// The digits a fraction of `scale` shows: those of scale - 1 (3 for 1000, 7 for 10000000).
+constexpr int fraction_digits(std::uint32_t scale) {
+  int digits = 0;
+  for (std::uint32_t rest = scale - 1; rest > 0; rest /= 10) ++digits;
+  return digits;
+}
+
+// Appends the pieces of a fixed-column text in the manner of printf conversions, without parsing a
+// format string at run time: the log renders a record for every decoded frame.
+class text_writer_t {
+public:
+  explicit text_writer_t(std::string& out) : out_(out) {}
+
+  // Literal text.
+  text_writer_t& text(std::string_view piece) {
+    out_.append(piece);
+    return *this;
+  }
+
+  // "%*s": right-aligned in `width` columns.
+  text_writer_t& right(std::string_view piece, int width) {
+    pad(width - static_cast<int>(piece.size()), ' ');
+    return text(piece);
+  }
+
+  // "%*i" and "%*u": a decimal number right-aligned in `width` columns.
+  text_writer_t& number(std::int64_t v, int width = 0) {
+    char digits[24];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), v).ptr;
+    return right(std::string_view(digits, static_cast<std::size_t>(end - digits)), width);
+  }
+
+  // "%0*u": at least `digits` digits, zero-padded.
+  text_writer_t& zero_padded(std::uint64_t v, int digits) { return based(v, digits, 10); }
+
+  // "%0*x": lower-case hexadecimal, at least `digits` digits, zero-padded.
+  text_writer_t& hex(std::uint64_t v, int digits) { return based(v, digits, 16); }
+
+  // A scaled value as the pair "%*i.%0*u": the whole part, truncated toward zero with its sign,
+  // right-aligned in `width` columns, then the fraction zero-padded. The fraction comes from the
+  // magnitude, so the most negative value of a type renders without overflow. A value between -1
+  // and 0 units keeps its sign as a whole part of "-0".
+  text_writer_t& fixed(std::int64_t v, std::uint32_t scale, int width) {
+    const std::uint64_t magnitude = v < 0 ? 0 - static_cast<std::uint64_t>(v) : static_cast<std::uint64_t>(v);
+    const std::int64_t whole = v / static_cast<std::int64_t>(scale);
+    if (v < 0 && whole == 0) {
+      right("-0", width);
+    } else {
+      number(whole, width);
+    }
+    return text(".").zero_padded(magnitude % scale, fraction_digits(scale));
+  }
+
+private:
+  void pad(int count, char c) {
+    if (count > 0) out_.append(static_cast<std::size_t>(count), c);
+  }
+
+  text_writer_t& based(std::uint64_t v, int digits, int base) {
+    char text_digits[24];
+    const auto end = std::to_chars(std::begin(text_digits), std::end(text_digits), v, base).ptr;
+    const auto length = static_cast<int>(end - text_digits);
+    pad(digits - length, '0');
+    out_.append(text_digits, static_cast<std::size_t>(length));
+    return *this;
+  }
+
+  std::string& out_;
+};
+
+// The record's name by its id alone, whatever its class.
 std::string_view label(std::uint8_t id) {
   switch (id) {
     case 1: return "POSECEF";
@@ -48,78 +100,69 @@ std::string_view label(std::uint8_t id) {
   }
 }
 
-void append_header(std::string& out, std::uint8_t cls, std::uint8_t id, std::uint16_t length, std::uint32_t iTOW,
-                   const char* gap_before_itow, const char* gap_after_itow) {
+// "cls %u  id %u %8s  len %2u<gap>iTOW %10u<gap><weekday> %2u:%02u:%02u.%03u\n", the weekday and
+// the time of day taken from iTOW; a week or more has no weekday.
+void append_header(text_writer_t& w, std::uint8_t cls, std::uint8_t id, std::uint16_t length, std::uint32_t iTOW,
+                   std::string_view gap_before_itow, std::string_view gap_after_itow) {
   const auto day = iTOW / ms_per_day;
   const std::string_view weekday = day < std::size(ubx_weekday_text) ? ubx_weekday_text[day] : "";
-  const auto name = label(id);
-  appendf(out, "cls %u  id %u %8.*s  len %2u%siTOW %10u%s%.*s %2u:%02u:%02u.%03u\n", cls, id,
-          static_cast<int>(name.size()), name.data(), length, gap_before_itow, iTOW, gap_after_itow,
-          static_cast<int>(weekday.size()), weekday.data(), (iTOW / 3600000) % 24, (iTOW / 60000) % 60,
-          (iTOW / 1000) % 60, iTOW % 1000);
+  w.text("cls ").number(cls).text("  id ").number(id).text(" ").right(label(id), 8);
+  w.text("  len ").number(length, 2).text(gap_before_itow).text("iTOW ").number(iTOW, 10).text(gap_after_itow);
+  w.text(weekday).text(" ").number((iTOW / ms_per_hour) % hours_per_day, 2);
+  w.text(":").zero_padded((iTOW / ms_per_minute) % minutes_per_hour, 2);
+  w.text(":").zero_padded((iTOW / ms_per_second) % seconds_per_minute, 2);
+  w.text(".").zero_padded(iTOW % ms_per_second, 3).text("\n");
 }
 
 }  // namespace
 
+// cls 1  id 2   POSLLH  len 28       iTOW  291023400         wed  8:50:23.400
+// accuracy H     1.500  [height above elipsoid      -0.500]  lat   42.6912345
+// accuracy V  1000.000  [height mean sea level      -1.500]  lon -122.5000000
 void append_text(std::string& out, const gps_posllh_t& r) {
-  append_header(out, r.cls, r.id, r.length, r.iTOW, "       ", "         ");
-  out += "accuracy H ";
-  append_fixed(out, r.hAcc, mm, 5, 3);
-  out += "  [height above elipsoid ";
-  append_fixed(out, r.height, mm, 7, 3);
-  out += "]  lat ";
-  append_fixed(out, r.lat, deg_1e7, 4, 7);
-  out += "\naccuracy V ";
-  append_fixed(out, r.vAcc, mm, 5, 3);
-  out += "  [height mean sea level ";
-  append_fixed(out, r.hMSL, mm, 7, 3);
-  out += "]  lon ";
-  append_fixed(out, r.lon, deg_1e7, 4, 7);
-  out += "\n";
+  text_writer_t w(out);
+  append_header(w, r.cls, r.id, r.length, r.iTOW, "       ", "         ");
+  w.text("accuracy H ").fixed(r.hAcc, mm, 5).text("  [height above elipsoid ").fixed(r.height, mm, 7);
+  w.text("]  lat ").fixed(r.lat, deg_1e7, 4).text("\n");
+  w.text("accuracy V ").fixed(r.vAcc, mm, 5).text("  [height mean sea level ").fixed(r.hMSL, mm, 7);
+  w.text("]  lon ").fixed(r.lon, deg_1e7, 4).text("\n");
 }
 
+// cls 1  id 7      PVT  len 92              iTOW  291023400  wed  8:50:23.400
+// accuracy H     1.500  [height above elipsoid      27.240]  lat  -34.9062349
+// accuracy V  1000.000 [height mean sea level      -0.500]  lon  138.6081181
+// valid 37 flags 03 0a  e000     velocity  -0.009N   -0.015E        0.003D
+// magnetic declination -0.05     accuracy 327.68      pDOP          1.45
+// ground speed          0.017    accuracy   0.172     sat count    14
+// heading of motion    31.47178  accuracy   8.76849   3 3D fix
+// heading of vehicle    0.00000  nano sec -399901547  UTC 2017-07-19 08:50:05
 void append_text(std::string& out, const gps_pvt_t& r) {
-  constexpr std::uint32_t widest_accuracy = 999999;  // mm; wider values take the space before "["
-  append_header(out, r.cls, r.id, r.length, r.iTOW, "              ", "  ");
-  out += "accuracy H";
-  append_fixed(out, r.hAcc, mm, 6, 3);
-  out += r.hAcc <= widest_accuracy ? " " : "";
-  out += " [height above elipsoid";
-  append_fixed(out, r.height, mm, 8, 3);
-  out += "]  lat ";
-  append_fixed(out, r.lat, deg_1e7, 4, 7);
-  out += "\naccuracy V";
-  append_fixed(out, r.vAcc, mm, 6, 3);
-  out += r.vAcc <= widest_accuracy ? " " : "";
-  out += " [height mean sea level";
-  append_fixed(out, r.hMSL, mm, 8, 3);
-  out += "]  lon ";
-  append_fixed(out, r.lon, deg_1e7, 4, 7);
-  appendf(out, "\nvalid %02x flags %02x %02x  %04x     velocity", r.valid, r.flags, r.flags2, r.flags3);
-  append_fixed(out, r.velN, mm, 4, 3);
-  out += "N ";
-  append_fixed(out, r.velE, mm, 4, 3);
-  out += "E     ";
-  append_fixed(out, r.velD, mm, 4, 3);
-  out += "D\nmagnetic declination ";
-  append_fixed(out, r.magDec, hundredths, 2, 2);
-  out += "     accuracy ";
-  append_fixed(out, r.magAcc, hundredths, 3, 2);
-  out += "      pDOP        ";
-  append_fixed(out, r.pDOP, hundredths, 3, 2);
-  out += "\nground speed       ";
-  append_fixed(out, r.gSpeed, mm, 4, 3);
-  out += "    accuracy ";
-  append_fixed(out, r.sAcc, mm, 3, 3);
-  appendf(out, "     sat count   %3u\nheading of motion  ", r.numSV);
-  append_fixed(out, r.headMot, deg_1e5, 4, 5);
-  out += "  accuracy ";
-  append_fixed(out, r.headAcc, deg_1e5, 3, 5);
+  text_writer_t w(out);
+  append_header(w, r.cls, r.id, r.length, r.iTOW, "              ", "  ");
+
+  w.text("accuracy H").fixed(r.hAcc, mm, 6).text(r.hAcc <= widest_accuracy_mm ? " " : "");
+  w.text(" [height above elipsoid").fixed(r.height, mm, 8).text("]  lat ").fixed(r.lat, deg_1e7, 4).text("\n");
+
+  w.text("accuracy V").fixed(r.vAcc, mm, 6).text(r.vAcc <= widest_accuracy_mm ? " " : "");
+  w.text(" [height mean sea level").fixed(r.hMSL, mm, 8).text("]  lon ").fixed(r.lon, deg_1e7, 4).text("\n");
+
+  w.text("valid ").hex(r.valid, 2).text(" flags ").hex(r.flags, 2).text(" ").hex(r.flags2, 2);
+  w.text("  ").hex(r.flags3, 4).text("     velocity").fixed(r.velN, mm, 4).text("N ").fixed(r.velE, mm, 4);
+  w.text("E     ").fixed(r.velD, mm, 4).text("D\n");
+
+  w.text("magnetic declination ").fixed(r.magDec, hundredths, 2).text("     accuracy ").fixed(r.magAcc, hundredths, 3);
+  w.text("      pDOP        ").fixed(r.pDOP, hundredths, 3).text("\n");
+
+  w.text("ground speed       ").fixed(r.gSpeed, mm, 4).text("    accuracy ").fixed(r.sAcc, mm, 3);
+  w.text("     sat count   ").number(r.numSV, 3).text("\n");
+
   const std::string_view fix = r.fixType < std::size(ubx_fix_type_text) ? ubx_fix_type_text[r.fixType] : "invalid";
-  appendf(out, "   %u %.*s\nheading of vehicle ", r.fixType, static_cast<int>(fix.size()), fix.data());
-  append_fixed(out, r.headVeh, deg_1e5, 4, 5);
-  appendf(out, "  nano sec%11i  UTC %4u-%02u-%02u %02u:%02u:%02u\n", r.nano, r.year, r.month, r.day, r.hour, r.min,
-          r.sec);
+  w.text("heading of motion  ").fixed(r.headMot, deg_1e5, 4).text("  accuracy ").fixed(r.headAcc, deg_1e5, 3);
+  w.text("   ").number(r.fixType).text(" ").text(fix).text("\n");
+
+  w.text("heading of vehicle ").fixed(r.headVeh, deg_1e5, 4).text("  nano sec").number(r.nano, 11);
+  w.text("  UTC ").number(r.year, 4).text("-").zero_padded(r.month, 2).text("-").zero_padded(r.day, 2);
+  w.text(" ").zero_padded(r.hour, 2).text(":").zero_padded(r.min, 2).text(":").zero_padded(r.sec, 2).text("\n");
 }
 
 std::string text(const gps_posllh_t& record) {

@@ -73,8 +73,10 @@ TEST(record_text, labels_by_id_alone_and_small_negatives_as_minus_zero) {
   EXPECT_EQ(text(r).substr(0, 22), "cls 5  id 9        ?  ");
   auto p = pvt_record();
   p.magDec = -5;
+  p.hAcc = 999999;  // the widest accuracy that still takes the space before "["
   const auto t = text(p);
   EXPECT_NE(t.find("magnetic declination -0.05     "), std::string::npos) << t;
+  EXPECT_NE(t.find("accuracy H   999.999  [height"), std::string::npos) << t;
 }
 
 }  // namespace
