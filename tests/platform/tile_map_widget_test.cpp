@@ -1,0 +1,177 @@
+#include "platform/tile_map_widget.h"
+
+#include <gtest/gtest.h>
+
+#include <QMouseEvent>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+#include <string>
+#include <vector>
+
+#include "support/tile_server.h"
+#include "support/ui_test_app.h"
+
+namespace {
+
+struct recording_delegate_t final : map_widget_delegate_t {
+  void region_will_change(bool animated) override { events.push_back(animated ? "will a" : "will"); }
+  void region_did_change(bool animated) override { events.push_back(animated ? "did a" : "did"); }
+  std::vector<std::string> events;
+};
+
+const QColor grid_light(236, 234, 228);
+const QColor system_red(255, 59, 48);
+
+class tile_map_widget_test : public ::testing::Test {
+protected:
+  tile_map_widget_test() {
+    tile_sources_t sources;
+    sources.standard = {server.url_template(), 19, "test tiles"};
+    sources.imagery = sources.standard;
+    sources.labels = {};
+    map = std::make_unique<tile_map_widget_t>(sources, cache.path());
+    map->resize(512, 512);
+    map->set_delegate(&delegate);
+    map->show();
+  }
+
+  // Paints until no tile is on its way, then returns what the user sees.
+  QImage settled() {
+    for (int round = 0; round < 20; ++round) {
+      map->grab();
+      if (!QTest::qWaitFor([&] { return map->loader().in_flight() == 0; }, 5000)) break;
+      QCoreApplication::processEvents();
+      if (map->loader().in_flight() == 0 && round > 1) break;
+    }
+    return map->grab().toImage();
+  }
+
+  void drag(QPointF from, QPointF to) {
+    QMouseEvent press(QEvent::MouseButtonPress, from, map->mapToGlobal(from), Qt::LeftButton, Qt::LeftButton, {});
+    QApplication::sendEvent(map.get(), &press);
+    for (int i = 1; i <= 4; ++i) {
+      const QPointF at = from + (to - from) * (i / 4.0);
+      QMouseEvent move(QEvent::MouseMove, at, map->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+      QApplication::sendEvent(map.get(), &move);
+    }
+    QMouseEvent release(QEvent::MouseButtonRelease, to, map->mapToGlobal(to), Qt::LeftButton, Qt::NoButton, {});
+    QApplication::sendEvent(map.get(), &release);
+  }
+
+  QApplication& app = ui_test_app();  // before the server: its socket needs the event loop
+  tile_server_t server;
+  QTemporaryDir cache;
+  recording_delegate_t delegate;
+  std::unique_ptr<tile_map_widget_t> map;
+};
+
+TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is) {
+  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  const QImage seen = settled();
+  const int z = static_cast<int>(std::lround(map->camera().zoom()));
+  const int half = 1 << (z - 1);
+  // 0 N 0 E is the corner where four tiles meet, at the centre of the widget.
+  EXPECT_EQ(QColor(seen.pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
+  EXPECT_EQ(QColor(seen.pixel(250, 250)), tile_server_t::tile_colour(z, half - 1, half - 1));
+  EXPECT_EQ(QColor(seen.pixel(262, 250)), tile_server_t::tile_colour(z, half, half - 1));
+  EXPECT_EQ(QColor(seen.pixel(250, 262)), tile_server_t::tile_colour(z, half - 1, half));
+}
+
+TEST_F(tile_map_widget_test, a_drag_moves_the_map_by_the_dragged_amount_between_will_and_did) {
+  map->set_region({-33.8568, 151.2153}, 200.0, 200.0, false);
+  const map_rect_t before = map->visible_map_rect();
+  const double scale = map->camera().scale;
+  drag({300, 300}, {200, 260});
+  const map_rect_t after = map->visible_map_rect();
+  EXPECT_NEAR(after.x - before.x, 100 * scale, 1e-6);
+  EXPECT_NEAR(after.y - before.y, 40 * scale, 1e-6);
+  EXPECT_EQ(delegate.events, (std::vector<std::string>{"will", "did"}));
+}
+
+TEST_F(tile_map_widget_test, animated_changes_and_wheel_zooms_are_framed_by_will_and_did) {
+  map->set_region({48.85, 2.35}, 200.0, 200.0, true);
+  EXPECT_EQ(delegate.events, (std::vector<std::string>{"will a"}));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return delegate.events.size() == 2; }, 3000));
+  EXPECT_EQ(delegate.events.back(), "did a");
+  const double before = map->camera().scale;
+
+  QWheelEvent wheel(QPointF(256, 256), map->mapToGlobal(QPointF(256, 256)), {}, QPoint(0, -240), Qt::NoButton, {},
+                    Qt::NoScrollPhase, false);
+  QApplication::sendEvent(map.get(), &wheel);
+  EXPECT_NEAR(map->camera().scale, before * 2.0, before * 1e-9) << "two notches out: one zoom level";
+  EXPECT_EQ(delegate.events.back(), "will");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return delegate.events.back() == "did"; }, 3000));
+
+  map->set_camera_min_distance(1000.0);
+  map->set_region({48.85, 2.35}, 10.0, 10.0, false);
+  const double span_m = map->visible_map_rect().width * metres_per_map_point(48.85);
+  EXPECT_NEAR(span_m, 1000.0, 1.0) << "the camera keeps its minimum distance";
+}
+
+TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles) {
+  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  auto line = std::make_shared<map_overlay_t>();
+  line->kind = map_overlay_t::kind_t::polyline;
+  line->points = {{0.0, -5.0}, {0.0, 5.0}};
+  auto dot = std::make_shared<map_overlay_t>();
+  dot->kind = map_overlay_t::kind_t::circle;
+  dot->centre = {3.0, 0.0};
+  dot->radius_m = 20000.0;
+  map->add_overlays({line, dot});
+  const QImage seen = settled();
+  const QPointF on_line = map->camera().to_screen(map_point_for({0.0, 2.0}), map->size());
+  EXPECT_EQ(QColor(seen.pixel(on_line.toPoint())), system_red);
+  const QPointF in_dot = map->camera().to_screen(map_point_for({3.0, 0.0}), map->size());
+  EXPECT_EQ(QColor(seen.pixel(in_dot.toPoint())), QColor(Qt::white));
+
+  map->remove_overlays({line});
+  EXPECT_EQ(map->overlays().size(), 1u);
+  const QImage without = settled();
+  EXPECT_NE(QColor(without.pixel(on_line.toPoint())), system_red);
+}
+
+TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_not_retry_in_a_loop) {
+  server.offline = true;
+  map->set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
+  auto dot = std::make_shared<map_overlay_t>();
+  dot->kind = map_overlay_t::kind_t::circle;
+  dot->centre = {10.0, 10.0};
+  dot->radius_m = 30000.0;
+  map->add_overlays({dot});
+  const QImage seen = settled();
+  EXPECT_GT(map->loader().failures(), 0);
+  EXPECT_EQ(QColor(seen.pixel(5, 100)), grid_light);
+  EXPECT_EQ(QColor(seen.pixel(256, 256)), QColor(Qt::white)) << "the position dot is still drawn";
+
+  const int asked = server.requests;
+  for (int i = 0; i < 10; ++i) settled();
+  EXPECT_EQ(server.requests, asked) << "failed tiles wait before they are asked for again";
+}
+
+TEST_F(tile_map_widget_test, a_missing_tile_is_stood_in_for_by_its_coarser_parent) {
+  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  settled();
+  const int z = static_cast<int>(std::lround(map->camera().zoom()));
+  server.offline = true;
+  map->set_region({0.0, 0.0}, 1'000'000.0, 1'000'000.0, false);  // one level deeper
+  const QImage seen = settled();
+  const int half = 1 << (z - 1);
+  EXPECT_EQ(QColor(seen.pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
+}
+
+TEST_F(tile_map_widget_test, markers_and_coordinates_that_cannot_be_placed_are_skipped) {
+  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  auto nan_marker = std::make_shared<point_annotation_t>(point_annotation_t{"x", "", {std::nan(""), 1.0}});
+  map->add_annotation(nan_marker);
+  auto line = std::make_shared<map_overlay_t>();
+  line->kind = map_overlay_t::kind_t::polyline;
+  line->points = {{std::nan(""), 0.0}, {0.0, std::numeric_limits<double>::infinity()}};
+  map->add_overlays({line});
+  const map_rect_t before = map->visible_map_rect();
+  map->set_centre({std::nan(""), 0.0}, false);
+  settled();
+  EXPECT_EQ(map->visible_map_rect().x, before.x);
+}
+
+}  // namespace
