@@ -16,13 +16,20 @@ qt_ble_central_t::qt_ble_central_t() {
   agent_.setLowEnergyDiscoveryTimeout(0);
   QObject::connect(&agent_, &QBluetoothDeviceDiscoveryAgent::deviceDiscovered, this,
                    [this](const QBluetoothDeviceInfo& info) {
+                     if (!scanning_) return;
                      if (!(info.coreConfigurations() & QBluetoothDeviceInfo::LowEnergyCoreConfiguration)) return;
                      const auto p = peripheral_of(info);
                      seen_[p.id] = info;
                      if (events_) events_->peripheral_discovered(p);
                    });
-  QObject::connect(&local_, &QBluetoothLocalDevice::hostModeStateChanged, this, [this] { update_state(); });
-  update_state();
+  QObject::connect(&local_, &QBluetoothLocalDevice::hostModeStateChanged, this, [this] {
+    // Until the first state has been reported the radio counts as unknown; that report reads the
+    // state of its moment.
+    if (!state_reported_) return;
+    const auto previous = state_;
+    state_ = radio_state();
+    if (state_ != previous && events_) events_->manager_state_changed(state_);
+  });
 }
 
 qt_ble_central_t::~qt_ble_central_t() {
@@ -33,21 +40,19 @@ qt_ble_central_t::~qt_ble_central_t() {
 
 void qt_ble_central_t::set_events(ble_central_events_t* events) {
   events_ = events;
-  // The first state arrives from the event loop, as a stack would report it.
+  // The first state arrives from the event loop, as a stack would report it; until then the
+  // radio is "unknown", so that nothing scans before its owner has heard that the radio is on.
   QTimer::singleShot(0, this, [this] {
+    state_ = radio_state();
+    state_reported_ = true;
     if (events_) events_->manager_state_changed(state_);
   });
 }
 
-void qt_ble_central_t::update_state() {
-  const auto previous = state_;
-  if (!local_.isValid()) {
-    state_ = ble_manager_state_t::unsupported;
-  } else {
-    state_ = local_.hostMode() == QBluetoothLocalDevice::HostPoweredOff ? ble_manager_state_t::powered_off
-                                                                         : ble_manager_state_t::powered_on;
-  }
-  if (state_ != previous && events_) events_->manager_state_changed(state_);
+ble_manager_state_t qt_ble_central_t::radio_state() const {
+  if (!local_.isValid()) return ble_manager_state_t::unsupported;
+  return local_.hostMode() == QBluetoothLocalDevice::HostPoweredOff ? ble_manager_state_t::powered_off
+                                                                    : ble_manager_state_t::powered_on;
 }
 
 ble_peripheral_t qt_ble_central_t::peripheral_of(const QBluetoothDeviceInfo& info) const {
@@ -58,13 +63,26 @@ ble_peripheral_t qt_ble_central_t::peripheral_of(const QBluetoothDeviceInfo& inf
   return p;
 }
 
-void qt_ble_central_t::scan() { agent_.start(QBluetoothDeviceDiscoveryAgent::LowEnergyMethod); }
+void qt_ble_central_t::scan() {
+  scanning_ = true;
+  // Started from the event loop: Qt reports the devices BlueZ already knows from inside start(),
+  // and the central must hear of a peripheral only after its own scan() call has returned.
+  QTimer::singleShot(0, this, [this] {
+    if (scanning_ && !agent_.isActive()) agent_.start(QBluetoothDeviceDiscoveryAgent::LowEnergyMethod);
+  });
+}
 
-void qt_ble_central_t::stop_scan() { agent_.stop(); }
+void qt_ble_central_t::stop_scan() {
+  scanning_ = false;
+  agent_.stop();
+}
 
 void qt_ble_central_t::connect(const ble_peripheral_t& p) {
   const auto info = seen_.find(p.id);
   if (info == seen_.end()) return;
+  // A second connect while this peripheral's connection is being set up leaves that attempt alone:
+  // a new controller would tear down the one that is about to connect.
+  if (controller_ && p == peripheral_ && controller_->state() == QLowEnergyController::ConnectingState) return;
   if (controller_) controller_->deleteLater();
   characteristics_.clear();
   service_objects_.clear();

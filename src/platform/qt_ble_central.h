@@ -14,7 +14,9 @@
 // The LE central on Qt Bluetooth (BlueZ over D-Bus on Linux, WinRT, CoreBluetooth): device
 // discovery for advertised names, one controller for the connected peripheral, its services and
 // characteristics, all events on the thread that created it. The adapter's power state maps onto
-// the manager states: no adapter is "unsupported", powered off is "powered off".
+// the manager states: no adapter is "unsupported", powered off is "powered off"; the state reads
+// "unknown" until the first one has been reported from the event loop. Scans start from the event
+// loop, so a peripheral is never reported from inside scan().
 //
 // Qt 6.4 cannot read the signal strength of a connected peripheral (and BlueZ does not offer it),
 // so read_rssi does nothing and the RSSI stays 0, "unknown"; the strength seen while scanning is not
@@ -47,13 +49,15 @@ private:
     QLowEnergyService* service;
     QLowEnergyCharacteristic characteristic;
   };
-  void update_state();
+  ble_manager_state_t radio_state() const;
   ble_peripheral_t peripheral_of(const QBluetoothDeviceInfo& info) const;
   const characteristic_entry_t* find(const ble_characteristic_t& c) const;
   ble_characteristic_t handle_of(QLowEnergyService* service, const QLowEnergyCharacteristic& c);
 
   ble_central_events_t* events_ = nullptr;
-  ble_manager_state_t state_ = ble_manager_state_t::unknown;
+  ble_manager_state_t state_ = ble_manager_state_t::unknown;  // as last reported to the events
+  bool state_reported_ = false;
+  bool scanning_ = false;  // scan() was called and stop_scan() has not been since
   QBluetoothLocalDevice local_;
   QBluetoothDeviceDiscoveryAgent agent_;
   std::map<std::uint64_t, QBluetoothDeviceInfo> seen_;
