@@ -37,6 +37,8 @@ public:
   bool enabled() const override { return enabled_; }
   void stop() override;
   void write(std::span<const std::uint8_t> bytes) override;
+  std::string radio_status() const override { return status; }
+  colour_t radio_colour() const override { return sta_fg; }
 
   void start_scan();
   void disconnect_peripheral();

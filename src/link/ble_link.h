@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+#include "core/colour.h"
+
 #include "link/receive.h"
 
 // What the Bluetooth LE central reports to its owner, on the main thread.
@@ -30,5 +32,9 @@ public:
   virtual void stop() = 0;
   // Writes to the peripheral when it and both UART characteristics are known; drops otherwise.
   virtual void write(std::span<const std::uint8_t> bytes) = 0;
+  // The central's own state ("BLE 2 unsupported" in red, "scanning", ...), so that the screens can
+  // tell a user why nothing happens.
+  virtual std::string radio_status() const = 0;
+  virtual colour_t radio_colour() const = 0;
 };
 

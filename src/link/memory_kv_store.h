@@ -5,7 +5,8 @@
 
 #include "link/kv_store.h"
 
-// A store in memory; a test may put values of any type under any key.
+// A store in memory: the demo keeps its settings here so that the user's stay untouched, and a
+// test may put values of any type under any key.
 class memory_kv_store_t final : public kv_store_t {
 public:
   void set_bool(std::string_view key, bool value) override {

@@ -28,6 +28,8 @@ public:
   bool enabled() const override { return enabled_; }
   void stop() override { enabled_ = false; }
   void write(std::span<const std::uint8_t>) override {}
+  std::string radio_status() const override { return "offline"; }
+  colour_t radio_colour() const override { return colour_t::secondary; }
 
 private:
   bool enabled_ = false;

@@ -16,6 +16,8 @@ public:
   bool enabled() const override { return central_.enabled(); }
   void stop() override { central_.stop(); }
   void write(std::span<const std::uint8_t> bytes) override { central_.write(bytes); }
+  std::string radio_status() const override { return central_.radio_status(); }
+  colour_t radio_colour() const override { return central_.radio_colour(); }
 
   BLE& central() { return central_; }
 

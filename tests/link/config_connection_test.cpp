@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/memory_kv_store.h"
+#include "link/memory_kv_store.h"
 #include "support/recording_console.h"
 
 namespace {

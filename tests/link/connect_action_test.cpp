@@ -5,7 +5,7 @@
 #include "link/config_connection.h"
 #include "link/connection.h"
 #include "support/fake_links.h"
-#include "support/memory_kv_store.h"
+#include "link/memory_kv_store.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 

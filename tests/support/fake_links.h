@@ -46,6 +46,9 @@ struct fake_ble_t final : ble_link_t {
   void write(std::span<const std::uint8_t> bytes) override {
     if (ready) written.emplace_back(bytes.begin(), bytes.end());
   }
+  std::string radio_status() const override { return radio; }
+  colour_t radio_colour() const override { return colour_t::red; }
+  std::string radio = "BLE 2 unsupported";
 
   std::string name_connect;
   bool is_enabled = false;

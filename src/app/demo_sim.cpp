@@ -1,0 +1,30 @@
+#include "app/demo_sim.h"
+
+namespace {
+
+sim_config_t demo_receiver() {
+  sim_config_t c;
+  c.speed_mps = demo_sim_t::speed_mps;
+  c.epoch_s = 1.0 / demo_sim_t::rate_hz;
+  return c;
+}
+
+sim_server_config_t demo_server() {
+  sim_server_config_t c;
+  c.port = 0;  // any free port
+  c.period_s = 1.0 / demo_sim_t::rate_hz;
+  return c;
+}
+
+}  // namespace
+
+demo_sim_t::demo_sim_t() : engine_(demo_receiver()), server_(demo_server()) {
+  if (!server_.listen()) return;
+  port_ = server_.port();
+  thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_); });
+}
+
+demo_sim_t::~demo_sim_t() {
+  stop_ = true;
+  if (thread_.joinable()) thread_.join();
+}

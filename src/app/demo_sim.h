@@ -1,0 +1,33 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <thread>
+
+#include "app/sim_engine.h"
+#include "app/sim_server.h"
+
+// The demo's receiver: the simulator serving a walk at 10 Hz on a free port of 127.0.0.1, on a
+// thread of its own, until the demo ends.
+class demo_sim_t {
+public:
+  static constexpr double rate_hz = 10.0;
+  static constexpr double speed_mps = 4.0;  // a brisk run, so the track grows visibly
+
+  demo_sim_t();
+  ~demo_sim_t();
+  demo_sim_t(const demo_sim_t&) = delete;
+  demo_sim_t& operator=(const demo_sim_t&) = delete;
+
+  // False when no port could be had.
+  bool started() const { return port_ != 0; }
+  std::uint16_t port() const { return port_; }
+
+private:
+  sim_engine_t engine_;
+  sim_server_t server_;
+  std::atomic<bool> stop_{false};
+  std::uint16_t port_ = 0;
+  std::thread thread_;
+};

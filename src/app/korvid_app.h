@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+#include "app/program_links.h"
+#include "core/console.h"
+#include "link/config_connection.h"
+#include "link/connection.h"
+#include "link/kv_store.h"
+#include "map/map_view.h"
+#include "platform/qt_main_queue.h"
+#include "platform/tile_map_widget.h"
+#include "ui/content_view.h"
+
+// The window's object graph, built in the order the screens rely on: the settings (restored at
+// once), the hub, the map widget and the map settings, then the main screen that shares them.
+// Everything lives until the program ends.
+class KorvidApp {
+public:
+  KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console);
+
+  config_connection_t cfg;
+  program_links_t links;
+  connection_t cnc;
+  tile_map_widget_t& map;  // owned by the window, which places it in its map panel
+  map_cfg_t map_cfg;
+  ContentView window;
+};
+
+// The user's cache folder for map tiles.
+QString tile_cache_folder();

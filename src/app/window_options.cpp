@@ -1,0 +1,67 @@
+#include "app/window_options.h"
+
+#include <charconv>
+
+namespace {
+
+bool read_double(std::string_view text, double& out) {
+  const auto* end = text.data() + text.size();
+  const auto r = std::from_chars(text.data(), end, out);
+  return r.ec == std::errc() && r.ptr == end;
+}
+
+bool read_int(std::string_view text, int& out) {
+  const auto* end = text.data() + text.size();
+  const auto r = std::from_chars(text.data(), end, out);
+  return r.ec == std::errc() && r.ptr == end;
+}
+
+}  // namespace
+
+const char* const window_usage =
+    "usage: korvid [--demo] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] [--dark]\n"
+    "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
+    "                     nothing is saved to your settings\n"
+    "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
+    "  --size WxH         the window's size (default 1100x760)\n"
+    "  --sheet NAME       open the log, the fix details or the connection settings\n"
+    "  --dark             draw with a dark palette\n"
+    "Without a display korvid runs headless and prints a summary every second.\n";
+
+window_parse_t parse_window(std::span<const std::string_view> args) {
+  window_options_t o;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string_view a = args[i];
+    auto value = [&](std::string_view& out) {
+      if (i + 1 >= args.size()) return false;
+      out = args[++i];
+      return true;
+    };
+    std::string_view v;
+    if (a == "--demo") {
+      o.demo = true;
+    } else if (a == "--dark") {
+      o.dark = true;
+    } else if (a == "--help" || a == "-h") {
+      o.help = true;
+    } else if (a == "--screenshot") {
+      if (!value(v) || v.empty()) return {{}, "--screenshot needs a file name"};
+      o.screenshot = std::string(v);
+    } else if (a == "--after") {
+      if (!value(v) || !read_double(v, o.after_s) || !(o.after_s >= 0.0 && o.after_s <= 3600.0))
+        return {{}, "--after needs seconds from 0 to 3600"};
+    } else if (a == "--size") {
+      const auto x = value(v) ? v.find('x') : std::string_view::npos;
+      if (x == std::string_view::npos || !read_int(v.substr(0, x), o.width) || !read_int(v.substr(x + 1), o.height) ||
+          o.width < 200 || o.height < 200 || o.width > 8192 || o.height > 8192)
+        return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
+    } else if (a == "--sheet") {
+      if (!value(v) || (v != "log" && v != "details" && v != "settings"))
+        return {{}, "--sheet needs log, details or settings"};
+      o.sheet = std::string(v);
+    } else {
+      return {{}, "unknown argument '" + std::string(a) + "'"};
+    }
+  }
+  return {o, {}};
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+// What korvid, the window, was asked to do.
+struct window_options_t {
+  bool demo = false;            // run the built-in simulator on loopback and connect to it
+  std::string screenshot;       // render the window to this PNG and exit
+  double after_s = 3.0;         // s before the screenshot
+  int width = 1100;             // the window's size, screen points
+  int height = 760;
+  std::string sheet;            // "log", "details" or "settings": open it (for screenshots)
+  bool dark = false;            // a dark palette (for screenshots of the dark theme)
+  bool help = false;
+};
+
+struct window_parse_t {
+  std::optional<window_options_t> options;
+  std::string error;
+};
+
+window_parse_t parse_window(std::span<const std::string_view> args);
+
+extern const char* const window_usage;

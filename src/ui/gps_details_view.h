@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+#include <memory>
+
+class QHBoxLayout;
+class QVBoxLayout;
+class connection_t;
+class gps_dop_view;
+class gps_heading_t;
+class gps_sat_list_view;
+class gps_sky_view;
+
+// The fix details: the sky plot, the satellite list and the DOP panel in a centred column. In a
+// portrait window (narrower than tall) the sky plot stands above the list; in a landscape one it
+// stands beside it. The arrangement follows the window as it is resized; each time the sky plot
+// is built it gets a new heading source, which this view owns.
+class gps_details_view final : public QWidget {
+public:
+  static constexpr int spacing = 16;  // points between the stacked parts
+
+  explicit gps_details_view(connection_t& gps, QWidget* parent = nullptr);
+  ~gps_details_view() override;
+
+  // Whether the parts are arranged for a portrait window.
+  bool portrait() const { return portrait_; }
+  gps_sky_view& sky_view() const { return *sky_; }
+  gps_sat_list_view& sat_list() const { return *list_; }
+  gps_dop_view& dop_view() const { return *dop_; }
+  // The heading source of the current sky plot; it is replaced whenever the sky plot is rebuilt.
+  gps_heading_t& compass() const { return *compass_; }
+
+protected:
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+  bool window_is_portrait() const;
+  void follow_window();
+  void arrange();
+
+  connection_t& gps_;
+  QVBoxLayout* column_;
+  QHBoxLayout* row_;
+  gps_sat_list_view* list_;
+  gps_dop_view* dop_;
+  std::unique_ptr<gps_heading_t> compass_;
+  gps_sky_view* sky_ = nullptr;
+  bool portrait_ = true;
+  bool arranged_ = false;
+  QPointer<QWidget> watched_window_;
+};

@@ -1,0 +1,142 @@
+#include "ui/gps_log_view.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QTextDocument>
+#include <QVBoxLayout>
+
+#include "link/connection.h"
+#include "ui/palette.h"
+#include "ui/selection_feedback.h"
+
+namespace {
+
+void set_text_colour(QWidget& widget, const QColor& colour) {
+  QPalette palette = widget.palette();
+  if (palette.color(QPalette::WindowText) == colour && palette.color(QPalette::ButtonText) == colour) return;
+  palette.setColor(QPalette::WindowText, colour);
+  palette.setColor(QPalette::ButtonText, colour);
+  widget.setPalette(palette);
+}
+
+QPushButton* text_button(QWidget* parent, const QString& text) {
+  auto* button = new QPushButton(text, parent);
+  button->setFlat(true);
+  button->setCursor(Qt::PointingHandCursor);
+  return button;
+}
+
+}  // namespace
+
+gps_log_view::gps_log_view(connection_t& cnc, QWidget* parent) : QWidget(parent), cnc_(cnc) {
+  QFont header_font = font();
+  header_font.setPixelSize(header_font_px);
+
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, padding);
+  column->setSpacing(0);
+
+  auto* header = new QHBoxLayout;
+  header->setContentsMargins(padding, padding, padding, padding);
+  header->setSpacing(2 * padding);
+  title_ = new QLabel(tr("Log"), this);
+  binary_ = new QLabel(tr("binary"), this);
+  filter_ = text_button(this, QString());
+  clear_ = text_button(this, tr("Clear"));
+  close_ = text_button(this, tr("Close"));
+  filter_->setToolTip(tr("Log every valid sentence or only GGA"));
+  clear_->setToolTip(tr("Empty the log and restart the message counters"));
+  close_->setToolTip(tr("Close the log (`)"));
+  for (QLabel* label : {title_, binary_}) {
+    label->setFont(header_font);
+    header->addWidget(label);
+  }
+  header->addStretch();
+  for (QPushButton* button : {filter_, clear_, close_}) {
+    button->setFont(header_font);
+    header->addWidget(button);
+  }
+  column->addLayout(header);
+
+  text_ = new QPlainTextEdit(this);
+  text_->setReadOnly(true);
+  text_->setFrameShape(QFrame::NoFrame);
+  text_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  text_->document()->setDocumentMargin(padding);
+  column->addWidget(text_, 1);
+
+  QObject::connect(filter_, &QPushButton::clicked, this, [this] { toggle_filter(); });
+  QObject::connect(clear_, &QPushButton::clicked, this, [this] { clear_log(); });
+  QObject::connect(close_, &QPushButton::clicked, this, [this] { close_log(); });
+  new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this, [this] { close_log(); });
+
+  redraw_.watch(cnc_);
+  refresh();
+}
+
+void gps_log_view::refresh() {
+  const QPalette& theme = palette();
+  set_text_colour(*title_, colour_of(cnc_.log_fg, theme));
+  set_text_colour(*binary_, colour_of(colour_t::secondary, theme));
+  binary_->setVisible(cnc_.binary);
+  filter_->setText(cnc_.show_all ? tr("All") : tr("GGA"));
+  set_text_colour(*filter_, colour_of(colour_t::secondary, theme));
+  set_text_colour(*clear_, colour_of(cnc_.arr_rx->empty() ? colour_t::tertiary : colour_t::secondary, theme));
+  set_text_colour(*close_, colour_of(colour_t::secondary, theme));
+
+  QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  mono.setPixelSize(cnc_.binary ? binary_font_px : text_font_px);
+  if (text_->font() != mono) text_->setFont(mono);
+  show_lines();
+}
+
+// Replaces the text only when the log changed; a reader scrolled back keeps his place, one at
+// the end follows the new lines.
+void gps_log_view::show_lines() {
+  const auto& lines = *cnc_.arr_rx;
+  joined_.clear();
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (i > 0) joined_.push_back('\n');
+    joined_ += lines[i];
+  }
+  if (joined_ == shown_) return;
+  shown_.swap(joined_);
+  QScrollBar* bar = text_->verticalScrollBar();
+  const bool at_end = bar->value() == bar->maximum();
+  const int kept = bar->value();
+  text_->setPlainText(QString::fromStdString(shown_));
+  bar->setValue(at_end ? bar->maximum() : kept);
+}
+
+void gps_log_view::toggle_filter() {
+  selection_changed();
+  cnc_.show_all = !cnc_.show_all;
+}
+
+// Clears what a fresh link clears: the log, the message counters and the acknowledgement. The
+// counters change first, so that every observer woken by the log's change sees them at zero.
+void gps_log_view::clear_log() {
+  selection_changed();
+  cnc_.msg_count = 0;
+  cnc_.msg_good = 0;
+  cnc_.msg_ack_count = 0;
+  cnc_.msg_ack = false;
+  cnc_.arr_rx.modify([](auto& log) { log.clear(); });
+}
+
+void gps_log_view::close_log() {
+  selection_changed();
+  cnc_.show_log = !cnc_.show_log;
+}
+
+void gps_log_view::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) redraw_.mark();
+  QWidget::changeEvent(event);
+}

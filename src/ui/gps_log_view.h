@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QWidget>
+#include <string>
+
+#include "ui/redraw.h"
+
+class QLabel;
+class QPlainTextEdit;
+class QPushButton;
+class connection_t;
+
+// The log of received lines with its header: the title, a "binary" mark while the stream carries
+// UBX records, the filter switch (log every sentence or only GGA), "Clear" (empties the log and
+// restarts the message counters) and "Close" (the backquote key).
+class gps_log_view final : public QWidget {
+public:
+  static constexpr int header_font_px = 24;
+  static constexpr int padding = 8;  // points around the header items and below the log
+  static constexpr int text_font_px = 11;
+  static constexpr int binary_font_px = 13;  // UBX record texts are short: shown larger
+
+  explicit gps_log_view(connection_t& cnc, QWidget* parent = nullptr);
+
+  const QLabel& title_label() const { return *title_; }
+  const QLabel& binary_label() const { return *binary_; }
+  QPushButton& filter_button() const { return *filter_; }
+  QPushButton& clear_button() const { return *clear_; }
+  QPushButton& close_button() const { return *close_; }
+  const QPlainTextEdit& log_text() const { return *text_; }
+
+  QSize sizeHint() const override { return {640, 480}; }
+
+protected:
+  void changeEvent(QEvent* event) override;
+
+private:
+  void refresh();
+  void show_lines();
+  void toggle_filter();
+  void clear_log();
+  void close_log();
+
+  connection_t& cnc_;
+  QLabel* title_;
+  QLabel* binary_;
+  QPushButton* filter_;
+  QPushButton* clear_;
+  QPushButton* close_;
+  QPlainTextEdit* text_;
+  std::string shown_;   // the log text last shown
+  std::string joined_;  // reused to build the log text
+  redraw_t redraw_{this, [this] { refresh(); }};
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <string>
+#include <vector>
+
+#include "link/connection.h"
+#include "support/fake_links.h"
+#include "support/recording_console.h"
+#include "support/sentences.h"
+#include "support/test_queue.h"
+
+// A hub for the screens' tests, fed with real sentences through its receive path.
+struct view_hub_t {
+  test_queue_t queue;
+  recording_console_t console;
+  fake_links_t links;
+  connection_t hub{queue, console, links};
+
+  // Receives a sentence given without its checksum.
+  void receive(const std::string& body) { hub.receive_line(with_checksum(body)); }
+};
+
+// One satellite of a GSV sentence as the receiver writes it: PRN, elevation, azimuth, SNR.
+struct gsv_group_t {
+  std::string prn, elevation, azimuth, snr;
+};
+
+// A one-sentence GSV group ending in a signal id, so that no value carries the checksum; the
+// groups not given stay empty, which the decoder skips.
+inline std::string gsv_body(unsigned in_view, std::vector<gsv_group_t> groups) {
+  groups.resize(4);
+  std::string body = "$GPGSV,1,1," + std::to_string(in_view);
+  for (const auto& g : groups) body += "," + g.prn + "," + g.elevation + "," + g.azimuth + "," + g.snr;
+  return body + ",1";
+}
+
+// Runs the redraws that the notices scheduled.
+inline void settle() {
+  QCoreApplication::processEvents();
+}
