@@ -1,0 +1,237 @@
+#include "ui/content_view.h"
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <cmath>
+
+#include "main_screen.h"
+#include "ui/course_arrow.h"
+#include "ui/map_panel.h"
+#include "ui/palette.h"
+#include "ui/round_button.h"
+#include "ui/sheet.h"
+
+namespace {
+
+const QString sat = QString::fromUtf8("\U0001F6F0");
+const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,";
+const std::string rmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W,A";
+
+QStringList texts(const text_runs_t* t) {
+  QStringList out;
+  for (const auto& r : t->runs()) out << r.text;
+  return out;
+}
+
+TEST(content_view, shows_the_fix_in_portrait_and_landscape_rows) {
+  main_screen_t screen(1000, 700);
+  screen.hub.receive(gga);
+  screen.hub.receive(rmc);
+  screen.run();
+  auto& v = screen.view;
+  EXPECT_EQ(texts(v.time_date_button()), (QStringList{"12:35:19", "1994-03-23"}));
+  EXPECT_EQ(texts(v.fix_button()), (QStringList{sat + " 8", "GPS"}));
+  EXPECT_EQ(texts(v.hdop_label()), (QStringList{"HDOP", "0.90"}));
+  EXPECT_EQ(texts(v.latitude_label()), QStringList{"48.117300"});
+  EXPECT_EQ(texts(v.longitude_label()), QStringList{"11.516667"});
+  EXPECT_EQ(texts(v.altitude_label()), (QStringList{"ALT", "545.4"}));
+  EXPECT_EQ(texts(v.sea_label()), (QStringList{"sea", "46.9"}));
+  EXPECT_EQ(v.fix_button()->runs()[0].font.pixelSize(), 15);
+
+  // Landscape: two rows; the speed has its label; the time and status close the fix row.
+  EXPECT_FALSE(v.portrait());
+  EXPECT_EQ(v.rows().size(), 2);
+  EXPECT_EQ(v.rows()[0].size(), 5);
+  EXPECT_EQ(v.rows()[0][2], "reset");
+  EXPECT_EQ(texts(v.speed_label()), (QStringList{"speed", "11.52", "m/s"}));
+  EXPECT_FALSE(v.altitude_label()->isVisible());
+
+  // Turned: the time gets a row of its own, in a monospaced font; the altitude comes back.
+  v.resize(500, 900);
+  screen.run();
+  EXPECT_TRUE(v.portrait());
+  ASSERT_EQ(v.rows().size(), 3);
+  EXPECT_EQ(v.rows()[0], (QStringList{"12:35:19 1994-03-23", v.status_button()->joined()}));
+  EXPECT_TRUE(v.time_date_button()->runs()[0].font.fixedPitch() ||
+              QFontInfo(v.time_date_button()->runs()[0].font).fixedPitch());
+  EXPECT_EQ(texts(v.speed_label()), (QStringList{"11.52", "m/s"}));
+  EXPECT_TRUE(v.altitude_label()->isVisible());
+}
+
+TEST(content_view, altitude_drops_its_decimal_from_999_on) {
+  main_screen_t screen;
+  screen.hub.receive("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,1234.56,M,998.95,M,,");
+  screen.run();
+  EXPECT_EQ(texts(screen.view.altitude_label())[1], "1235");
+  EXPECT_EQ(texts(screen.view.sea_label())[1], "999.0") << "998.95 is below 999: one decimal";
+}
+
+TEST(content_view, status_texts_follow_the_link_switches) {
+  const struct {
+    bool ble, bridge;
+    QStringList shown;
+    int size;
+  } cases[] = {
+      {false, false, {"offline"}, 16},
+      {true, false, {"offline"}, 16},
+      {false, true, {"offline", "offline"}, 12},
+  };
+  for (const auto& c : cases) {
+    main_screen_t screen;
+    screen.cfg.set_enable_ble(c.ble);
+    screen.cfg.set_enable_bridge(c.bridge);
+    screen.hub.hub.status_tcp = "tcp text";
+    screen.hub.hub.status_ble = "ble text";
+    screen.run();
+    QStringList expected;
+    if (c.bridge || !c.ble) expected << "tcp text";
+    if (c.bridge || c.ble) expected << "ble text";
+    EXPECT_EQ(texts(screen.view.status_button()), expected) << c.ble << c.bridge;
+    EXPECT_EQ(screen.view.status_button()->runs().back().font.pixelSize(), c.size);
+  }
+}
+
+TEST(content_view, hdop_gauge_hides_colours_and_fills_by_the_hdop) {
+  const struct {
+    double hdop;
+    double opacity;
+    float progress;
+    colour_t colour;
+  } cases[] = {
+      {1.0, 0.0, 0.95f, colour_t::primary},
+      {1.6, 1.0, 0.92f, colour_t::blue},
+      {25.0, 1.0, 0.0f, colour_t::secondary},
+  };
+  ui_test_app();
+  for (const auto& c : cases) {
+    const auto v = hdop_gauge_value(c.hdop, QApplication::palette());
+    EXPECT_EQ(v.opacity, c.opacity) << c.hdop;
+    EXPECT_NEAR(clamped_progress(v.progress), c.progress, 1e-6) << c.hdop;
+    EXPECT_EQ(v.colour, colour_of(c.colour, QApplication::palette())) << c.hdop;
+    EXPECT_EQ(v.height, 2.0);
+    EXPECT_EQ(v.animation, 800);
+  }
+}
+
+TEST(content_view, the_status_button_connects_as_the_settings_say_then_disconnects_both) {
+  main_screen_t screen;
+  screen.cfg.set_enable_ble(false);
+  screen.view.status_button()->click();
+  ASSERT_NE(screen.hub.links.tcp, nullptr);
+  EXPECT_EQ(screen.hub.links.tcp->connects, std::vector<std::string>{"127.0.0.1:81"});
+  EXPECT_EQ(screen.hub.links.ble, nullptr) << "TCP only";
+
+  screen.view.status_button()->click();
+  EXPECT_FALSE(screen.hub.hub.tcp_enabled());
+
+  screen.cfg.set_enable_bridge(true);
+  screen.view.status_button()->click();
+  ASSERT_NE(screen.hub.links.ble, nullptr);
+  EXPECT_TRUE(screen.hub.hub.tcp_enabled());
+  EXPECT_TRUE(screen.hub.hub.ble_enabled());
+  screen.run();
+  EXPECT_EQ(screen.view.status_button()->toolTip(), "BLE 2 unsupported") << "the radio's own state";
+  screen.view.status_button()->click();
+  EXPECT_FALSE(screen.hub.hub.tcp_enabled());
+  EXPECT_FALSE(screen.hub.hub.ble_enabled());
+}
+
+TEST(content_view, reset_clears_the_hub_and_the_map) {
+  main_screen_t screen;
+  for (int s = 0; s < 30; ++s) {
+    // North by 0.01 minutes of latitude (18.5 m) a second: markers and a track.
+    const std::string lat = QString::asprintf("4807.%03d", s * 10).toStdString();
+    screen.hub.receive("$GPGGA,1235" + QString::asprintf("%02d", s).toStdString() + "," + lat +
+                       ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+    screen.hub.queue.advance(1.0);
+    screen.run();
+  }
+  ASSERT_FALSE(screen.map.overlays().empty());
+  ASSERT_FALSE(screen.map.annotations().empty());
+  ASSERT_FALSE(screen.hub.hub.arr_rx->empty());
+
+  screen.view.reset_button()->click();
+  screen.run();
+  EXPECT_EQ(screen.hub.hub.gga.lat, 0.0);
+  EXPECT_TRUE(screen.hub.hub.arr_rx->empty());
+  EXPECT_EQ(screen.hub.hub.msg_count, 0u);
+  EXPECT_TRUE(screen.map.overlays().empty());
+  EXPECT_TRUE(screen.map.annotations().empty());
+  EXPECT_FALSE(screen.map_cfg.reset) << "the map's reset is a one-shot";
+}
+
+TEST(content_view, backquote_toggles_the_log_and_the_fix_opens_the_details) {
+  main_screen_t screen;
+  QTest::keyClick(&screen.view, Qt::Key_QuoteLeft);
+  screen.run();
+  EXPECT_TRUE(screen.hub.hub.show_log);
+  EXPECT_TRUE(screen.view.log_sheet()->isVisible());
+  QTest::keyClick(screen.view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
+  screen.run();
+  EXPECT_FALSE(screen.hub.hub.show_log);
+  EXPECT_FALSE(screen.view.log_sheet()->isVisible());
+  QTest::keyClick(&screen.view, Qt::Key_QuoteLeft, Qt::ControlModifier);
+  screen.run();
+  EXPECT_FALSE(screen.hub.hub.show_log) << "only the bare key";
+
+  screen.view.fix_button()->click();
+  screen.run();
+  EXPECT_TRUE(screen.view.details_sheet()->isVisible());
+  QTest::keyClick(screen.view.details_sheet(), Qt::Key_Escape);
+  screen.run();
+  EXPECT_FALSE(screen.hub.hub.show_details) << "Escape closes a sheet through its flag";
+}
+
+TEST(content_view, buttons_over_the_map_act_on_the_map_settings) {
+  main_screen_t screen;
+  auto* panel = screen.view.map_panel();
+  panel->mode_button()->click();
+  EXPECT_TRUE(screen.map_cfg.mode_sat);
+  screen.map_cfg.region_set = true;
+  panel->course()->click();
+  EXPECT_FALSE(screen.map_cfg.region_set);
+  panel->settings_button()->click();
+  screen.run();
+  EXPECT_TRUE(screen.view.settings_sheet()->isVisible());
+  EXPECT_EQ(panel->location_button()->icon_name(), "location");
+  panel->location_button()->click();
+  screen.run();
+  EXPECT_TRUE(screen.map.shows_user_location());
+  EXPECT_EQ(panel->location_button()->icon_name(), "location_fill");
+}
+
+TEST(content_view, a_burst_of_notices_costs_one_refresh_and_none_without_a_change) {
+  main_screen_t screen;
+  screen.hub.receive(gga);
+  screen.run();  // the map is placed: the one-off writes of the placement are done
+  const int before = screen.view.refreshes();
+  for (int i = 0; i < 50; ++i) screen.hub.receive(gga);
+  screen.run();
+  EXPECT_EQ(screen.view.refreshes(), before + 1);
+  screen.run();
+  EXPECT_EQ(screen.view.refreshes(), before + 1);
+}
+
+TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {
+  const double pi = 3.14159265358979323846;
+  motion_history_t all_east{};
+  all_east.fill(pi / 2);
+  motion_history_t newest_south{};
+  newest_south[0] = pi;
+  double weights = 0.0;
+  for (int k = 0; k < 10; ++k) weights += std::sqrt(std::pow(0.5, k));
+  EXPECT_DOUBLE_EQ(course_angle(motion_history_t{}), 0.0);
+  EXPECT_DOUBLE_EQ(course_angle(all_east), pi / 2);
+  EXPECT_DOUBLE_EQ(course_angle(newest_south), pi / weights);
+  motion_history_t broken{};
+  broken[3] = std::nan("");
+  ui_test_app();
+  course_arrow_t arrow;
+  arrow.set_angle(course_angle(broken));
+  EXPECT_EQ(arrow.drawn_degrees(), 0.0) << "an undefined course draws the arrow unrotated";
+  arrow.set_angle(pi / 2);
+  EXPECT_EQ(arrow.target_degrees(), 90.0);
+}
+
+}  // namespace

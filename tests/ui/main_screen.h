@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "link/config_connection.h"
+#include "link/memory_kv_store.h"
+#include "map/map_view.h"
+#include "platform/tile_map_widget.h"
+#include "support/tile_server.h"
+#include "ui/content_view.h"
+#include "ui_test_app.h"
+#include "view_hub.h"
+
+// The main screen as the program builds it (settings, hub, map widget, map settings, screen),
+// with the hub on fake transports and the map on tiles served from 127.0.0.1.
+struct main_screen_t {
+  explicit main_screen_t(int width = 1000, int height = 700) {
+    view.resize(width, height);
+    view.show();
+    settle();
+  }
+
+  // Runs the redraws, the deferred writes they posted and the map's animations to their end.
+  void run() {
+    for (int i = 0; i < 5; ++i) {
+      settle();
+      hub.queue.run_pending();
+      QTest::qWaitFor([this] { return !map.animating(); }, 2000);
+    }
+    settle();
+  }
+
+  bool app_ = (ui_test_app(), true);
+  memory_kv_store_t store;
+  recording_console_t settings_console;
+  config_connection_t cfg{"Thingy:91 UART", "127.0.0.1", 81, false, store, settings_console};
+  view_hub_t hub;
+  tile_server_t tiles;
+  QTemporaryDir cache;
+  tile_map_widget_t& map = *new tile_map_widget_t({{tiles.url_template(), 19, "test tiles"}, {}, {}}, cache.path());
+  map_cfg_t map_cfg{map, hub.queue};
+  ContentView view{cfg, hub.hub, map_cfg, map};
+};
