@@ -136,7 +136,7 @@ int main(int argc, char** argv) {
   QApplication app(argc, argv);
   QApplication::setApplicationName("korvid");
   QApplication::setApplicationVersion(KORVID_VERSION);
-  QApplication::setOrganizationName("korvid");
+  QApplication::setOrganizationName("Korvid");
   if (options.dark) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(dark_palette());

@@ -23,7 +23,10 @@ const QColor location_blue(0, 122, 255);
 }  // namespace
 
 tile_map_widget_t::tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent)
-    : QWidget(parent), sources_(std::move(sources)), loader_(cache_dir, [this] { update(); }, this) {
+    : QWidget(parent), sources_(std::move(sources)), loader_(cache_dir, [this] {
+        ++tiles_arrived_;
+        update();
+      }, this) {
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -228,15 +231,35 @@ void tile_map_widget_t::remove_overlays(const std::vector<overlay_ref_t>& o) {
 
 void tile_map_widget_t::paintEvent(QPaintEvent*) {
   QPainter p(this);
-  paint_grid(p);
-  loader_.begin_wanted();
-  paint_tiles(p);
-  loader_.end_wanted();
+  paint_background(p);
   p.setRenderHint(QPainter::Antialiasing);
   paint_overlays(p);
   paint_markers(p);
   paint_device(p);
   paint_decorations(p);
+}
+
+void tile_map_widget_t::paint_background(QPainter& p) {
+  // The grid and the tiles change only when the camera moves, the map type changes or a tile
+  // arrives; the overlays above them change several times a second. Between such changes the
+  // composed background is drawn again as it was.
+  const background_key_t key{camera_.centre.x, camera_.centre.y, camera_.scale, size(), devicePixelRatioF(),
+                             type_, tiles_arrived_, palette().color(QPalette::Window).rgba()};
+  if (key == background_key_ && !background_.isNull()) {
+    p.drawImage(QPointF(0, 0), background_);
+    return;
+  }
+  background_ = QImage(size() * devicePixelRatioF(), QImage::Format_RGB32);
+  background_.setDevicePixelRatio(devicePixelRatioF());
+  QPainter b(&background_);
+  paint_grid(b);
+  loader_.begin_wanted();
+  paint_tiles(b);
+  loader_.end_wanted();
+  b.end();
+  // A tile still on its way leaves a hole that its arrival fills: keep nothing to reuse then.
+  background_key_ = loader_.in_flight() == 0 ? key : background_key_t{};
+  p.drawImage(QPointF(0, 0), background_);
 }
 
 void tile_map_widget_t::paint_grid(QPainter& p) {
@@ -325,18 +348,8 @@ void tile_map_widget_t::paint_overlays(QPainter& p) {
     pen.setJoinStyle(Qt::RoundJoin);
     p.setPen(pen);
     if (overlay->kind == map_overlay_t::kind_t::polyline) {
-      // The projection is cached; here only a shift and a scale per point, and points closer than
-      // half a screen point to the last one drawn are skipped.
-      polyline_.clear();
-      QPointF last(-1e9, -1e9);
-      for (const auto& m : found->points) {
-        const QPointF s = camera_.to_screen(m, frame);
-        if (std::abs(s.x() - last.x()) + std::abs(s.y() - last.y()) < 0.5) continue;
-        polyline_.append(s);
-        last = s;
-      }
       p.setBrush(Qt::NoBrush);
-      p.drawPolyline(polyline_);
+      paint_polyline(p, found->points, pen.widthF());
     } else {
       if (!placeable(overlay->centre) || !std::isfinite(overlay->radius_m)) continue;
       const double radius = overlay->radius_m / metres_per_map_point(overlay->centre.latitude) / camera_.scale;
@@ -346,24 +359,81 @@ void tile_map_widget_t::paint_overlays(QPainter& p) {
   }
 }
 
+void tile_map_widget_t::paint_polyline(QPainter& p, const std::vector<map_point_t>& points, double width) {
+  // The projection to map points is cached with the overlay; here only a shift and a scale per
+  // point. Points less than a screen point from the last one kept are skipped, segments wholly
+  // outside the widget are not drawn, and the rest goes to the stroker in short runs: one long
+  // self-crossing path costs the rasteriser far more than many short ones.
+  constexpr int run_length = 64;
+  constexpr double min_step = 1.0;  // screen points
+  const QSizeF frame = size();
+  const QRectF view = QRectF(QPointF(0, 0), frame).adjusted(-width, -width, width, width);
+  auto outside = [&view](QPointF a, QPointF b) {
+    return (a.x() < view.left() && b.x() < view.left()) || (a.x() > view.right() && b.x() > view.right()) ||
+           (a.y() < view.top() && b.y() < view.top()) || (a.y() > view.bottom() && b.y() > view.bottom());
+  };
+  auto flush = [&] {
+    if (polyline_.size() >= 2) p.drawPolyline(polyline_);
+    polyline_.clear();
+  };
+  polyline_.clear();
+  bool have_last = false;
+  QPointF last;
+  for (const auto& m : points) {
+    const QPointF s = camera_.to_screen(m, frame);
+    if (!have_last) {
+      last = s;
+      have_last = true;
+      continue;
+    }
+    if (std::abs(s.x() - last.x()) + std::abs(s.y() - last.y()) < min_step) continue;
+    if (outside(last, s)) {
+      flush();
+    } else {
+      if (polyline_.isEmpty()) polyline_.append(last);
+      polyline_.append(s);
+      if (polyline_.size() >= run_length) {
+        flush();
+        polyline_.append(s);
+      }
+    }
+    last = s;
+  }
+  flush();
+}
+
+// A marker's pin, drawn once per pixel ratio: a red head with a white dot on a point.
+const QPixmap& tile_map_widget_t::pin_image() {
+  const qreal ratio = devicePixelRatioF();
+  if (!pin_.isNull() && pin_.devicePixelRatio() == ratio) return pin_;
+  pin_ = QPixmap(QSize(pin_width, pin_height) * ratio);
+  pin_.setDevicePixelRatio(ratio);
+  pin_.fill(Qt::transparent);
+  QPainter p(&pin_);
+  p.setRenderHint(QPainter::Antialiasing);
+  const QPointF tip(pin_width / 2.0, pin_height - 1.0);
+  QPainterPath pin;
+  pin.moveTo(tip);
+  pin.lineTo(tip + QPointF(-3.5, -9));
+  pin.arcTo(QRectF(tip.x() - 6, tip.y() - 19, 12, 12), 215, -250);
+  pin.closeSubpath();
+  p.setPen(QPen(Qt::white, 1.5));
+  p.setBrush(QColor(232, 65, 55));
+  p.drawPath(pin);
+  p.setBrush(Qt::white);
+  p.drawEllipse(tip + QPointF(0, -13), 2.2, 2.2);
+  return pin_;
+}
+
 void tile_map_widget_t::paint_markers(QPainter& p) {
   const QSizeF frame = size();
-  const QColor head(232, 65, 55);
-  p.setPen(QPen(Qt::white, 1.5));
+  const QPixmap& pin = pin_image();
   for (std::size_t i = 0; i < markers_.size(); ++i) {
     const auto& m = markers_[i];
     if (!placeable(m->coordinate)) continue;
     const QPointF tip = camera_.to_screen(map_point_for(m->coordinate), frame);
-    if (tip.x() < -20 || tip.y() < -20 || tip.x() > width() + 20 || tip.y() > height() + 40) continue;
-    QPainterPath pin;
-    pin.moveTo(tip);
-    pin.lineTo(tip + QPointF(-3.5, -9));
-    pin.arcTo(QRectF(tip.x() - 6, tip.y() - 19, 12, 12), 215, -250);
-    pin.closeSubpath();
-    p.setBrush(head);
-    p.drawPath(pin);
-    p.setBrush(Qt::white);
-    p.drawEllipse(tip + QPointF(0, -13), 2.2, 2.2);
+    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height) continue;
+    p.drawPixmap(QPointF(std::round(tip.x() - pin_width / 2.0), std::round(tip.y() - pin_height + 1.0)), pin);
   }
   if (hovered_ >= 0 && hovered_ < static_cast<int>(markers_.size())) {
     const auto& m = markers_[static_cast<std::size_t>(hovered_)];

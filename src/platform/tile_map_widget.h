@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QHash>
+#include <QPixmap>
 #include <QPointer>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -88,12 +89,15 @@ private:
   void did_change(bool animated);
   void end_user_change();
 
+  void paint_background(class QPainter& p);
   void paint_tiles(class QPainter& p);
   void paint_layer(class QPainter& p, int layer, const tile_source_t& source);
   bool paint_ancestor(class QPainter& p, int layer, int z, int x, int y, const QRectF& target);
   void paint_grid(class QPainter& p);
   void paint_overlays(class QPainter& p);
+  void paint_polyline(class QPainter& p, const std::vector<map_point_t>& points, double width);
   void paint_markers(class QPainter& p);
+  const QPixmap& pin_image();
   void paint_device(class QPainter& p);
   void paint_decorations(class QPainter& p);
   int marker_at(QPointF s) const;
@@ -120,10 +124,27 @@ private:
   bool user_changing_ = false;
   QTimer wheel_settle_;
 
+  // The grid and tiles as last composed, and what they were composed for.
+  struct background_key_t {
+    double x = -1, y = -1, scale = 0;
+    QSize size;
+    qreal ratio = 0;
+    map_type_t type = map_type_t::standard;
+    int tiles = -1;
+    QRgb window = 0;
+    bool operator==(const background_key_t&) const = default;
+  };
+  QImage background_;
+  background_key_t background_key_;
+  int tiles_arrived_ = 0;
+
   std::vector<annotation_ref_t> markers_;
   std::vector<overlay_ref_t> overlays_;
   QHash<const map_overlay_t*, projected_t> projected_;
   QPolygonF polyline_;  // reused for every track drawn
+  static constexpr int pin_width = 14;   // screen points
+  static constexpr int pin_height = 22;
+  QPixmap pin_;
   int hovered_ = -1;
 
   QPointer<QGeoPositionInfoSource> position_source_;

@@ -29,7 +29,7 @@ void override_from(const QSettings& settings, const char* key, tile_source_t& so
 
 tile_sources_t configured_tile_sources() {
   tile_sources_t sources = default_tile_sources();
-  QSettings settings;
+  QSettings settings("Korvid", "korvid");
   override_from(settings, "standard", sources.standard);
   override_from(settings, "imagery", sources.imagery);
   override_from(settings, "labels", sources.labels);
