@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Korvid's two entry points on a Debian 12 machine:
-#   ./korvid.sh run    build and start the program
+#   ./korvid.sh run    build and start the window on the built-in simulator (headless without a display)
 #   ./korvid.sh test   build and run every test
 # Both install the Debian packages that are missing (as root, or through sudo) and build
 # incrementally in build/.
@@ -84,7 +84,7 @@ case "$cmd" in
     shift
     install_missing
     configure_and_build
-    exec "$build/src/app/korvid-cli" --replay "$root/samples/demo.nmea" "$@"
+    exec "$build/src/app/korvid" --demo "$@"
     ;;
   test)
     install_missing

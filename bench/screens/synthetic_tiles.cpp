@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int tile = 256;
-constexpr double block = 1 << 12;  // map points between streets: about 600 m at the equator
+constexpr double block = 1 << 9;  // map points between streets: about 75 m at the equator
 
 }  // namespace
 
@@ -44,7 +44,7 @@ QImage synthetic_tile(int z, int x, int y) {
   p.setPen(QPen(QColor(170, 211, 223), std::max(2.0, 900.0 * scale), Qt::SolidLine, Qt::RoundCap));
   p.drawPath(river);
   // Streets: white with a grey casing, once they are wide enough to see.
-  const double width = std::max(0.6, 60.0 * scale);
+  const double width = std::max(0.6, 40.0 * scale);
   if (b >= 3) {
     for (const QColor& c : {QColor(210, 205, 196), QColor(255, 255, 255)}) {
       p.setPen(QPen(c, c == Qt::white ? width : width + 1.5));

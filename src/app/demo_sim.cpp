@@ -2,8 +2,9 @@
 
 namespace {
 
-sim_config_t demo_receiver() {
+sim_config_t demo_receiver(bool ubx) {
   sim_config_t c;
+  c.ubx = ubx;
   c.speed_mps = demo_sim_t::speed_mps;
   c.epoch_s = 1.0 / demo_sim_t::rate_hz;
   return c;
@@ -18,7 +19,7 @@ sim_server_config_t demo_server() {
 
 }  // namespace
 
-demo_sim_t::demo_sim_t() : engine_(demo_receiver()), server_(demo_server()) {
+demo_sim_t::demo_sim_t(bool ubx) : engine_(demo_receiver(ubx)), server_(demo_server()) {
   if (!server_.listen()) return;
   port_ = server_.port();
   thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_); });

@@ -13,9 +13,10 @@
 class demo_sim_t {
 public:
   static constexpr double rate_hz = 10.0;
-  static constexpr double speed_mps = 4.0;  // a brisk run, so the track grows visibly
+  static constexpr double speed_mps = 6.0;  // a bicycle, so the track grows visibly
 
-  demo_sim_t();
+  // ubx: NAV-PVT and NAV-POSLLH frames instead of sentences.
+  explicit demo_sim_t(bool ubx = false);
   ~demo_sim_t();
   demo_sim_t(const demo_sim_t&) = delete;
   demo_sim_t& operator=(const demo_sim_t&) = delete;

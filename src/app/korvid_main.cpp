@@ -89,7 +89,7 @@ int run_headless(int argc, char** argv, const window_options_t& options) {
   connection_t hub(queue, console, links);
   std::unique_ptr<demo_sim_t> sim;
   if (options.demo) {
-    sim = std::make_unique<demo_sim_t>();
+    sim = std::make_unique<demo_sim_t>(options.ubx);
     if (!sim->started()) {
       std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
       return 1;
@@ -150,7 +150,7 @@ int main(int argc, char** argv) {
 
   std::unique_ptr<demo_sim_t> sim;
   if (options.demo) {
-    sim = std::make_unique<demo_sim_t>();
+    sim = std::make_unique<demo_sim_t>(options.ubx);
     if (!sim->started()) {
       std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
       return 1;

@@ -19,9 +19,10 @@ bool read_int(std::string_view text, int& out) {
 }  // namespace
 
 const char* const window_usage =
-    "usage: korvid [--demo] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] [--dark]\n"
+    "usage: korvid [--demo [--ubx]] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] [--dark]\n"
     "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
     "                     nothing is saved to your settings\n"
+    "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
     "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
     "  --size WxH         the window's size (default 1100x760)\n"
     "  --sheet NAME       open the log, the fix details or the connection settings\n"
@@ -40,6 +41,8 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
     std::string_view v;
     if (a == "--demo") {
       o.demo = true;
+    } else if (a == "--ubx") {
+      o.ubx = true;
     } else if (a == "--dark") {
       o.dark = true;
     } else if (a == "--help" || a == "-h") {
@@ -63,5 +66,6 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }
   }
+  if (o.ubx && !o.demo) return {{}, "--ubx goes with --demo"};
   return {o, {}};
 }

@@ -8,6 +8,7 @@
 // What korvid, the window, was asked to do.
 struct window_options_t {
   bool demo = false;            // run the built-in simulator on loopback and connect to it
+  bool ubx = false;             // the demo's simulator sends UBX frames instead of sentences
   std::string screenshot;       // render the window to this PNG and exit
   double after_s = 3.0;         // s before the screenshot
   int width = 1100;             // the window's size, screen points

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Renders the screenshots in docs/screenshots offscreen: the window on the demo's simulated
+# receiver, and the map widget alone. This machine reaches no tile server, so the maps show
+# synthetic tiles drawn by the screens benchmark, configured through the tile settings of a
+# temporary configuration folder; nothing of the user's settings or cache is touched.
+#   tools/screenshots.sh [build folder]   (configured with -DKORVID_BENCH=ON)
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build}
+out=$root/docs/screenshots
+korvid=$build/src/app/korvid
+bench=$build/bench/screens/korvid_screens_bench
+[ -x "$korvid" ] && [ -x "$bench" ] || { echo "build korvid and korvid_screens_bench first (-DKORVID_BENCH=ON)" >&2; exit 2; }
+
+home=$(mktemp -d /tmp/korvid-shots.XXXXXX)
+trap 'rm -rf "$home"' EXIT
+export XDG_CONFIG_HOME=$home/config XDG_CACHE_HOME=$home/cache QT_QPA_PLATFORM=offscreen
+url=$("$bench" --tiles "$home/tiles" 48.1173 11.5167)
+mkdir -p "$XDG_CONFIG_HOME/Korvid" "$out"
+cat >"$XDG_CONFIG_HOME/Korvid/korvid.conf" <<INI
+[map]
+standard=$url
+standard_max_zoom=19
+standard_attribution=synthetic tiles
+INI
+
+shot() {
+  local name=$1
+  shift
+  "$korvid" --demo --screenshot "$out/$name.png" "$@" >/dev/null
+  echo "docs/screenshots/$name.png"
+}
+shot main-landscape --size 1100x720 --after 25
+shot main-portrait --size 520x900 --after 25
+shot main-dark --size 1100x720 --after 25 --dark
+shot details --size 1100x900 --after 8 --sheet details
+shot log --size 1100x720 --after 6 --sheet log
+shot log-binary --size 1100x720 --after 6 --sheet log --ubx
+shot settings --size 1100x720 --after 4 --sheet settings
+"$bench" --map-screenshot "$out/map.png"
+echo "docs/screenshots/map.png"
