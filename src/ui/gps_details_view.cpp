@@ -6,6 +6,7 @@
 
 #include "link/connection.h"
 #include "map/gps_heading.h"
+#include "platform/qt_compass.h"
 #include "ui/gps_dop_view.h"
 #include "ui/gps_sat_list_view.h"
 #include "ui/gps_sky_view.h"
@@ -75,7 +76,9 @@ void gps_details_view::arrange() {
   arranged_ = true;
   portrait_ = portrait;
   delete sky_;
+  delete device_compass_;  // it feeds the heading source about to be replaced
   compass_ = std::make_unique<gps_heading_t>();
+  device_compass_ = new qt_compass_t(*compass_, this);
   sky_ = new gps_sky_view(gps_, *compass_, this);
   if (portrait_)
     column_->insertWidget(0, sky_, 0, Qt::AlignHCenter);

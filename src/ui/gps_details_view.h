@@ -9,6 +9,7 @@ class QVBoxLayout;
 class connection_t;
 class gps_dop_view;
 class gps_heading_t;
+class qt_compass_t;
 class gps_sat_list_view;
 class gps_sky_view;
 
@@ -46,6 +47,7 @@ private:
   gps_sat_list_view* list_;
   gps_dop_view* dop_;
   std::unique_ptr<gps_heading_t> compass_;
+  qt_compass_t* device_compass_ = nullptr;  // the platform's compass, where there is one
   gps_sky_view* sky_ = nullptr;
   bool portrait_ = true;
   bool arranged_ = false;
