@@ -74,27 +74,41 @@ QPalette dark_palette() {
   return p;
 }
 
+// What the window and the headless mode share: the settings store, in memory for a demo so that
+// the user's stay untouched, and the demo's simulator.
+struct session_t {
+  memory_kv_store_t demo_store;
+  std::unique_ptr<qsettings_store_t> user_store;
+  std::unique_ptr<demo_sim_t> sim;
+
+  // False, with a message, when the demo's simulator finds no port.
+  bool start(const window_options_t& options) {
+    if (!options.demo) {
+      user_store = std::make_unique<qsettings_store_t>();
+      return true;
+    }
+    sim = std::make_unique<demo_sim_t>(options.ubx);
+    if (sim->started()) return true;
+    std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
+    return false;
+  }
+  kv_store_t& store() { return user_store ? static_cast<kv_store_t&>(*user_store) : demo_store; }
+};
+
 // No display: the hub alone, a summary each second, until Ctrl-C.
 int run_headless(int argc, char** argv, const window_options_t& options) {
   std::printf("korvid: no display found (DISPLAY and WAYLAND_DISPLAY are unset); running headless, Ctrl-C stops\n");
   QCoreApplication app(argc, argv);
   qt_main_queue_t queue(&app);
   stdout_console_t console;
-  memory_kv_store_t demo_store;
-  std::unique_ptr<qsettings_store_t> user_store;
-  if (!options.demo) user_store = std::make_unique<qsettings_store_t>();
-  kv_store_t& store = options.demo ? static_cast<kv_store_t&>(demo_store) : *user_store;
-  config_connection_t cfg("Thingy:91 UART", config_connection_t::default_host.front(), 81, false, store, console);
+  session_t session;
+  if (!session.start(options)) return 1;
+  config_connection_t cfg("Thingy:91 UART", config_connection_t::default_host.front(), 81, false, session.store(),
+                          console);
   program_links_t links(queue, console);
   connection_t hub(queue, console, links);
-  std::unique_ptr<demo_sim_t> sim;
-  if (options.demo) {
-    sim = std::make_unique<demo_sim_t>(options.ubx);
-    if (!sim->started()) {
-      std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
-      return 1;
-    }
-    connect_demo(cfg, hub, sim->port());
+  if (session.sim) {
+    connect_demo(cfg, hub, session.sim->port());
   } else {
     connect_or_disconnect(cfg, hub);
   }
@@ -143,26 +157,15 @@ int main(int argc, char** argv) {
   }
   qt_main_queue_t queue(&app);
   stdout_console_t console;
-  memory_kv_store_t demo_store;
-  std::unique_ptr<qsettings_store_t> user_store;
-  if (!options.demo) user_store = std::make_unique<qsettings_store_t>();
-  kv_store_t& store = options.demo ? static_cast<kv_store_t&>(demo_store) : *user_store;
+  session_t session;
+  if (!session.start(options)) return 1;
 
-  std::unique_ptr<demo_sim_t> sim;
-  if (options.demo) {
-    sim = std::make_unique<demo_sim_t>(options.ubx);
-    if (!sim->started()) {
-      std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
-      return 1;
-    }
-  }
-
-  auto korvid = std::make_unique<KorvidApp>(store, queue, console);
+  auto korvid = std::make_unique<KorvidApp>(session.store(), queue, console);
   auto& window = korvid->window;
   window.setWindowTitle(options.demo ? "Korvid (demo)" : "Korvid");
   window.resize(options.width, options.height);
   window.show();
-  if (sim) connect_demo(korvid->cfg, korvid->cnc, sim->port());
+  if (session.sim) connect_demo(korvid->cfg, korvid->cnc, session.sim->port());
   if (options.sheet == "log") korvid->cnc.show_log = true;
   if (options.sheet == "details") korvid->cnc.show_details = true;
   if (options.sheet == "settings") korvid->cfg.show_config = true;

@@ -1,0 +1,47 @@
+#include "app/window_options.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+window_parse_t parse(std::vector<std::string_view> args) { return parse_window(args); }
+
+TEST(window_options, reads_what_the_window_is_asked_to_do) {
+  const auto p = parse({"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5", "--size", "520x900",
+                        "--sheet", "log", "--dark"});
+  ASSERT_TRUE(p.options) << p.error;
+  EXPECT_TRUE(p.options->demo);
+  EXPECT_TRUE(p.options->ubx);
+  EXPECT_EQ(p.options->screenshot, "/tmp/a.png");
+  EXPECT_EQ(p.options->after_s, 2.5);
+  EXPECT_EQ(p.options->width, 520);
+  EXPECT_EQ(p.options->height, 900);
+  EXPECT_EQ(p.options->sheet, "log");
+  EXPECT_TRUE(p.options->dark);
+}
+
+TEST(window_options, a_bad_argument_names_the_problem) {
+  const struct {
+    std::vector<std::string_view> args;
+    const char* error;
+  } cases[] = {
+      {{"--size", "100x100"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
+      {{"--size", "800"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
+      {{"--after", "-1"}, "--after needs seconds from 0 to 3600"},
+      {{"--after", "nan"}, "--after needs seconds from 0 to 3600"},
+      {{"--screenshot"}, "--screenshot needs a file name"},
+      {{"--sheet", "map"}, "--sheet needs log, details or settings"},
+      {{"--ubx"}, "--ubx goes with --demo"},
+      {{"--connect"}, "unknown argument '--connect'"},
+  };
+  for (const auto& c : cases) {
+    const auto p = parse(c.args);
+    EXPECT_FALSE(p.options) << c.error;
+    EXPECT_EQ(p.error, c.error);
+  }
+}
+
+}  // namespace
