@@ -1,9 +1,39 @@
 #include "link/chunk_splitter.h"
 
+#include <string_view>
+
+#include "nmea/word_scan.h"
+
+namespace {
+
+// The index of the first CR or LF at or after from, or size.
+std::size_t find_line_end(const char* text, std::size_t from, std::size_t size) {
+  std::size_t i = from;
+  if constexpr (word_scan::enabled) {
+    for (; i + 8 <= size; i += 8) {
+      const auto w = word_scan::load(text + i);
+      const auto ends = word_scan::bytes_equal(w, '\r') | word_scan::bytes_equal(w, '\n');
+      if (ends != 0) return i + word_scan::first_marked(ends);
+    }
+  }
+  for (; i < size; ++i)
+    if (text[i] == '\r' || text[i] == '\n') return i;
+  return size;
+}
+
+}  // namespace
+
 bool utf8_valid(std::span<const std::uint8_t> bytes) {
   std::size_t i = 0;
   const std::size_t n = bytes.size();
   while (i < n) {
+    if constexpr (word_scan::enabled) {
+      // Runs of ASCII, the usual content, are passed over a word at a time.
+      if (i + 8 <= n && (word_scan::load(bytes.data() + i) & word_scan::high) == 0) {
+        i += 8;
+        continue;
+      }
+    }
     const std::uint8_t b = bytes[i];
     if (b < 0x80) {
       ++i;
@@ -63,21 +93,35 @@ void chunk_splitter_t::binary_switch(std::span<const std::uint8_t> chunk, chunk_
   sink.chunk_binary(chunk);
 }
 
+// CRs are dropped wherever they stand and LF ends a line. A line that lies wholly in the chunk (no
+// remainder before it, at most a CR right before its LF) is copied once, straight into its slot;
+// anything else is assembled in partial_.
 std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
   line_count_ = 0;
   const auto* text = reinterpret_cast<const char*>(chunk.data());
+  const std::size_t size = chunk.size();
   std::size_t start = 0;
-  for (std::size_t i = 0; i < chunk.size(); ++i) {
-    const char c = text[i];
-    if (c != '\r' && c != '\n') continue;
-    partial_.append(text + start, i - start);  // the run up to this CR or LF; CRs are dropped
-    start = i + 1;
-    if (c == '\n') {
-      if (!partial_.empty() || empty_lines_) add_line(partial_);
+  for (std::size_t i = find_line_end(text, 0, size); i < size; i = find_line_end(text, start, size)) {
+    std::size_t next = i + 1;
+    if (text[i] == '\r') {
+      if (next == size || text[next] != '\n') {
+        partial_.append(text + start, i - start);  // a CR inside a line, or at the chunk's end
+        start = next;
+        continue;
+      }
+      ++next;  // CR LF: the line ends at the CR
+    }
+    const std::string_view run(text + start, i - start);
+    if (partial_.empty()) {
+      if (!run.empty() || empty_lines_) add_line(run);
+    } else {
+      partial_.append(run);
+      add_line(partial_);
       partial_.clear();
     }
+    start = next;
   }
-  partial_.append(text + start, chunk.size() - start);
+  partial_.append(text + start, size - start);
   const std::uint8_t last = chunk.empty() ? 0 : chunk.back();
   if (last == '\r' || last == '\n') {
     if (!partial_.empty() || empty_lines_) add_line(partial_);
@@ -87,7 +131,7 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
   return {lines_.data(), line_count_};
 }
 
-void chunk_splitter_t::add_line(const std::string& piece) {
+void chunk_splitter_t::add_line(std::string_view piece) {
   if (line_count_ == lines_.size()) lines_.emplace_back();
   lines_[line_count_++].assign(piece);
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Where the chunk splitter delivers what it made of one received chunk.
@@ -49,7 +50,7 @@ public:
   std::span<const std::string> cut_lines(std::span<const std::uint8_t> text);
 
 private:
-  void add_line(const std::string& piece);
+  void add_line(std::string_view piece);
   void binary_switch(std::span<const std::uint8_t> chunk, chunk_sink_t& sink);
 
   bool binary_;

@@ -1,17 +1,20 @@
 #include "link/connection.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "nmea/sentence.h"
+#include "nmea/word_scan.h"
 #include "ubx/record_text.h"
 
 namespace {
 
 // "$GNGGA" or "$GPGGA" anywhere in the line, found in one pass over its "$" signs.
 bool contains_gga_tag(std::string_view line) {
-  for (auto at = line.find('$'); at != std::string_view::npos; at = line.find('$', at + 1)) {
+  for (auto at = word_scan::find(line.data(), 0, line.size(), '$'); at < line.size();
+       at = word_scan::find(line.data(), at + 1, line.size(), '$')) {
     const auto tag = line.substr(at + 1, 5);
     if (tag == "GNGGA" || tag == "GPGGA") return true;
   }
@@ -26,7 +29,8 @@ std::string host_port(const std::string& host, std::uint16_t port) {
 
 connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory_t& links)
     : gsa(queue), gsv(queue), queue_(queue), console_(console), links_(links) {
-  fields_.reserve(32);
+  // A sentence of at most sentence_max_length characters has at most that many fields.
+  fields_.resize(sentence_max_length);
   for (observable_t* decoder : {static_cast<observable_t*>(&gga), static_cast<observable_t*>(&gll),
                                 static_cast<observable_t*>(&rmc), static_cast<observable_t*>(&vtg),
                                 static_cast<observable_t*>(&gsa), static_cast<observable_t*>(&gsv)})
@@ -148,11 +152,12 @@ void connection_t::count_candidate() {
 void connection_t::receive_line(std::string_view line) {
   if (line.empty() || line.front() != '$') return;
   count_candidate();
-  const auto length = count_characters(line);
-  if (length < sentence_min_length || length > sentence_max_length) return;
-  if (!checksum_valid(line)) return;
-  split_fields(line, fields_);
-  for (auto* decoder : arr_update_) decoder->update(fields_);
+  // Length, checksum and fields come from one pass; they are still judged in that order.
+  const auto scan = scan_sentence(line, fields_);
+  if (scan.characters < sentence_min_length || scan.characters > sentence_max_length) return;
+  if (!scan.checksum_ok) return;
+  const std::span<const std::string_view> fields(fields_.data(), std::min(scan.field_count, fields_.size()));
+  for (auto* decoder : arr_update_) decoder->update(fields);
   if (msg_ack) {
     ++msg_good;
   } else {

@@ -3,12 +3,24 @@
 #include <algorithm>
 #include <vector>
 
+namespace {
+
+// Bytes asked of the stream per read: many chunks at once, so a large capture costs few system
+// calls. fread fills the whole request unless the stream ends or fails, so the chunks cut from it
+// are exactly those that reading chunk_size bytes at a time would give.
+constexpr std::size_t read_block = 256 * 1024;
+
+}  // namespace
+
 bool replay_t::feed_stream(std::FILE* stream, std::size_t chunk_size) {
-  std::vector<std::uint8_t> buffer(chunk_size);
+  if (chunk_size == 0) return false;
+  const std::size_t block = std::max<std::size_t>(1, read_block / chunk_size) * chunk_size;
+  std::vector<std::uint8_t> buffer(block);
   for (;;) {
-    const auto n = std::fread(buffer.data(), 1, chunk_size, stream);
-    if (n > 0) feed(std::span<const std::uint8_t>(buffer.data(), n));
-    if (n < chunk_size) return std::ferror(stream) == 0;
+    const auto n = std::fread(buffer.data(), 1, block, stream);
+    for (std::size_t at = 0; at < n; at += chunk_size)
+      feed(std::span<const std::uint8_t>(buffer.data() + at, std::min(chunk_size, n - at)));
+    if (n < block) return std::ferror(stream) == 0;
   }
 }
 

@@ -22,7 +22,7 @@ bool read_with_unit(std::string_view value, std::string_view unit, double& targe
   if (unit != "M") return false;
   const auto a = parse_double(value);
   if (!a) return true;
-  if (value.find('.') == std::string_view::npos) return false;
+  if (!has_point(value)) return false;
   target = *a;
   return true;
 }
@@ -73,7 +73,7 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
   if (!sats || *sats < 0 || *sats > sat_count_max) return;
 
   const auto hdop = parse_double(f[8]);
-  if (!hdop || *hdop < 0.0 || *hdop > hdop_max || f[8].find('.') == std::string_view::npos) return;
+  if (!hdop || *hdop < 0.0 || *hdop > hdop_max || !has_point(f[8])) return;
 
   if (!read_with_unit(f[9], f[10], alt_d)) return;
   if (!read_with_unit(f[11], f[12], mean_sea_level_d)) return;
@@ -150,5 +150,5 @@ void gps_gngga_t::push_motion(double previous_lat, double previous_lon) {
 }
 
 void gps_gngga_t::place_marker() {
-  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_text(time), map_fix, spare_marker_));
+  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_chars(time).view(), map_fix, spare_marker_));
 }

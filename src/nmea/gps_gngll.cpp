@@ -59,5 +59,5 @@ void gps_gngll_t::update_pvt(const gps_pvt_t& r) {
 }
 
 void gps_gngll_t::place_marker(geo_coordinate_t where) {
-  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_text(time), where, spare_marker_));
+  spare_marker_ = map_annotations.add_annotation(make_annotation(hms_chars(time).view(), where, spare_marker_));
 }

@@ -1,5 +1,6 @@
 #include "nmea/gps_gngsa.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "nmea/fields.h"
@@ -64,6 +65,7 @@ void gps_gngsa_t::reset() {
   fix_mode_c = "A";
   fix_type_i = 1;
   PRN_arr.modify([](auto& prns) { prns.clear(); });
+  oldest_listed_ = std::numeric_limits<double>::infinity();
   pdop_d = 0.0;
   hdop_d = 0.0;
   vdop_d = 0.0;
@@ -90,14 +92,19 @@ void gps_gngsa_t::update(std::span<const std::string_view> f) {
   pvt_mode = false;
 
   const double now = clock_.now_s();
-  for (auto it = PRN_arr->begin(); it != PRN_arr->end();) {
-    if (it->second < now - PRN_valid_periode) {
-      const auto prn = it->first;
-      ++it;
-      PRN_arr.modify([prn](auto& prns) { prns.erase(prn); });
-    } else {
-      ++it;
+  if (oldest_listed_ < now - PRN_valid_periode) {
+    double oldest = std::numeric_limits<double>::infinity();
+    for (auto it = PRN_arr->begin(); it != PRN_arr->end();) {
+      if (it->second < now - PRN_valid_periode) {
+        const auto prn = it->first;
+        ++it;
+        PRN_arr.modify([prn](auto& prns) { prns.erase(prn); });
+      } else {
+        oldest = std::min(oldest, it->second);
+        ++it;
+      }
     }
+    oldest_listed_ = oldest;
   }
 
   if (!store_decimal(f[15], dop_max, pdop_d)) return;
@@ -110,6 +117,7 @@ void gps_gngsa_t::update(std::span<const std::string_view> f) {
     if (!prn) continue;
     if (*prn >= prn_limit) break;
     PRN_arr.modify([&](auto& prns) { prns[static_cast<std::uint8_t>(*prn)] = now; });
+    oldest_listed_ = std::min(oldest_listed_, now);
   }
 }
 

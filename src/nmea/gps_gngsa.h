@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -41,4 +42,7 @@ public:
 
 private:
   const time_source_t& clock_;
+  // No PRN in PRN_arr was listed before this time (infinity when it is empty). While it is within
+  // the valid period nothing can expire, and the list is not walked.
+  double oldest_listed_ = std::numeric_limits<double>::infinity();
 };

@@ -76,5 +76,5 @@ void gps_gnrmc_t::update_pvt(const gps_pvt_t& r) {
 }
 
 void gps_gnrmc_t::place_marker(geo_coordinate_t where) {
-  spare_marker_ = map_annotations.add_annotation(make_annotation(ymd_text(date), where, spare_marker_));
+  spare_marker_ = map_annotations.add_annotation(make_annotation(ymd_chars(date).view(), where, spare_marker_));
 }

@@ -1,5 +1,6 @@
 #include "nmea/gps_gpgsv.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "nmea/fields.h"
@@ -18,6 +19,7 @@ void gps_gpgsv_t::reset() {
   sentence_last = 0;
   satellites_in_view = 0;
   satellite_arr.modify([](auto& table) { table.clear(); });
+  oldest_report_ = std::numeric_limits<double>::infinity();
 }
 
 // $GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00*74
@@ -40,11 +42,20 @@ void gps_gpgsv_t::update(std::span<const std::string_view> f) {
   }
 
   const double now = clock_.now_s();
-  for (auto it = satellite_arr->begin(); it != satellite_arr->end();) {
-    const auto prn = it->first;
-    const bool expired = it->second->time < now - satellite_valid_periode;
-    ++it;
-    if (expired) satellite_arr.modify([prn](auto& table) { table.erase(prn); });
+  if (oldest_report_ < now - satellite_valid_periode) {
+    double oldest = std::numeric_limits<double>::infinity();
+    for (auto it = satellite_arr->begin(); it != satellite_arr->end();) {
+      const auto prn = it->first;
+      const double time = it->second->time;
+      const bool expired = time < now - satellite_valid_periode;
+      ++it;
+      if (expired) {
+        satellite_arr.modify([prn](auto& table) { table.erase(prn); });
+      } else {
+        oldest = std::min(oldest, time);
+      }
+    }
+    oldest_report_ = oldest;
   }
 
   for (std::size_t g = 1; g <= 4; ++g) {
@@ -77,6 +88,7 @@ void gps_gpgsv_t::update(std::span<const std::string_view> f) {
 }
 
 void gps_gpgsv_t::enter(const gps_gpgsv_satellite_t& report) {
+  oldest_report_ = std::min(oldest_report_, report.time);
   satellite_arr.modify([&](auto& table) {
     auto& slot = table[report.prn];
     if (slot && slot.use_count() == 1) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -52,4 +53,7 @@ private:
   void enter(const gps_gpgsv_satellite_t& report);
 
   const time_source_t& clock_;
+  // No satellite in satellite_arr was reported before this time (infinity when it is empty).
+  // While it is within the valid period nothing can expire, and the table is not walked.
+  double oldest_report_ = std::numeric_limits<double>::infinity();
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +21,14 @@ bool checksum_valid(std::string_view line);
 // Cuts the whole line at every ",", keeping empty fields; field 0 is the tag with its "$" and the
 // last field keeps the "*" and checksum digits. The views point into the line.
 void split_fields(std::string_view line, std::vector<std::string_view>& fields);
+
+// What count_characters, checksum_valid and split_fields say of a line, from one pass over it.
+struct sentence_scan_t {
+  std::size_t characters = 0;
+  bool checksum_ok = false;
+  std::size_t field_count = 0;  // fields the line has; only the first fields.size() are stored
+};
+sentence_scan_t scan_sentence(std::string_view line, std::span<std::string_view> fields);
 
 // The text of a field before its checksum suffix: the last field of a sentence without "*hh".
 std::string_view strip_checksum(std::string_view field);

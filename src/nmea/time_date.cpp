@@ -1,12 +1,17 @@
 #include "nmea/time_date.h"
 
-#include <cstdio>
+#include <cstring>
+
 
 #include "nmea/fields.h"
 
 bool time_hms_t::parse(std::string_view text) {
-  const auto point = text.find('.');
-  if (point != std::string_view::npos && text.find('.', point + 1) != std::string_view::npos) return false;
+  auto point = std::string_view::npos;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '.') continue;
+    if (point != std::string_view::npos) return false;  // a second point
+    point = i;
+  }
   const auto clock = text.substr(0, point);
   if (clock.size() != 6) return false;
   const auto h = parse_int(clock.substr(0, 2));
@@ -55,32 +60,64 @@ void date_ymd_t::set(std::int64_t year, std::int64_t month, std::int64_t day) {
 
 namespace {
 
-// "%02u" of one field, by hand: marker titles are made for every fix.
-void append_two_digits(std::string& out, std::int64_t v) {
-  const auto u = static_cast<unsigned>(v);
-  if (u < 100) {
-    out.push_back(static_cast<char>('0' + u / 10));
-    out.push_back(static_cast<char>('0' + u % 10));
-  } else {
-    out += std::to_string(u);
+// "%0*u" by hand, written backwards from end: the value's decimal digits with leading zeros up to
+// width. Returns where the text starts.
+char* put_padded(char* end, unsigned value, int width) {
+  char* p = end;
+  do {
+    *--p = static_cast<char>('0' + value % 10);
+    value /= 10;
+    --width;
+  } while (value != 0);
+  while (width-- > 0) *--p = '0';
+  return p;
+}
+
+// "%0*u<sep>%02u<sep>%02u", the shape of both texts, with the first value's width given.
+fix_text_t three_fields(unsigned first, int first_width, unsigned second, unsigned third, char separator) {
+  fix_text_t out;
+  if (first < (first_width == 4 ? 10000u : 100u) && second < 100 && third < 100) {
+    // The usual case: every value fits its width.
+    char* p = out.text;
+    if (first_width == 4) {
+      *p++ = static_cast<char>('0' + first / 1000);
+      *p++ = static_cast<char>('0' + first / 100 % 10);
+    }
+    *p++ = static_cast<char>('0' + first / 10 % 10);
+    *p++ = static_cast<char>('0' + first % 10);
+    *p++ = separator;
+    *p++ = static_cast<char>('0' + second / 10);
+    *p++ = static_cast<char>('0' + second % 10);
+    *p++ = separator;
+    *p++ = static_cast<char>('0' + third / 10);
+    *p++ = static_cast<char>('0' + third % 10);
+    out.size = static_cast<std::size_t>(p - out.text);
+    return out;
   }
+  // Three 10-digit values and two separators fill the buffer exactly.
+  char* const end = out.text + sizeof out.text;
+  char* p = put_padded(end, third, 2);
+  *--p = separator;
+  p = put_padded(p, second, 2);
+  *--p = separator;
+  p = put_padded(p, first, first_width);
+  out.size = static_cast<std::size_t>(end - p);
+  std::memmove(out.text, p, out.size);
+  return out;
 }
 
 }  // namespace
 
-std::string hms_text(const time_hms_t& t) {
-  std::string text;
-  append_two_digits(text, t.hh);
-  text.push_back(':');
-  append_two_digits(text, t.mm);
-  text.push_back(':');
-  append_two_digits(text, t.ss);
-  return text;
+// "%02u:%02u:%02u"
+fix_text_t hms_chars(const time_hms_t& t) {
+  return three_fields(static_cast<unsigned>(t.hh), 2, static_cast<unsigned>(t.mm), static_cast<unsigned>(t.ss), ':');
 }
 
-std::string ymd_text(const date_ymd_t& d) {
-  char text[64];
-  const int n = std::snprintf(text, sizeof text, "%04u-%02u-%02u", static_cast<unsigned>(d.y),
-                              static_cast<unsigned>(d.m), static_cast<unsigned>(d.d));
-  return std::string(text, static_cast<std::size_t>(n));
+// "%04u-%02u-%02u"
+fix_text_t ymd_chars(const date_ymd_t& d) {
+  return three_fields(static_cast<unsigned>(d.y), 4, static_cast<unsigned>(d.m), static_cast<unsigned>(d.d), '-');
 }
+
+std::string hms_text(const time_hms_t& t) { return std::string(hms_chars(t).view()); }
+
+std::string ymd_text(const date_ymd_t& d) { return std::string(ymd_chars(d).view()); }

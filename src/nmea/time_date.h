@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -41,3 +42,13 @@ struct date_ymd_t {
 std::string hms_text(const time_hms_t& t);
 // "2024-03-23", the date of a fix as markers and screens show it.
 std::string ymd_text(const date_ymd_t& d);
+
+// The same texts in a buffer of their own, for the marker titles made for every fix without
+// building a string first.
+struct fix_text_t {
+  char text[32];
+  std::size_t size;
+  std::string_view view() const { return {text, size}; }
+};
+fix_text_t hms_chars(const time_hms_t& t);
+fix_text_t ymd_chars(const date_ymd_t& d);

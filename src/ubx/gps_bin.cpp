@@ -1,5 +1,8 @@
 #include "ubx/gps_bin.h"
 
+#include <algorithm>
+#include <cstring>
+
 std::string_view text(gps_bin_return_t result) {
   switch (result) {
     case gps_bin_return_t::need_more_data: return "need more data";
@@ -22,19 +25,63 @@ void gps_bin_t::abandon() {
   d = 0;
 }
 
+namespace {
+
+// From this many bytes on, a search or copy is worth a library call; a link that delivers a few
+// bytes at a time takes the plain loops.
+constexpr std::size_t long_run = 16;
+
+}  // namespace
+
 gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
   auto result = gps_bin_return_t::need_more_data;
-  for (const std::uint8_t b : chunk) {
-    // Hunting: a byte that breaks the sync sequence is dropped, not tried as a first sync byte.
-    if (h < static_cast<std::int32_t>(header_ubx.size())) {
-      if (b == header_ubx[static_cast<std::size_t>(h)]) {
-        ++h;
+  const std::uint8_t* const bytes = chunk.data();
+  const std::size_t n = chunk.size();
+  std::size_t i = 0;
+  while (i < n) {
+    // Hunting for the first sync byte: every other byte is dropped and leaves no frame in progress,
+    // so a run of them is skipped at once.
+    if (h == 0) {
+      std::size_t at = i;
+      if (n - i >= long_run) {
+        const auto* sync = static_cast<const std::uint8_t*>(std::memchr(bytes + i, header_ubx[0], n - i));
+        at = sync == nullptr ? n : static_cast<std::size_t>(sync - bytes);
+      } else {
+        while (at < n && bytes[at] != header_ubx[0]) ++at;
+      }
+      if (at > i) abandon();
+      i = at;
+      if (i == n) break;
+      h = 1;
+      ++i;
+      continue;
+    }
+    // The second sync byte: a byte that breaks the sequence is dropped, not tried as a first one.
+    if (h == 1) {
+      if (bytes[i] == header_ubx[1]) {
+        h = 2;
       } else {
         abandon();
       }
+      ++i;
       continue;
     }
 
+    // Inside the record image after its class and id: copy the run up to the image's end at once.
+    if (d >= 2 && d < size_data) {
+      const std::size_t run = std::min(n - i, static_cast<std::size_t>(size_data - d));
+      if (run >= long_run) {
+        std::memcpy(data.data() + d, bytes + i, run);
+      } else {
+        for (std::size_t k = 0; k < run; ++k) data[static_cast<std::size_t>(d) + k] = bytes[i + k];
+      }
+      d += static_cast<std::int32_t>(run);
+      i += run;
+      if (d == size_data) checksum();
+      continue;
+    }
+
+    const std::uint8_t b = bytes[i++];
     if (d < size_data) data[static_cast<std::size_t>(d)] = b;
     ++d;
     if (d == 2) {
@@ -49,13 +96,7 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
         result = gps_bin_return_t::unsupported_type;
       }
     } else if (d == size_data) {
-      std::uint8_t ck_a = 0;
-      std::uint8_t ck_b = 0;
-      for (std::int32_t i = 0; i < d; ++i) {
-        ck_a = static_cast<std::uint8_t>(ck_a + data[static_cast<std::size_t>(i)]);
-        ck_b = static_cast<std::uint8_t>(ck_b + ck_a);
-      }
-      chk = {ck_a, ck_b};
+      checksum();
     } else if (d == size_data + 1) {
       if (b != chk[0]) {
         if (chk_ignore) {
@@ -80,6 +121,19 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
     }
   }
   return result;
+}
+
+// The Fletcher checksum of the record image, from its class byte to the end of its payload.
+// Both sums are kept wider than a byte and cut at the end: only their low eight bits count.
+void gps_bin_t::checksum() {
+  std::uint32_t ck_a = 0;
+  std::uint32_t ck_b = 0;
+  const auto size = static_cast<std::size_t>(size_data);
+  for (std::size_t i = 0; i < size; ++i) {
+    ck_a += data[i];
+    ck_b += ck_a;
+  }
+  chk = {static_cast<std::uint8_t>(ck_a), static_cast<std::uint8_t>(ck_b)};
 }
 
 gps_bin_return_t gps_bin_t::decode_frame() {

@@ -59,5 +59,6 @@ public:
 
 private:
   void abandon();
+  void checksum();
   gps_bin_return_t decode_frame();
 };

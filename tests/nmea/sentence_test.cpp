@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,6 +56,42 @@ TEST(count_characters, counts_code_points) {
   EXPECT_EQ(count_characters("abc"), 3u);
   EXPECT_EQ(count_characters("\xC3\xA9t\xC3\xA9"), 3u);          // été
   EXPECT_EQ(count_characters("\xF0\x9F\x9B\xB0"), 1u);            // one satellite
+}
+
+}  // namespace
+
+namespace {
+
+// The one-pass scan says of every line what the three separate steps say.
+TEST(scan_sentence, agrees_with_counting_checking_and_splitting) {
+  const std::string long_line = "$GPGSV" + std::string(90, ',') + "*00";
+  const std::string commas = "$" + std::string(79, ',');
+  const std::vector<std::string> lines = {
+      gga,
+      "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*48",
+      "$A*41",
+      "$*00",
+      "$GPAAA,1*4b",
+      "$GPGGA,1*2*00",
+      "$GP\xc3\xa9\xc3\xa9,1,2*00",
+      "$,,,*2C",
+      long_line,
+      commas,
+      "$GPTXT,01,01,02,u-blox ag - www.u-blox.com*50",
+  };
+  std::vector<std::string_view> fields(80);
+  for (const auto& line : lines) {
+    const auto scan = scan_sentence(line, fields);
+    EXPECT_EQ(scan.characters, count_characters(line)) << line;
+    EXPECT_EQ(scan.checksum_ok, checksum_valid(line)) << line;
+    std::vector<std::string_view> expected;
+    split_fields(line, expected);
+    EXPECT_EQ(scan.field_count, expected.size()) << line;
+    const std::size_t stored = std::min(scan.field_count, fields.size());
+    EXPECT_EQ(std::vector<std::string_view>(fields.begin(), fields.begin() + static_cast<std::ptrdiff_t>(stored)),
+              std::vector<std::string_view>(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(stored)))
+        << line;
+  }
 }
 
 }  // namespace
