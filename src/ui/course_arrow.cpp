@@ -25,7 +25,10 @@ course_arrow_t::course_arrow_t(QWidget* parent) : QAbstractButton(parent) {
   animation_.setEasingCurve(QEasingCurve::InOutQuad);
   QObject::connect(&animation_, &QVariantAnimation::valueChanged, this, [this](const QVariant& v) {
     drawn_ = v.toDouble();
-    update();
+    // At 10 fixes a second the arrow is nearly always easing; repainting it (and the map under
+    // it) on every animation frame for a turn too small to see would cost more than the rest of
+    // the window together.
+    if (std::abs(drawn_ - painted_) >= repaint_step_degrees || drawn_ == target_) update();
   });
 }
 
@@ -56,6 +59,7 @@ void course_arrow_t::paintEvent(QPaintEvent*) {
   if (isDown()) p.setOpacity(0.5);
   p.translate(width() / 2.0, height() / 2.0);
   p.rotate(drawn_);  // clockwise on screen
-  const QPixmap icon = icon_pixmap("arrow_up_fill", colour_of(colour_t::secondary, palette()), icon_size, devicePixelRatioF());
+  painted_ = drawn_;
+  const QPixmap& icon = icon_.get("arrow_up_fill", colour_of(colour_t::secondary, palette()), icon_size, devicePixelRatioF());
   p.drawPixmap(QPointF(-icon_size / 2.0, -icon_size / 2.0), icon);
 }

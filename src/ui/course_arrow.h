@@ -4,6 +4,7 @@
 #include <QVariantAnimation>
 
 #include "nmea/motion.h"
+#include "ui/icons.h"
 
 // The direction of movement: the weighted mean of the bearings, newest first, the k-th weighing
 // sqrt(0.5^k); radians clockwise from north. Not a number when the history holds none.
@@ -16,6 +17,8 @@ public:
   static constexpr int animation_ms = 2000;
   static constexpr int icon_size = 28;
   static constexpr int padding = 4;
+  // The smallest turn worth a repaint while easing: a quarter of a pixel at the arrow's tip.
+  static constexpr double repaint_step_degrees = 1.0;
 
   explicit course_arrow_t(QWidget* parent = nullptr);
 
@@ -33,5 +36,7 @@ private:
   QVariantAnimation animation_;
   double target_ = 0.0;
   double drawn_ = 0.0;
+  double painted_ = 0.0;
   bool shown_once_ = false;
+  icon_cache_t icon_;
 };

@@ -21,14 +21,18 @@ progress_gauge_t::progress_gauge_t(QWidget* parent) : QWidget(parent) {
 }
 
 void progress_gauge_t::show_value(const progress_view_t& value) {
+  // Screens hand over a value on every refresh; a gauge repaint also repaints what lies under it
+  // (the map), so an unchanged or hidden gauge is not drawn again.
+  if (shown_once_ && value == value_) return;
   const bool resized = !shown_once_ || value.width != value_.width || value.height != value_.height;
+  const bool was_drawn = shown_once_ && value_.opacity > 0.0;
   const double target = clamped_progress(value.progress);
   value_ = value;
   if (resized) {
     setSizePolicy(value.width ? QSizePolicy::Fixed : QSizePolicy::Expanding, QSizePolicy::Fixed);
     updateGeometry();
   }
-  if (value.animation && shown_once_ && target != drawn_ && isVisible()) {
+  if (value.animation && was_drawn && value.opacity > 0.0 && target != drawn_ && isVisible()) {
     animation_.stop();
     animation_.setDuration(*value.animation);
     animation_.setStartValue(drawn_);
@@ -39,7 +43,7 @@ void progress_gauge_t::show_value(const progress_view_t& value) {
     drawn_ = target;
   }
   shown_once_ = true;
-  update();
+  if (was_drawn || value.opacity > 0.0) update();
 }
 
 QSize progress_gauge_t::sizeHint() const {

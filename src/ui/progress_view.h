@@ -17,6 +17,8 @@ struct progress_view_t {
   std::optional<int> animation;  // ms of an ease-in-out change of progress; none: immediate
   double opacity = 1.0;          // 0 hides the gauge but keeps its place
   bool reverse = false;          // grow from the trailing edge
+
+  bool operator==(const progress_view_t&) const = default;
 };
 
 // Progress clamped to the drawable range.

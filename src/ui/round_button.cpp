@@ -10,15 +10,15 @@ constexpr int padding = 8;  // around the pictogram
 }
 
 round_button_t::round_button_t(const QString& icon, int icon_size, colour_t colour, bool flat, QWidget* parent)
-    : QAbstractButton(parent), icon_(icon), icon_size_(icon_size), colour_(colour), flat_(flat) {
+    : QAbstractButton(parent), icon_name_(icon), icon_size_(icon_size), colour_(colour), flat_(flat) {
   setCursor(Qt::PointingHandCursor);
   setFocusPolicy(Qt::TabFocus);
   resize(sizeHint());
 }
 
 void round_button_t::set_icon_name(const QString& icon) {
-  if (icon == icon_) return;
-  icon_ = icon;
+  if (icon == icon_name_) return;
+  icon_name_ = icon;
   update();
 }
 
@@ -37,6 +37,6 @@ void round_button_t::paintEvent(QPaintEvent*) {
     p.drawRoundedRect(r, r.height() / 2, r.height() / 2);
   }
   if (isDown()) p.setOpacity(0.5);
-  const QPixmap icon = icon_pixmap(icon_, colour_of(colour_, palette()), icon_size_, devicePixelRatioF());
+  const QPixmap& icon = icon_.get(icon_name_, colour_of(colour_, palette()), icon_size_, devicePixelRatioF());
   p.drawPixmap(QPointF((width() - icon_size_) / 2.0, (height() - icon_size_) / 2.0), icon);
 }

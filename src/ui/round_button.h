@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "core/colour.h"
+#include "ui/icons.h"
 
 // A pictogram on a round background of the system background colour, for the controls that lie
 // over the map.
@@ -13,7 +14,7 @@ public:
   round_button_t(const QString& icon, int icon_size, colour_t colour, bool flat = false, QWidget* parent = nullptr);
 
   void set_icon_name(const QString& icon);
-  const QString& icon_name() const { return icon_; }
+  const QString& icon_name() const { return icon_name_; }
 
   QSize sizeHint() const override;
 
@@ -21,7 +22,8 @@ protected:
   void paintEvent(QPaintEvent* event) override;
 
 private:
-  QString icon_;
+  QString icon_name_;
+  icon_cache_t icon_;
   int icon_size_;
   colour_t colour_;
   bool flat_;

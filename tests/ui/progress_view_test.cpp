@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QPaintEvent>
 
 #include "ui_test_app.h"
 
@@ -73,6 +74,50 @@ TEST(progress_view, a_fixed_width_is_centred_and_none_stretches) {
   EXPECT_EQ(fixed.pixel(75, 5), qRgb(255, 255, 255));
   const QImage stretched = render(gauge_at(1.0f), 300);
   EXPECT_EQ(stretched.pixel(295, 5), qRgb(255, 0, 0));
+}
+
+struct paint_counter_t : QObject {
+  int paints = 0;
+  bool eventFilter(QObject*, QEvent* e) override {
+    if (e->type() == QEvent::Paint) ++paints;
+    return false;
+  }
+};
+
+// A gauge eases only between two drawn states; shown or hidden it jumps, and a value handed over
+// again unchanged paints nothing (each repaint also repaints the map under the gauge).
+TEST(progress_view, eases_only_what_is_seen_and_repaints_only_on_change) {
+  ui_test_app();
+  struct row {
+    double from_opacity, to_opacity;
+    bool eases;
+  } rows[] = {{1.0, 1.0, true}, {1.0, 0.0, false}, {0.0, 1.0, false}, {0.0, 0.0, false}};
+  for (const auto& r : rows) {
+    progress_gauge_t gauge;
+    gauge.resize(100, 10);
+    gauge.show();
+    auto v = gauge_at(0.2f);
+    v.animation = 800;
+    v.opacity = r.from_opacity;
+    gauge.show_value(v);
+    v.progress = 0.8f;
+    v.opacity = r.to_opacity;
+    gauge.show_value(v);
+    EXPECT_NEAR(gauge.drawn_progress(), r.eases ? 0.2 : 0.8, 1e-6) << r.from_opacity << " to " << r.to_opacity;
+  }
+  progress_gauge_t gauge;
+  gauge.resize(100, 10);
+  gauge.show_value(gauge_at(0.5f));
+  gauge.show();
+  QApplication::processEvents();
+  paint_counter_t counter;
+  gauge.installEventFilter(&counter);
+  gauge.show_value(gauge_at(0.5f));
+  QApplication::processEvents();
+  EXPECT_EQ(counter.paints, 0);
+  gauge.show_value(gauge_at(0.6f));
+  QApplication::processEvents();
+  EXPECT_EQ(counter.paints, 1);
 }
 
 }  // namespace
