@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/clip_segment.h"
+
 namespace {
 
 bool placeable(geo_coordinate_t c) { return std::isfinite(c.latitude) && std::isfinite(c.longitude); }
@@ -363,17 +365,14 @@ void tile_map_widget_t::paint_overlays(QPainter& p) {
 
 void tile_map_widget_t::paint_polyline(QPainter& p, const std::vector<map_point_t>& points, double width) {
   // The projection to map points is cached with the overlay; here only a shift and a scale per
-  // point. Points less than a screen point from the last one kept are skipped, segments wholly
-  // outside the widget are not drawn, and the rest goes to the stroker in short runs: one long
+  // point. Points less than a screen point from the last one kept are skipped, segments are cut
+  // to the widget (zoomed in, one segment can reach far beyond it, and the rasteriser's work grows
+  // with the length it is given), and the rest goes to the stroker in short runs: one long
   // self-crossing path costs the rasteriser far more than many short ones.
   constexpr int run_length = 64;
   constexpr double min_step = 1.0;  // screen points
   const QSizeF frame = size();
   const QRectF view = QRectF(QPointF(0, 0), frame).adjusted(-width, -width, width, width);
-  auto outside = [&view](QPointF a, QPointF b) {
-    return (a.x() < view.left() && b.x() < view.left()) || (a.x() > view.right() && b.x() > view.right()) ||
-           (a.y() < view.top() && b.y() < view.top()) || (a.y() > view.bottom() && b.y() > view.bottom());
-  };
   auto flush = [&] {
     if (polyline_.size() >= 2) p.drawPolyline(polyline_);
     polyline_.clear();
@@ -389,12 +388,17 @@ void tile_map_widget_t::paint_polyline(QPainter& p, const std::vector<map_point_
       continue;
     }
     if (std::abs(s.x() - last.x()) + std::abs(s.y() - last.y()) < min_step) continue;
-    if (outside(last, s)) {
+    QPointF a = last;
+    QPointF b = s;
+    if (!clip_segment(view, a, b)) {
       flush();
     } else {
-      if (polyline_.isEmpty()) polyline_.append(last);
-      polyline_.append(s);
-      if (polyline_.size() >= run_length) {
+      if (a != last) flush();  // coming into view: the run starts at the edge
+      if (polyline_.isEmpty()) polyline_.append(a);
+      polyline_.append(b);
+      if (b != s) {
+        flush();  // going out of view
+      } else if (polyline_.size() >= run_length) {
         flush();
         polyline_.append(s);
       }

@@ -131,6 +131,23 @@ TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles) {
   EXPECT_NE(QColor(without.pixel(on_line.toPoint())), system_red);
 }
 
+// Zoomed in to a few hundred metres, a track whose points lie hundreds of kilometres away on either
+// side still shows the parts of its segments that cross the view, up to the edges.
+TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_where_they_cross_it) {
+  map->set_region({0.0, 0.0}, 400.0, 400.0, false);
+  auto line = std::make_shared<map_overlay_t>();
+  line->kind = map_overlay_t::kind_t::polyline;
+  line->points = {{0.0, -5.0}, {0.0, 0.0}, {5.0, 0.0}};
+  map->add_overlays({line});
+  const QImage seen = settled();
+  const QPointF centre = map->camera().to_screen(map_point_for({0.0, 0.0}), map->size());
+  for (const QPointF at : {QPointF(4, centre.y()), QPointF(centre.x() / 2, centre.y()), QPointF(centre.x(), 4.0),
+                           QPointF(centre.x(), centre.y() / 2)}) {
+    EXPECT_EQ(QColor(seen.pixel(at.toPoint())), system_red) << at.x() << "," << at.y();
+  }
+  EXPECT_NE(QColor(seen.pixel(QPoint(static_cast<int>(centre.x()) + 40, static_cast<int>(centre.y())))), system_red);
+}
+
 TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_not_retry_in_a_loop) {
   server.offline = true;
   map->set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
