@@ -1,7 +1,9 @@
 #include "platform/tile_loader.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QHostAddress>
+#include <QImageReader>
 #include <QNetworkDiskCache>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
@@ -26,6 +28,19 @@ public:
     return systemProxyForQuery(query);
   }
 };
+
+// A tile is a square image of at most max_tile_side pixels a side. What a server sends is decoded
+// only when its header says so (where the format tells the size up front), and checked again
+// after: an odd or huge image would otherwise take the memory of hundreds of tiles.
+bool decode_tile(QByteArray data, QImage& image) {
+  auto fits = [](QSize size) {
+    return size.width() == size.height() && size.width() > 0 && size.width() <= tile_loader_t::max_tile_side;
+  };
+  QBuffer buffer(&data);
+  QImageReader reader(&buffer);
+  if (const QSize announced = reader.size(); announced.isValid() && !fits(announced)) return false;
+  return reader.read(&image) && fits(image.size());
+}
 
 }  // namespace
 
@@ -79,9 +94,10 @@ void tile_loader_t::finished(const tile_key_t& key, QNetworkReply* reply) {
   --in_flight_;
   loading_.remove(key);
   auto image = std::make_unique<QImage>();
-  if (reply->error() == QNetworkReply::NoError && image->loadFromData(reply->readAll())) {
+  if (reply->error() == QNetworkReply::NoError && decode_tile(reply->readAll(), *image)) {
     failed_at_.remove(key);
-    memory_.insert(key, image.release());
+    const auto kib = static_cast<qsizetype>(image->sizeInBytes() / 1024);
+    memory_.insert(key, image.release(), kib);
     if (ready_) ready_();
   } else {
     failed_at_.insert(key, clock_.elapsed());

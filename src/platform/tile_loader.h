@@ -27,7 +27,8 @@ class tile_loader_t final : public QObject {
 public:
   static constexpr int max_in_flight = 4;          // requests at once, as tile servers ask
   static constexpr qint64 retry_delay_ms = 30000;  // before a failed tile is tried again
-  static constexpr int memory_tiles = 256;         // decoded tiles kept (64 MB at most)
+  static constexpr int memory_kib = 128 * 1024;    // decoded tiles kept, by their size in KiB
+  static constexpr int max_tile_side = 1024;       // pixels; larger or non-square images are refused
   static constexpr qint64 disk_cache_bytes = 256LL * 1024 * 1024;
 
   // cache_dir: the on-disk cache; ready: called on the main thread when a tile has arrived.
@@ -55,7 +56,7 @@ private:
 
   QNetworkAccessManager network_;
   std::function<void()> ready_;
-  QCache<tile_key_t, QImage> memory_{memory_tiles};
+  QCache<tile_key_t, QImage> memory_{memory_kib};
   QHash<tile_key_t, qint64> failed_at_;  // ms on clock_
   QHash<tile_key_t, bool> loading_;
   std::vector<wish_t> queue_;

@@ -166,6 +166,24 @@ TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_n
   EXPECT_EQ(server.requests, asked) << "failed tiles wait before they are asked for again";
 }
 
+// A server that sends images of the wrong shape or of a huge size gets the grid, as if offline.
+TEST_F(tile_map_widget_test, odd_or_huge_tile_images_are_refused) {
+  for (const QSize size : {QSize(256, 128), QSize(4096, 4096)}) {
+    tile_server_t odd;
+    odd.tile_size = size;
+    tile_sources_t sources;
+    sources.standard = {odd.url_template(), 19, "test tiles"};
+    tile_map_widget_t widget(sources, cache.path() + QString("/%1").arg(size.width()));
+    widget.resize(256, 256);
+    widget.set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
+    widget.show();
+    widget.grab();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return widget.loader().failures() > 0 && widget.loader().in_flight() == 0; }, 5000))
+        << size.width() << "x" << size.height();
+    EXPECT_EQ(QColor(widget.grab().toImage().pixel(5, 100)), grid_light) << size.width() << "x" << size.height();
+  }
+}
+
 TEST_F(tile_map_widget_test, a_missing_tile_is_stood_in_for_by_its_coarser_parent) {
   map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
   settled();

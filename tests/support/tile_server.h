@@ -8,8 +8,9 @@
 #include <QTcpSocket>
 #include <functional>
 
-// An HTTP tile server on 127.0.0.1 for widget tests: answers GET /Z/X/Y.png with a 256 x 256 PNG
-// of one colour, tile_colour(z, x, y), or 404 while it is "offline". Runs on the test's event loop.
+// An HTTP tile server on 127.0.0.1 for widget tests: answers GET /Z/X/Y.png with a PNG of one
+// colour, tile_colour(z, x, y), 256 x 256 unless the test sets another size, or 404 while it is
+// "offline". Runs on the test's event loop.
 class tile_server_t {
 public:
   static QColor tile_colour(int z, int x, int y) { return QColor((x * 37) % 256, (y * 59) % 256, (z * 23) % 256); }
@@ -27,6 +28,7 @@ public:
   QString url_template() const { return QString("http://127.0.0.1:%1/{z}/{x}/{y}.png").arg(server_.serverPort()); }
 
   bool offline = false;
+  QSize tile_size{256, 256};
   int requests = 0;
 
 private:
@@ -44,7 +46,7 @@ private:
         s->write("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
         continue;
       }
-      QImage tile(256, 256, QImage::Format_RGB32);
+      QImage tile(tile_size, QImage::Format_RGB32);
       tile.fill(tile_colour(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt()));
       QByteArray png;
       QBuffer out(&png);
