@@ -14,6 +14,9 @@ struct subscription_t::observers_t {
   std::uint64_t next_id = 1;
   int notifying = 0;
   bool has_cancelled = false;
+  // Set when the observable is destroyed by one of its own observers: the list then owns itself
+  // until the notice that is running over it has ended.
+  std::shared_ptr<observers_t> orphaned;
 
   void cancel(std::uint64_t id) {
     for (auto& e : entries) {
@@ -56,6 +59,10 @@ void subscription_t::cancel() {
 
 observable_t::observable_t() : observers_(std::make_shared<subscription_t::observers_t>()) {}
 
+observable_t::~observable_t() {
+  if (observers_->notifying > 0) observers_->orphaned = std::move(observers_);
+}
+
 subscription_t observable_t::subscribe(std::function<void()> observer) {
   const auto id = observers_->next_id++;
   observers_->entries.push_back({id, std::move(observer), true});
@@ -63,15 +70,20 @@ subscription_t observable_t::subscribe(std::function<void()> observer) {
 }
 
 void observable_t::notify() const {
-  if (observers_->entries.empty()) return;
-  // Keep the list alive and index it afresh on each step: an observer may subscribe or cancel.
-  // Cancelled entries are only marked while a notice runs and removed after it.
-  const auto observers = observers_;
+  // Notices come with every published assignment, so this path takes no reference count: an
+  // observer that destroys the observable leaves the list alive (orphaned) until the loop is done.
+  // Index afresh on each step: an observer may subscribe or cancel; cancelled entries are only
+  // marked while a notice runs and removed after it.
+  auto* const observers = observers_.get();
+  if (observers->entries.empty()) return;
   ++observers->notifying;
   for (std::size_t i = 0; i < observers->entries.size(); ++i) {
     auto& entry = observers->entries[i];
     if (entry.live) entry.observer();
   }
-  --observers->notifying;
+  if (--observers->notifying > 0) return;
   observers->compact();
+  if (observers->orphaned) {
+    const auto last_owner = std::move(observers->orphaned);
+  }
 }

@@ -35,7 +35,7 @@ public:
   observable_t();
   observable_t(const observable_t&) = delete;
   observable_t& operator=(const observable_t&) = delete;
-  virtual ~observable_t() = default;
+  virtual ~observable_t();
 
   [[nodiscard]] subscription_t subscribe(std::function<void()> observer);
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include <string>
 
 #include "core/string_ring.h"
@@ -68,6 +70,18 @@ TEST(observable, observers_may_subscribe_and_cancel_during_a_notice) {
   m.value = 2;
   EXPECT_EQ(first, 1);
   EXPECT_GE(added, 1);
+}
+
+// A screen may close, and destroy its model, from inside a notice: the rest of the notice still
+// reaches the other observers, and nothing is touched after the list is gone.
+TEST(observable, an_observer_may_destroy_the_observable_during_a_notice) {
+  auto m = std::make_unique<model_t>();
+  int after = 0;
+  const auto closer = m->subscribe([&] { m.reset(); });
+  const auto other = m->subscribe([&] { ++after; });
+  m->notify();
+  EXPECT_EQ(m, nullptr);
+  EXPECT_EQ(after, 1);
 }
 
 TEST(string_ring, keeps_the_newest_entries_in_order) {
