@@ -19,9 +19,22 @@ struct handover_t {
 
 constexpr auto closing_poll = std::chrono::milliseconds(50);  // how often a waiter checks close()
 
+// The coarse monotonic clock, a few milliseconds fine: decoders read the time for every GSA and GSV
+// sentence, and everything timed by it is a tenth of a second or longer. Reading it costs a load
+// instead of a clock-source read.
+timespec monotonic_now() {
+  timespec t{};
+#ifdef CLOCK_MONOTONIC_COARSE
+  clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+#else
+  clock_gettime(CLOCK_MONOTONIC, &t);
+#endif
+  return t;
+}
+
 }  // namespace
 
-qt_main_queue_t::qt_main_queue_t(QObject* context) : context_(context) { clock_.start(); }
+qt_main_queue_t::qt_main_queue_t(QObject* context) : context_(context), start_(monotonic_now()) {}
 
 void qt_main_queue_t::post(std::function<void()> task) {
   QMetaObject::invokeMethod(context_, std::move(task), Qt::QueuedConnection);
@@ -57,6 +70,9 @@ void qt_main_queue_t::post_after(double delay_s, std::function<void()> task) {
                      std::move(task));
 }
 
-double qt_main_queue_t::now_s() const { return static_cast<double>(clock_.nsecsElapsed()) * 1e-9; }
+double qt_main_queue_t::now_s() const {
+  const timespec t = monotonic_now();
+  return static_cast<double>(t.tv_sec - start_.tv_sec) + static_cast<double>(t.tv_nsec - start_.tv_nsec) * 1e-9;
+}
 
 void qt_main_queue_t::close() { closing_ = true; }

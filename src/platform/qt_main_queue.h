@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QObject>
-#include <QElapsedTimer>
 #include <atomic>
+#include <ctime>
 
 #include "core/main_queue.h"
 
@@ -22,6 +22,6 @@ public:
 
 private:
   QObject* context_;
-  QElapsedTimer clock_;
+  timespec start_{};  // now_s() counts from here
   std::atomic<bool> closing_{false};
 };
