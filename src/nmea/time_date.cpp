@@ -1,11 +1,38 @@
 #include "nmea/time_date.h"
 
+#include <algorithm>
 #include <cstring>
 
 
 #include "nmea/fields.h"
 
+namespace {
+
+bool all_digits(std::string_view text) {
+  for (const char c : text) {
+    if (c < '0' || c > '9') return false;
+  }
+  return true;
+}
+
+int two_digits(const char* p) { return (p[0] - '0') * 10 + (p[1] - '0'); }
+
+}  // namespace
+
 bool time_hms_t::parse(std::string_view text) {
+  // The usual shape, hhmmss or hhmmss.f with plain digits, read directly; everything else (signs,
+  // stray points) goes the general way below, with the same checks.
+  if (text.size() >= 6 && all_digits(text.substr(0, 6)) &&
+      (text.size() == 6 || (text[6] == '.' && text.size() > 7 && text.size() <= 7 + 18 && all_digits(text.substr(7))))) {
+    const int h = two_digits(text.data());
+    const int m = two_digits(text.data() + 2);
+    const int s = two_digits(text.data() + 4);
+    std::int64_t f = 0;
+    for (const char c : text.substr(std::min<std::size_t>(text.size(), 7))) f = f * 10 + (c - '0');
+    if (h > 23 || m > 59 || s > 59 || f > 999) return false;
+    set(h, m, s, f);
+    return true;
+  }
   auto point = std::string_view::npos;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] != '.') continue;
