@@ -96,7 +96,7 @@ void tile_loader_t::finished(const tile_key_t& key, QNetworkReply* reply) {
   auto image = std::make_unique<QImage>();
   if (reply->error() == QNetworkReply::NoError && decode_tile(reply->readAll(), *image)) {
     failed_at_.remove(key);
-    const auto kib = static_cast<qsizetype>(image->sizeInBytes() / 1024);
+    const auto kib = std::max<qsizetype>(1, image->sizeInBytes() / 1024);
     memory_.insert(key, image.release(), kib);
     if (ready_) ready_();
   } else {
