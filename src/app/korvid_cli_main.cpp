@@ -1,7 +1,5 @@
 #include <QCoreApplication>
 #include <QTimer>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -12,6 +10,7 @@
 #include "app/cli_options.h"
 #include "app/program_links.h"
 #include "app/snapshot_json.h"
+#include "app/stop_signals.h"
 #include "core/console.h"
 #include "link/config_connection.h"
 #include "link/connect_action.h"
@@ -24,10 +23,6 @@
 namespace {
 
 constexpr int usage_error = 2;                // exit status for a bad command line
-constexpr int signal_poll_ms = 100;           // how often the event loop looks for Ctrl-C
-std::atomic<bool> stop_requested{false};      // set by SIGINT and SIGTERM
-
-void request_stop(int) { stop_requested = true; }
 
 void print_summary(const connection_t& hub) {
   std::printf("messages %llu, good %llu, acknowledged %s, binary %s", static_cast<unsigned long long>(hub.msg_count),
@@ -61,13 +56,7 @@ int replay(const cli_options_t& options, connection_t& hub) {
 }
 
 int run_connected(const cli_options_t& options, QCoreApplication& app, connection_t& hub, console_t& console) {
-  std::signal(SIGINT, request_stop);
-  std::signal(SIGTERM, request_stop);
-  QTimer signal_watch;
-  QObject::connect(&signal_watch, &QTimer::timeout, &app, [&app] {
-    if (stop_requested) app.quit();
-  });
-  signal_watch.start(signal_poll_ms);
+  stop_signal_watch_t stop_watch(app);
   QTimer snapshots;
   if (options.json) {
     QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });

@@ -3,8 +3,6 @@
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTimer>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -14,6 +12,7 @@
 #include "app/demo_sim.h"
 #include "app/korvid_app.h"
 #include "app/program_links.h"
+#include "app/stop_signals.h"
 #include "app/window_options.h"
 #include "core/console.h"
 #include "link/config_connection.h"
@@ -27,10 +26,6 @@ namespace {
 
 constexpr int usage_error = 2;
 constexpr int summary_ms = 1000;     // headless: one summary line a second
-constexpr int signal_poll_ms = 100;  // how often the event loop looks for Ctrl-C
-std::atomic<bool> stop_requested{false};
-
-void request_stop(int) { stop_requested = true; }
 
 bool has_display() {
   return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
@@ -112,16 +107,10 @@ int run_headless(int argc, char** argv, const window_options_t& options) {
   } else {
     connect_or_disconnect(cfg, hub);
   }
-  std::signal(SIGINT, request_stop);
-  std::signal(SIGTERM, request_stop);
   QTimer ticks;
   QObject::connect(&ticks, &QTimer::timeout, &app, [&hub] { print_summary(hub); });
   ticks.start(summary_ms);
-  QTimer signal_watch;
-  QObject::connect(&signal_watch, &QTimer::timeout, &app, [&app] {
-    if (stop_requested) app.quit();
-  });
-  signal_watch.start(signal_poll_ms);
+  stop_signal_watch_t stop_watch(app);
   app.exec();
   queue.close();
   hub.disconnect();
