@@ -125,24 +125,12 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   QObject::connect(host_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_host_bind(t.toStdString()); });
   QObject::connect(port_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_port_bind(t.toStdString()); });
 
-  QObject::connect(ble_connect_, &QPushButton::clicked, this, [this] {
-    selection_changed();
-    cfg_.set_enable_ble(true);
-    cfg_.show_config = false;
-    cnc_.disconnect();
-    parent_.connect_or_disconnect();
-  });
+  QObject::connect(ble_connect_, &QPushButton::clicked, this, [this] { connect_by(true); });
   QObject::connect(ble_revert_, &QPushButton::clicked, this, [this] {
     selection_changed();
     if (!cfg_.history_ble_name->empty()) cfg_.ble_name = cfg_.history_ble_name->front();
   });
-  QObject::connect(ip_connect_, &QPushButton::clicked, this, [this] {
-    selection_changed();
-    cfg_.set_enable_ble(false);
-    cfg_.show_config = false;
-    cnc_.disconnect();
-    parent_.connect_or_disconnect();
-  });
+  QObject::connect(ip_connect_, &QPushButton::clicked, this, [this] { connect_by(false); });
   QObject::connect(ip_revert_, &QPushButton::clicked, this, [this] {
     selection_changed();
     revert_ip();
@@ -170,6 +158,15 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
   refresh();
+}
+
+// Connect in a section: that link alone, anew, and the sheet closes.
+void config_connection_view::connect_by(bool ble) {
+  selection_changed();
+  cfg_.set_enable_ble(ble);
+  cfg_.show_config = false;
+  cnc_.disconnect();
+  parent_.connect_or_disconnect();
 }
 
 void config_connection_view::revert_ip() {

@@ -43,6 +43,7 @@ protected:
 
 private:
   void refresh();
+  void connect_by(bool ble);
   void revert_ip();
 
   ContentView& parent_;
