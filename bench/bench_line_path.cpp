@@ -1,4 +1,4 @@
-// The text receive path: chunk splitter, hub validation, field list and every decoder.
+// The text receive path: a link's chunks through the hub's splitter, validation, field list and every decoder.
 #include <benchmark/benchmark.h>
 
 #include "bench_streams.h"
@@ -11,19 +11,9 @@
 
 namespace {
 
-// Hands the splitter's output to the hub as a TCP link's receive loop does.
-struct hub_sink_t final : chunk_sink_t {
-  explicit hub_sink_t(connection_t& hub) : hub(hub) {}
-  void chunk_bridge(std::span<const std::uint8_t> bytes) override { hub.tcp_bridge(bytes); }
-  void chunk_lines(std::span<const std::string> lines) override { hub.tcp_lines(lines); }
-  void chunk_binary(std::span<const std::uint8_t> bytes) override { hub.tcp_binary(bytes); }
-  connection_t& hub;
-};
-
-void feed_stream(const std::vector<std::uint8_t>& stream, std::size_t chunk, chunk_splitter_t& splitter,
-                 chunk_sink_t& sink) {
+void feed_stream(const std::vector<std::uint8_t>& stream, std::size_t chunk, chunk_splitter_t& splitter) {
   for (std::size_t at = 0; at < stream.size(); at += chunk)
-    splitter.feed(std::span(stream).subspan(at, std::min(chunk, stream.size() - at)), sink);
+    benchmark::DoNotOptimize(splitter.feed(std::span(stream).subspan(at, std::min(chunk, stream.size() - at))));
 }
 
 void report(benchmark::State& state, std::uint64_t sentences, std::uint64_t bytes, std::uint64_t allocations) {
@@ -41,14 +31,12 @@ void line_path(benchmark::State& state) {
   silent_console_t console;
   offline_links_t links;
   connection_t hub(queue, console, links);
-  chunk_splitter_t splitter(false, false);
-  hub_sink_t sink(hub);
-  feed_stream(stream, replay_default_chunk, splitter, sink);  // warm up: fill the bounded lists
+  replay_chunks(stream, replay_default_chunk, hub.tcp_events());  // warm up: fill the bounded lists
   std::uint64_t allocations = 0;
   std::uint64_t passes = 0;
   for (auto _ : state) {
     const auto before = allocation_count();
-    feed_stream(stream, replay_default_chunk, splitter, sink);
+    replay_chunks(stream, replay_default_chunk, hub.tcp_events());
     allocations += allocation_count() - before;
     ++passes;
   }
@@ -57,22 +45,15 @@ void line_path(benchmark::State& state) {
 }
 BENCHMARK(line_path)->Unit(benchmark::kMillisecond);
 
-struct null_sink_t final : chunk_sink_t {
-  void chunk_bridge(std::span<const std::uint8_t>) override {}
-  void chunk_lines(std::span<const std::string> lines) override { benchmark::DoNotOptimize(lines.data()); }
-  void chunk_binary(std::span<const std::uint8_t>) override {}
-};
-
 void chunk_splitter(benchmark::State& state) {
   const auto& stream = text_stream();
   const auto chunk = static_cast<std::size_t>(state.range(0));
-  chunk_splitter_t splitter(false, false);
-  null_sink_t sink;
+  chunk_splitter_t splitter;
   std::uint64_t allocations = 0;
   std::uint64_t passes = 0;
   for (auto _ : state) {
     const auto before = allocation_count();
-    feed_stream(stream, chunk, splitter, sink);
+    feed_stream(stream, chunk, splitter);
     allocations += allocation_count() - before;
     ++passes;
   }

@@ -1,4 +1,4 @@
-// The binary receive path: the UBX framer, the six decoders' record paths and the log text of
+// The binary receive path: a link's chunks through the UBX framer, the six decoders' record paths and the log text of
 // every decoded record.
 #include <benchmark/benchmark.h>
 
@@ -6,6 +6,7 @@
 #include "counting_allocator.h"
 #include "link/connection.h"
 #include "link/offline_links.h"
+#include "link/replay.h"
 #include "support/idle_harness.h"
 
 namespace {
@@ -22,8 +23,7 @@ void ubx_path(benchmark::State& state) {
   std::uint64_t passes = 0;
   for (auto _ : state) {
     const auto before = allocation_count();
-    for (std::size_t at = 0; at < stream.size(); at += chunk)
-      hub.receive_arr(std::span(stream).subspan(at, std::min(chunk, stream.size() - at)));
+    replay_chunks(stream, chunk, hub.tcp_events());  // its first byte, 0xB5, switches the link to binary
     allocations += allocation_count() - before;
     ++passes;
   }

@@ -1,10 +1,8 @@
-// Arbitrary chunk sequences through the hub's binary path: the UBX framer, the six decoders'
-// record paths and the log texts. Each chunk's length is given by the byte before it; chk_ignore
-// is switched on by the first byte, so frames with any checksum reach the record checks too.
+// Arbitrary chunk sequences through a link's binary path: the UBX framer, the six decoders' record
+// paths and the log texts. Each chunk's length is given by the byte before it. Each input starts as
+// a new connection switched to binary by a lone non-UTF-8 byte, so every chunk goes to the framer.
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
-#include <string>
 
 #include "link/connection.h"
 #include "link/offline_links.h"
@@ -15,14 +13,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static silent_console_t console;
   static offline_links_t links;
   static connection_t hub(queue, console, links);
-  if (size == 0) return 0;
-  hub.gps_bin.chk_ignore = (data[0] & 1) != 0;
-  std::size_t at = 1;
+  static constexpr std::uint8_t binary_switch[] = {0xFE};
+  auto& link = hub.tcp_events();
+  link.link_up("fuzz");
+  link.link_bytes(binary_switch);
+  std::size_t at = 0;
   while (at < size) {
     const std::size_t len = std::min<std::size_t>(data[at] + 1u, size - at - 1);
     ++at;
     if (len == 0) break;
-    hub.receive_arr(std::span<const std::uint8_t>(data + at, len));
+    link.link_bytes(std::span<const std::uint8_t>(data + at, len));
     at += len;
     queue.now += 0.5;
   }

@@ -134,7 +134,7 @@ void BM_window_refresh(benchmark::State& state) {
   recording_console_t console;
   fake_links_t links;
   memory_kv_store_t store;
-  config_connection_t cfg("Thingy:91 UART", "127.0.0.1", 81, false, store, console);
+  config_connection_t cfg(store, console);
   connection_t hub(queue, console, links);
   QTemporaryDir dir;
   const QString url = write_synthetic_tiles(dir.path(), centre, 15, 16, 4);

@@ -7,7 +7,7 @@
 QString tile_cache_folder() { return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles"; }
 
 KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console)
-    : cfg("Thingy:91 UART", config_connection_t::default_host.front(), 81, false, store, console),
+    : cfg(store, console),
       links(queue, console),
       cnc(queue, console, links),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),

@@ -26,7 +26,7 @@ constexpr int usage_error = 2;                // exit status for a bad command l
 
 void print_summary(const connection_t& hub) {
   std::printf("messages %llu, good %llu, acknowledged %s, binary %s", static_cast<unsigned long long>(hub.msg_count),
-              static_cast<unsigned long long>(hub.msg_good), hub.msg_ack ? "yes" : "no", hub.binary ? "yes" : "no");
+              static_cast<unsigned long long>(hub.msg_good), hub.msg_ack ? "yes" : "no", hub.binary() ? "yes" : "no");
   if (const auto crc = hub.crc_error_text(); !crc.empty()) std::printf(", bad %s", crc.c_str());
   std::printf("\n");
   for (std::size_t i = 0; i < hub.arr_rx->size(); ++i) std::printf("  %s\n", (*hub.arr_rx)[i].c_str());
@@ -44,8 +44,7 @@ void print_result(const connection_t& hub, bool json) {
 int replay(const cli_options_t& options, connection_t& hub) {
   // Read in chunks, so a capture of any size replays in constant memory.
   std::FILE* stream = options.replay_file == "-" ? stdin : std::fopen(options.replay_file.c_str(), "rb");
-  replay_t replay(hub);
-  const bool read = stream && replay.feed_stream(stream, options.chunk);
+  const bool read = stream && replay_stream(stream, options.chunk, hub.tcp_events());
   if (stream && stream != stdin) std::fclose(stream);
   if (!read) {
     std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
@@ -71,8 +70,7 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, connectio
   if (options.connect_saved) {
     store = options.settings_file.empty() ? std::make_unique<qsettings_store_t>()
                                           : std::make_unique<qsettings_store_t>(QString::fromStdString(options.settings_file));
-    settings = std::make_unique<config_connection_t>("Thingy:91 UART", config_connection_t::default_host.front(), 81,
-                                                     false, *store, console);
+    settings = std::make_unique<config_connection_t>(*store, console);
     connect_or_disconnect(*settings, hub);
   } else {
     if (!options.ble_name.empty()) hub.connect_ble(options.ble_name);

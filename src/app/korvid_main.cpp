@@ -98,8 +98,7 @@ int run_headless(int argc, char** argv, const window_options_t& options) {
   stdout_console_t console;
   session_t session;
   if (!session.start(options)) return 1;
-  config_connection_t cfg("Thingy:91 UART", config_connection_t::default_host.front(), 81, false, session.store(),
-                          console);
+  config_connection_t cfg(session.store(), console);
   program_links_t links(queue, console);
   connection_t hub(queue, console, links);
   if (session.sim) {

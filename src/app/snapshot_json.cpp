@@ -20,7 +20,7 @@ void write_hub(json_writer_t& w, const connection_t& hub) {
   put(w, "msg_good", hub.msg_good);
   put(w, "msg_ack", hub.msg_ack);
   put(w, "msg_ack_count", hub.msg_ack_count);
-  put(w, "binary", hub.binary);
+  put(w, "binary", hub.binary());
   put(w, "show_all", hub.show_all.get());
   put(w, "crc_error_text", hub.crc_error_text());
   w.key("arr_rx");

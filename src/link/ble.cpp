@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
-BLE::BLE(ble_delegate_t& delegate, ble_central_api_t& manager, console_t& console, bool binary, bool force_text)
-    : delegate_(delegate), manager_(manager), console_(console), binary_(binary), force_text_(force_text) {
-  manager_.set_events(this);
+BLE::BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console)
+    : events_(events), manager_(std::move(manager)), console_(console) {
+  manager_->set_events(this);
 }
 
-BLE::~BLE() { manager_.set_events(nullptr); }
+BLE::~BLE() {
+  manager_->set_events(nullptr);
+}
 
 void BLE::connect(const std::string& name) {
   name_connect = name;
@@ -17,16 +19,17 @@ void BLE::connect(const std::string& name) {
 
 void BLE::stop() {
   enabled_ = false;
-  if (powered_on()) manager_.stop_scan();
+  if (powered_on()) manager_->stop_scan();
   disconnect_peripheral();
 }
 
 void BLE::write(std::span<const std::uint8_t> bytes) {
   if (!ready()) return;
   // One attribute value carries at most max_write_size bytes: longer writes go in order, in pieces.
-  const std::size_t piece = std::max<std::size_t>(1, manager_.max_write_size(*ble_peripheral));
+  const std::size_t piece = std::max<std::size_t>(1, manager_->max_write_size(*ble_peripheral));
   for (std::size_t at = 0; at < bytes.size(); at += piece)
-    manager_.write_with_response(*ble_peripheral, *ble_char_send, bytes.subspan(at, std::min(piece, bytes.size() - at)));
+    manager_->write_with_response(*ble_peripheral, *ble_char_send,
+                                  bytes.subspan(at, std::min(piece, bytes.size() - at)));
 }
 
 void BLE::manager_state_changed(ble_manager_state_t state) {
@@ -64,7 +67,7 @@ void BLE::manager_state_changed(ble_manager_state_t state) {
 
 void BLE::start_scan() {
   if (!enabled_ || !powered_on()) return;
-  manager_.scan();
+  manager_->scan();
   sta_fg = colour_t::blue;
   status = "BLE scanning...";
   console_.print("BLE scanning...");
@@ -75,41 +78,39 @@ void BLE::peripheral_discovered(const ble_peripheral_t& p) {
     sta_fg = colour_t::green;
     status = "BLE found a " + name_connect.get() + " device";
     connect_peripheral(p);
-  } else if (dbg_scan) {
-    console_.print("BLE found: " + p.description);
   }
 }
 
 void BLE::connect_peripheral(const ble_peripheral_t& p) {
   name_peripheral_reconnect.reset();
-  manager_.stop_scan();
+  manager_->stop_scan();
   ble_peripheral = p;
-  manager_.connect(p);
+  manager_->connect(p);
 }
 
 void BLE::peripheral_connected(const ble_peripheral_t& p) {
   console_.print("BLE connected: " + p.description);
   name_peripheral = p.name;
   status = "BLE connected: " + p.name.value_or("[no name]");
-  binary_ = false;
-  manager_.read_rssi(p);
-  manager_.discover_services(p);
+  manager_->read_rssi(p);
+  manager_->discover_services(p);
 }
 
 void BLE::services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) {
-  for (const auto service : services) manager_.discover_characteristics(p, service);
+  for (const auto service : services) manager_->discover_characteristics(p, service);
 }
 
-void BLE::characteristics_discovered(const ble_peripheral_t& p, const std::vector<ble_characteristic_t>& characteristics) {
+void BLE::characteristics_discovered(const ble_peripheral_t& p,
+                                     const std::vector<ble_characteristic_t>& characteristics) {
   for (const auto& c : characteristics) {
-    manager_.read_value(p, c);
+    manager_->read_value(p, c);
     if (c.uuid == uuid_char_recv) {
       ble_char_recv = c;
-      manager_.set_notify(p, c, true);
+      manager_->set_notify(p, c, true);
       check_ready();
     } else if (c.uuid == uuid_char_send) {
       ble_char_send = c;
-      manager_.set_notify(p, c, true);
+      manager_->set_notify(p, c, true);
       status = p.name.value_or("online");
       check_ready();
     }
@@ -123,36 +124,14 @@ void BLE::check_ready() {
     return;
   }
   console_.print("");
-  log_rx = "";
-  lines_.reset();
   sta_fg = colour_t::secondary;
-  delegate_.ble_connected(name_peripheral.value_or("(nil)"));
+  events_.link_up(name_peripheral.value_or("(nil)"));
 }
 
 void BLE::value_updated(const ble_peripheral_t& p, const ble_characteristic_t&,
                         std::optional<std::span<const std::uint8_t>> value) {
-  manager_.read_rssi(p);
-  if (!value || value->empty()) return;
-  delegate_.ble_bridge(*value);
-  if (force_text_ || !binary_) {
-    if (utf8_valid(*value)) {
-      binary_ = false;
-      receive_text(*value);
-      return;
-    }
-    // A lone 0x00 or 0xFF, or 0x00 0xFF, goes the binary way without switching the mode.
-    const bool stray_bytes = (value->size() == 1 && ((*value)[0] == 0x00 || (*value)[0] == 0xFF)) ||
-                             (value->size() == 2 && (*value)[0] == 0x00 && (*value)[1] == 0xFF);
-    if (!stray_bytes) binary_ = true;
-  }
-  delegate_.receive_arr(*value);
-}
-
-void BLE::receive_text(std::span<const std::uint8_t> text) {
-  const auto lines = lines_.cut_lines(text);
-  if (lines.empty()) return;
-  delegate_.ble_text_mode();
-  for (const auto& line : lines) delegate_.receive_line(line);
+  manager_->read_rssi(p);
+  if (value && !value->empty()) events_.link_bytes(*value);
 }
 
 void BLE::peripheral_disconnected(const ble_peripheral_t&, const std::optional<std::string>& error) {
@@ -161,7 +140,7 @@ void BLE::peripheral_disconnected(const ble_peripheral_t&, const std::optional<s
   const auto name = *name_peripheral;
   console_.print("disconnected: " + name + " -----------------");
   console_.print(*error);
-  delegate_.ble_disconnected(name);
+  events_.link_down(name, 0);
   disconnect_peripheral();
   name_peripheral_reconnect = name;
   start_scan();
@@ -170,7 +149,7 @@ void BLE::peripheral_disconnected(const ble_peripheral_t&, const std::optional<s
 void BLE::disconnect_peripheral() {
   name_peripheral.reset();
   if (ble_peripheral && powered_on()) {
-    manager_.cancel_connection(*ble_peripheral);
+    manager_->cancel_connection(*ble_peripheral);
     ble_peripheral.reset();
     ble_char_recv.reset();
     ble_char_send.reset();
@@ -192,4 +171,6 @@ void BLE::value_written(const ble_peripheral_t&, const ble_characteristic_t&, co
   if (error) console_.print("BLE write: " + *error);
 }
 
-void BLE::rssi_read(const ble_peripheral_t&, int value) { rssi.rssi = value; }
+void BLE::rssi_read(const ble_peripheral_t&, int value) {
+  rssi.rssi = value;
+}

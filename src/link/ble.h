@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,8 +10,8 @@
 #include "core/console.h"
 #include "core/observable.h"
 #include "link/ble_central_api.h"
-#include "link/ble_link.h"
-#include "link/chunk_splitter.h"
+#include "link/defaults.h"
+#include "link/link.h"
 
 // The last signal strength read from the peripheral, in dBm; 0 when unknown.
 class rssi_t final : public observable_t {
@@ -21,15 +22,15 @@ public:
 };
 
 // The Bluetooth LE central for a receiver behind the Nordic UART Service: scans for a peripheral
-// by its advertised name, connects, subscribes to the UART characteristic's notifications, cuts
-// their text into lines or passes binary (UBX) data on, and rescans by itself when the peripheral
-// is lost. Everything runs on the main thread.
+// by its advertised name, connects, subscribes to the UART characteristic's notifications, hands
+// their bytes to the hub, and rescans by itself when the peripheral is lost. Everything runs on the
+// main thread.
 class BLE final : public observable_t, public ble_link_t, private ble_central_events_t {
 public:
   static constexpr std::string_view uuid_char_recv = "6E400003-B5A3-F393-E0A9-E50E24DCCA9E";  // notify
   static constexpr std::string_view uuid_char_send = "6E400002-B5A3-F393-E0A9-E50E24DCCA9E";  // write
 
-  BLE(ble_delegate_t& delegate, ble_central_api_t& manager, console_t& console, bool binary, bool force_text);
+  BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console);
   ~BLE() override;
 
   // ble_link_t, for the hub.
@@ -44,15 +45,12 @@ public:
   void disconnect_peripheral();
   void ble_reconnect();
 
-  bool binary() const { return binary_; }
   bool ready() const { return ble_peripheral && ble_char_recv && ble_char_send; }
 
   published_t<colour_t> sta_fg{*this, colour_t::primary};
   published_t<std::string> status{*this, "offline"};
-  published_t<std::string> log_rx{*this, ""};
-  published_t<std::string> name_connect{*this, "Thingy:91 UART"};
+  published_t<std::string> name_connect{*this, std::string(default_ble_name)};
   rssi_t rssi;
-  published_t<bool> dbg_scan{*this, false};  // print every other peripheral found while scanning
 
   std::optional<ble_peripheral_t> ble_peripheral;
   std::optional<ble_characteristic_t> ble_char_recv;
@@ -76,14 +74,10 @@ private:
 
   void connect_peripheral(const ble_peripheral_t& p);
   void check_ready();
-  void receive_text(std::span<const std::uint8_t> text);
-  bool powered_on() const { return manager_.state() == ble_manager_state_t::powered_on; }
+  bool powered_on() const { return manager_->state() == ble_manager_state_t::powered_on; }
 
-  ble_delegate_t& delegate_;
-  ble_central_api_t& manager_;
+  link_events_t& events_;
+  std::unique_ptr<ble_central_api_t> manager_;
   console_t& console_;
   bool enabled_ = false;
-  bool binary_;
-  bool force_text_;
-  chunk_splitter_t lines_{false, false};  // the line cutter; its remainder is the unfinished line
 };

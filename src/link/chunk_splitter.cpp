@@ -46,12 +46,12 @@ bool utf8_valid(std::span<const std::uint8_t> bytes) {
       len = 2;
     } else if (b >= 0xE0 && b <= 0xEF) {
       len = 3;
-      if (b == 0xE0) lo = 0xA0;       // no overlong forms
-      if (b == 0xED) hi = 0x9F;       // no surrogates
+      if (b == 0xE0) lo = 0xA0;  // no overlong forms
+      if (b == 0xED) hi = 0x9F;  // no surrogates
     } else if (b >= 0xF0 && b <= 0xF4) {
       len = 4;
-      if (b == 0xF0) lo = 0x90;       // no overlong forms
-      if (b == 0xF4) hi = 0x8F;       // nothing above U+10FFFF
+      if (b == 0xF0) lo = 0x90;  // no overlong forms
+      if (b == 0xF4) hi = 0x8F;  // nothing above U+10FFFF
     } else {
       return false;
     }
@@ -69,28 +69,15 @@ void chunk_splitter_t::reset() {
   partial_.clear();
 }
 
-void chunk_splitter_t::feed(std::span<const std::uint8_t> chunk, chunk_sink_t& sink) {
-  sink.chunk_bridge(chunk);
-  if (!force_text_ && binary_) {
-    sink.chunk_binary(chunk);
-    return;
-  }
+chunk_cut_t chunk_splitter_t::feed(std::span<const std::uint8_t> chunk) {
+  if (binary_) return {true, {}};
   if (!utf8_valid(chunk)) {
-    binary_switch(chunk, sink);
-    return;
+    const bool stray_bytes = (chunk.size() == 1 && (chunk[0] == 0x00 || chunk[0] == 0xFF)) ||
+                             (chunk.size() == 2 && chunk[0] == 0x00 && chunk[1] == 0xFF);
+    binary_ = !stray_bytes;
+    return {true, {}};
   }
-  if (const auto lines = cut_lines(chunk); !lines.empty()) {
-    binary_ = false;
-    sink.chunk_lines(lines);
-  }
-  if (binary_) sink.chunk_binary(chunk);
-}
-
-void chunk_splitter_t::binary_switch(std::span<const std::uint8_t> chunk, chunk_sink_t& sink) {
-  const bool stray_bytes = (chunk.size() == 1 && (chunk[0] == 0x00 || chunk[0] == 0xFF)) ||
-                           (chunk.size() == 2 && chunk[0] == 0x00 && chunk[1] == 0xFF);
-  if (!stray_bytes) binary_ = true;
-  sink.chunk_binary(chunk);
+  return {false, cut_lines(chunk)};
 }
 
 // CRs are dropped wherever they stand and LF ends a line. A line that lies wholly in the chunk (no
@@ -113,7 +100,7 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
     }
     const std::string_view run(text + start, i - start);
     if (partial_.empty()) {
-      if (!run.empty() || empty_lines_) add_line(run);
+      if (!run.empty()) add_line(run);
     } else {
       partial_.append(run);
       add_line(partial_);
@@ -124,10 +111,9 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
   partial_.append(text + start, size - start);
   const std::uint8_t last = chunk.empty() ? 0 : chunk.back();
   if (last == '\r' || last == '\n') {
-    if (!partial_.empty() || empty_lines_) add_line(partial_);
+    if (!partial_.empty()) add_line(partial_);
     partial_.clear();
   }
-  if (line_count_ > 0 && lines_[line_count_ - 1].empty()) --line_count_;
   return {lines_.data(), line_count_};
 }
 

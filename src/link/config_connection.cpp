@@ -4,13 +4,13 @@
 
 #include "nmea/fields.h"
 
-const std::vector<std::string> config_connection_t::default_ble_name = {"Thingy:91 UART", "nrf9160dk UART",
-                                                                        "nrf52840dk UART"};
+const std::vector<std::string> config_connection_t::default_ble_names = {std::string(default_ble_name),
+                                                                         "nrf9160dk UART", "nrf52840dk UART"};
 // Loopback (korvid-sim, a local bridge), then the gateways of common receiver Wi-Fi bridges and
 // home, office and phone hotspot networks.
-const std::vector<std::string> config_connection_t::default_host = {"127.0.0.1",  "192.168.4.1", "192.168.1.1",
-                                                                    "192.168.0.1", "10.0.0.1",    "172.20.10.1"};
-const std::vector<std::uint16_t> config_connection_t::default_port = {81};
+const std::vector<std::string> config_connection_t::default_hosts = {
+    std::string(default_host), "192.168.4.1", "192.168.1.1", "192.168.0.1", "10.0.0.1", "172.20.10.1"};
+const std::vector<std::uint16_t> config_connection_t::default_ports = {default_port};
 
 namespace {
 
@@ -25,21 +25,18 @@ void put_first(std::vector<T>& history, const T& value, std::size_t count) {
 
 }  // namespace
 
-config_connection_t::config_connection_t(std::string ble_name, std::string host, std::uint16_t port,
-                                         bool delete_saved, kv_store_t& store, console_t& console)
-    : store_(store), console_(console) {
-  if (delete_saved) delete_config();
+config_connection_t::config_connection_t(kv_store_t& store, console_t& console) : store_(store), console_(console) {
   reset_histories();
-  load(ble_name, host, port);
+  load();
 }
 
 void config_connection_t::reset_histories() {
-  history_ble_name = default_ble_name;
-  history_host = default_host;
-  history_port = default_port;
+  history_ble_name = default_ble_names;
+  history_host = default_hosts;
+  history_port = default_ports;
 }
 
-void config_connection_t::load(const std::string& name, const std::string& given_host, std::uint16_t given_port) {
+void config_connection_t::load() {
   using kind = kv_value_t::kind_t;
   if (const auto v = store_.get(key_enable_bridge); v.kind == kind::boolean) set_enable_bridge(v.boolean);
   if (const auto v = store_.get(key_enable_ble); v.kind == kind::boolean) set_enable_ble(v.boolean);
@@ -57,13 +54,13 @@ void config_connection_t::load(const std::string& name, const std::string& given
     history_ble_name = *names;
     ble_name = names->front();
   } else {
-    save_ble_name(name);
+    save_ble_name(std::string(default_ble_name));
   }
   if (const auto hosts = strings(store_.get(key_history_host))) {
     history_host = *hosts;
     host = hosts->front();
   } else {
-    save_host(given_host);
+    save_host(std::string(default_host));
   }
 
   const auto ports = store_.get(key_history_port);
@@ -77,7 +74,7 @@ void config_connection_t::load(const std::string& name, const std::string& given
     history_port = stored_ports;
     port = stored_ports.front();
   } else {
-    save_port(given_port);
+    save_port(default_port);
   }
 }
 

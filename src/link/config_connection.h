@@ -8,6 +8,7 @@
 
 #include "core/console.h"
 #include "core/observable.h"
+#include "link/defaults.h"
 #include "link/kv_store.h"
 
 // The connection settings: which link to use (TCP, Bluetooth LE, or both as a bridge), the BLE
@@ -23,12 +24,13 @@ public:
   static constexpr std::string_view key_history_host = "history_host";
   static constexpr std::string_view key_history_port = "history_port";
 
-  static const std::vector<std::string> default_ble_name;
-  static const std::vector<std::string> default_host;  // loopback first: the demo and local bridges
-  static const std::vector<std::uint16_t> default_port;
+  // The histories of a new user, each led by the default value.
+  static const std::vector<std::string> default_ble_names;
+  static const std::vector<std::string> default_hosts;  // loopback first: the demo and local bridges
+  static const std::vector<std::uint16_t> default_ports;
 
-  config_connection_t(std::string ble_name, std::string host, std::uint16_t port, bool delete_saved, kv_store_t& store,
-                      console_t& console);
+  // Restores the saved settings; what is missing or unreadable starts from the defaults.
+  config_connection_t(kv_store_t& store, console_t& console);
 
   std::string save_ble_name(const std::string& name);
   std::string save_host(const std::string& host);
@@ -55,17 +57,17 @@ public:
   static std::optional<std::string> parse_ipv4(std::string_view text);
 
   published_t<bool> show_config{*this, false};
-  published_t<std::string> ble_name{*this, "Thingy:91 UART"};
-  published_t<std::vector<std::string>> history_ble_name{*this, {"Thingy:91 UART"}};
-  published_t<std::string> host{*this, default_host.front()};
-  published_t<std::vector<std::string>> history_host{*this, {default_host.front()}};
-  published_t<std::uint16_t> port{*this, 81};
-  published_t<std::vector<std::uint16_t>> history_port{*this, {81}};
+  published_t<std::string> ble_name{*this, std::string(default_ble_name)};
+  published_t<std::vector<std::string>> history_ble_name{*this, {std::string(default_ble_name)}};
+  published_t<std::string> host{*this, std::string(default_host)};
+  published_t<std::vector<std::string>> history_host{*this, {std::string(default_host)}};
+  published_t<std::uint16_t> port{*this, default_port};
+  published_t<std::vector<std::uint16_t>> history_port{*this, {default_port}};
   published_t<bool> host_valid{*this, true};
   published_t<bool> port_valid{*this, true};
 
 private:
-  void load(const std::string& name, const std::string& host, std::uint16_t port);
+  void load();
 
   kv_store_t& store_;
   console_t& console_;

@@ -31,21 +31,20 @@ connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory
     : gsa(queue), gsv(queue), queue_(queue), console_(console), links_(links) {
   // A sentence of at most sentence_max_length characters has at most that many fields.
   fields_.resize(sentence_max_length);
-  for (observable_t* decoder : {static_cast<observable_t*>(&gga), static_cast<observable_t*>(&gll),
-                                static_cast<observable_t*>(&rmc), static_cast<observable_t*>(&vtg),
-                                static_cast<observable_t*>(&gsa), static_cast<observable_t*>(&gsv)})
-    any_cancellable_.push_back(decoder->subscribe([this] { notify(); }));
+  for (auto* decoder : decoders_) any_cancellable_.push_back(decoder->subscribe([this] { notify(); }));
 }
 
-connection_t::~connection_t() { *alive_ = false; }
+connection_t::~connection_t() {
+  *alive_ = false;
+}
 
 tcp_link_t& connection_t::tcp_client() {
-  if (!tcp_client_) tcp_client_ = links_.make_tcp(*this);
+  if (!tcp_client_) tcp_client_ = links_.make_tcp(tcp_side_);
   return *tcp_client_;
 }
 
 ble_link_t& connection_t::ble() {
-  if (!ble_) ble_ = links_.make_ble(*this);
+  if (!ble_) ble_ = links_.make_ble(ble_side_);
   return *ble_;
 }
 
@@ -53,7 +52,12 @@ void connection_t::connect_tcp(const std::string& host, std::uint16_t port) {
   console_.print(console_.date() + "  Connect " + host_port(host, port));
   status_tcp = "Connect " + host_port(host, port);
   sta_fg_tcp = colour_t::green;
-  if (tcp_client().connect(host, port) != 0) console_.print("already connected");
+  if (tcp_client().connect(host, port) != 0) {
+    console_.print("already connected");
+    return;
+  }
+  tcp_host_ = host;
+  tcp_port_ = port;
 }
 
 void connection_t::connect_ble(const std::string& name) {
@@ -74,7 +78,7 @@ void connection_t::disconnect() {
 
 void connection_t::reset() {
   console_.print("reset");
-  for (auto* decoder : arr_update_) decoder->reset();
+  for (auto* decoder : decoders_) decoder->reset();
   clear_log_and_counters();
 }
 
@@ -86,33 +90,26 @@ void connection_t::clear_log_and_counters() {
   msg_ack = false;
 }
 
-void connection_t::tcp_connected(const std::string& host, std::uint16_t port) {
-  console_.print(console_.date() + "  connected to " + host_port(host, port));
+void connection_t::link_up(side_t& side, const std::string& peer) {
+  console_.print(console_.date() + "  connected to " + peer);
+  side.splitter.reset();
   clear_log_and_counters();
-  status_tcp = host_port(host, port);
-  sta_fg_tcp = colour_t::secondary;
+  side.status = peer;
+  side.colour = colour_t::secondary;
 }
 
-void connection_t::ble_connected(const std::string& name) {
-  console_.print(console_.date() + "  connected to " + name);
-  clear_log_and_counters();
-  status_ble = name;
-  sta_fg_ble = colour_t::secondary;
-}
-
-void connection_t::ble_disconnected(const std::string& name) {
-  status_ble = "BLE scanning...";
-  sta_fg_ble = colour_t::red;
-  console_.print(console_.date() + "  disconnected from " + name);
-}
-
-void connection_t::tcp_error(const std::string& host, std::uint16_t port, std::int32_t error_number) {
-  const char* text = std::strerror(error_number);
+void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t error) {
+  if (&side == &ble_side_) {
+    status_ble = "BLE scanning...";
+    sta_fg_ble = colour_t::red;
+    console_.print(console_.date() + "  disconnected from " + peer);
+    return;
+  }
+  const char* text = std::strerror(error);
   status_tcp = text != nullptr && *text != '\0' ? std::string(text) : std::string("Unknown error");
   sta_fg_tcp = colour_t::red;
-  console_.print(console_.date() + "  connect " + host_port(host, port) + "  " + std::to_string(error_number) +
-                 " " + status_tcp.get());
-  schedule_reconnect(host, port);
+  console_.print(console_.date() + "  connect " + peer + "  " + std::to_string(error) + " " + status_tcp.get());
+  schedule_reconnect(tcp_host_, tcp_port_);
 }
 
 // Retries while the user still wants the link and it is not up; every failure schedules the next.
@@ -124,21 +121,20 @@ void connection_t::schedule_reconnect(const std::string& host, std::uint16_t por
   });
 }
 
-void connection_t::tcp_lines(std::span<const std::string> lines) {
-  binary = false;
-  for (const auto& line : lines) receive_line(line);
-}
-
-void connection_t::tcp_binary(std::span<const std::uint8_t> bytes) { receive_arr(bytes); }
-
-// A transport that was never created cannot be up: bridged bytes for it are dropped without
+// Every chunk is first forwarded to the other link for the bridge, then cut into lines or decoded
+// as binary. A link that was never created cannot be up: bridged bytes for it are dropped without
 // creating it (and, for Bluetooth, without waking the platform's stack for every TCP chunk).
-void connection_t::tcp_bridge(std::span<const std::uint8_t> bytes) {
-  if (ble_) ble_->write(bytes);
-}
-
-void connection_t::ble_bridge(std::span<const std::uint8_t> bytes) {
-  if (tcp_client_) tcp_client_->send(bytes);
+void connection_t::link_bytes(side_t& side, std::span<const std::uint8_t> bytes) {
+  link_t* other = &side == &tcp_side_ ? static_cast<link_t*>(ble_.get()) : tcp_client_.get();
+  if (other) other->write(bytes);
+  const auto cut = side.splitter.feed(bytes);
+  if (cut.binary) {
+    receive_arr(bytes);
+    return;
+  }
+  if (cut.lines.empty()) return;
+  binary_ = false;
+  for (const auto& line : cut.lines) receive_line(line);
 }
 
 void connection_t::count_candidate() {
@@ -157,7 +153,7 @@ void connection_t::receive_line(std::string_view line) {
   if (scan.characters < sentence_min_length || scan.characters > sentence_max_length) return;
   if (!scan.checksum_ok) return;
   const std::span<const std::string_view> fields(fields_.data(), std::min(scan.field_count, fields_.size()));
-  for (auto* decoder : arr_update_) decoder->update(fields);
+  for (auto* decoder : decoders_) decoder->update(fields);
   if (msg_ack) {
     ++msg_good;
   } else {
@@ -167,8 +163,8 @@ void connection_t::receive_line(std::string_view line) {
 }
 
 void connection_t::receive_arr(std::span<const std::uint8_t> bytes) {
-  binary = true;
-  const auto result = gps_bin.decode(bytes);
+  binary_ = true;
+  const auto result = gps_bin_.decode(bytes);
   switch (result) {
     case gps_bin_return_t::need_more_data:
     case gps_bin_return_t::unsupported_type:
@@ -205,8 +201,8 @@ void connection_t::log_error(gps_bin_return_t result) {
 void connection_t::log_record() {
   arr_rx.modify([](string_ring_t& log) { log.clear(); });
   entry_.clear();
-  if (gps_bin.decoded_type == gps_bin_format_t::posllh) append_text(entry_, gps_bin.posllh);
-  if (gps_bin.decoded_type == gps_bin_format_t::pvt) append_text(entry_, gps_bin.pvt);
+  if (gps_bin_.decoded_type == gps_bin_format_t::posllh) append_text(entry_, gps_bin_.posllh);
+  if (gps_bin_.decoded_type == gps_bin_format_t::pvt) append_text(entry_, gps_bin_.pvt);
   log_append(entry_);
 }
 
@@ -219,7 +215,7 @@ void connection_t::log_append(std::string_view entry) {
 std::string connection_t::crc_error_text() const {
   if (msg_count <= msg_good) return {};
   const float p = static_cast<float>(msg_count - msg_good) * 100.0f / static_cast<float>(msg_count);
-  if (p == 0.0f || !show_crc) return {};
+  if (p == 0.0f) return {};
   char text[64];
   const int n = std::snprintf(text, sizeof text, "%.f%%  ", static_cast<double>(p));
   return std::string(text, static_cast<std::size_t>(n));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,6 +12,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "core/string_ring.h"
+#include "link/chunk_splitter.h"
 #include "link/link_factory.h"
 #include "nmea/gps_gngga.h"
 #include "nmea/gps_gngll.h"
@@ -21,15 +23,16 @@
 #include "nmea/gps_protocol.h"
 #include "ubx/gps_bin.h"
 
-// The hub: owns the two transports and the decoders, validates sentences and hands their fields
-// to the decoders, keeps the message counters, the link status texts and the short log, and
-// forwards raw bytes between the two links (the bridge). Everything here runs on the main thread.
-class connection_t final : public observable_t, public tcp_client_delegate_t, public ble_delegate_t {
+// The hub: owns the two transports and the decoders, takes every received chunk from the links,
+// validates sentences and hands their fields to the decoders, keeps the message counters, the link
+// status texts and the short log, and forwards raw bytes between the two links (the bridge).
+// Everything here runs on the main thread.
+class connection_t final : public observable_t {
 public:
-  static constexpr double reconnect_delay = 4.0;          // s between a TCP failure and the retry
-  static constexpr std::uint64_t msg_ack_limit = 10;      // candidates that acknowledge a stream
-  static constexpr std::size_t log_limit_hidden = 30;     // arr_rx entries while the log is hidden
-  static constexpr std::size_t log_limit_shown = 40;      // ... and while it is shown
+  static constexpr double reconnect_delay = 4.0;       // s between a TCP failure and the retry
+  static constexpr std::uint64_t msg_ack_limit = 10;   // candidates that acknowledge a stream
+  static constexpr std::size_t log_limit_hidden = 30;  // arr_rx entries while the log is hidden
+  static constexpr std::size_t log_limit_shown = 40;   // ... and while it is shown
 
   connection_t(main_queue_t& queue, console_t& console, link_factory_t& links);
   ~connection_t() override;
@@ -41,22 +44,9 @@ public:
   void reset();
   std::string crc_error_text() const;
 
-  // receive_line_t, receive_arr_t
-  void receive_line(std::string_view line) override;
-  void receive_arr(std::span<const std::uint8_t> bytes) override;
-
-  // tcp_client_delegate_t
-  void tcp_connected(const std::string& host, std::uint16_t port) override;
-  void tcp_error(const std::string& host, std::uint16_t port, std::int32_t error_number) override;
-  void tcp_lines(std::span<const std::string> lines) override;
-  void tcp_binary(std::span<const std::uint8_t> bytes) override;
-  void tcp_bridge(std::span<const std::uint8_t> bytes) override;
-
-  // ble_delegate_t
-  void ble_connected(const std::string& name) override;
-  void ble_disconnected(const std::string& name) override;
-  void ble_bridge(std::span<const std::uint8_t> bytes) override;
-  void ble_text_mode() override { binary = false; }
+  // Where each transport reports. A replay feeds the TCP link's receive path without connecting.
+  link_events_t& tcp_events() { return tcp_side_; }
+  link_events_t& ble_events() { return ble_side_; }
 
   // The transports, created on first use.
   tcp_link_t& tcp_client();
@@ -65,15 +55,15 @@ public:
   bool tcp_enabled() const { return tcp_client_ && tcp_client_->enabled(); }
   bool ble_enabled() const { return ble_ && ble_->enabled(); }
 
-  bool binary = false;  // the last data handled was a binary chunk
+  // The data handled last was a binary chunk (UBX), not text lines.
+  bool binary() const { return binary_; }
+
   published_t<colour_t> sta_fg_ble{*this, colour_t::primary};
   published_t<colour_t> sta_fg_tcp{*this, colour_t::primary};
   published_t<std::string> status_ble{*this, "offline"};
   published_t<std::string> status_tcp{*this, "offline"};
   published_t<string_ring_t> arr_rx{*this, string_ring_t(log_limit_shown)};
-  published_t<colour_t> log_fg{*this, colour_t::primary};
   published_t<bool> show_all{*this, false};  // log every valid sentence, not only GGA
-  bool show_crc = true;
   published_t<bool> show_log{*this, false};  // the log view is shown: its bound is 40, not 30
   published_t<bool> show_details{*this, false};
   std::uint64_t msg_ack_count = 0;
@@ -89,13 +79,27 @@ public:
   gps_gngsa_t gsa;
   gps_gpgsv_t gsv;
 
-  // The decoders in the order they are offered every sentence and record.
-  const std::vector<gps_decoder_t*>& arr_update() const { return arr_update_; }
-
-  // The UBX stream decoder; it hands records to the same six decoders.
-  gps_bin_t gps_bin{{&gga, &gll, &rmc, &vtg, &gsa, &gsv}};
-
 private:
+  // One per transport: where it reports, with the status it drives and its own line cutter.
+  class side_t final : public link_events_t {
+  public:
+    side_t(connection_t& hub, published_t<std::string>& status, published_t<colour_t>& colour)
+        : hub_(hub), status(status), colour(colour) {}
+    void link_up(const std::string& peer) override { hub_.link_up(*this, peer); }
+    void link_down(const std::string& peer, std::int32_t error) override { hub_.link_down(*this, peer, error); }
+    void link_bytes(std::span<const std::uint8_t> bytes) override { hub_.link_bytes(*this, bytes); }
+
+    connection_t& hub_;
+    published_t<std::string>& status;
+    published_t<colour_t>& colour;
+    chunk_splitter_t splitter;
+  };
+
+  void link_up(side_t& side, const std::string& peer);
+  void link_down(side_t& side, const std::string& peer, std::int32_t error);
+  void link_bytes(side_t& side, std::span<const std::uint8_t> bytes);
+  void receive_line(std::string_view line);
+  void receive_arr(std::span<const std::uint8_t> bytes);
   void log_append(std::string_view entry);
   void count_candidate();
   void log_record();
@@ -103,14 +107,22 @@ private:
   void clear_log_and_counters();
   void schedule_reconnect(const std::string& host, std::uint16_t port);
 
+  // The six decoders in the order they are offered every sentence and record, and the UBX stream
+  // decoder, which hands its records to them in the same order.
+  const std::array<gps_decoder_t*, 6> decoders_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
+  gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}};
   main_queue_t& queue_;
   console_t& console_;
   link_factory_t& links_;
+  side_t tcp_side_{*this, status_tcp, sta_fg_tcp};
+  side_t ble_side_{*this, status_ble, sta_fg_ble};
   std::unique_ptr<tcp_link_t> tcp_client_;
   std::unique_ptr<ble_link_t> ble_;
-  std::vector<gps_decoder_t*> arr_update_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
+  std::string tcp_host_;  // the address of the last TCP connect, for its retries
+  std::uint16_t tcp_port_ = 0;
+  bool binary_ = false;
   std::vector<subscription_t> any_cancellable_;
-  std::vector<std::string_view> fields_;  // reused for every sentence
-  std::string entry_;                     // reused for every record's log text
+  std::vector<std::string_view> fields_;                        // reused for every sentence
+  std::string entry_;                                           // reused for every record's log text
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // guards delayed tasks
 };

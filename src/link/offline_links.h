@@ -16,7 +16,7 @@ public:
   bool enabled() const override { return enabled_; }
   bool valid() const override { return false; }
   void stop() override { enabled_ = false; }
-  void send(std::span<const std::uint8_t>) override {}
+  void write(std::span<const std::uint8_t>) override {}
 
 private:
   bool enabled_ = false;
@@ -37,6 +37,6 @@ private:
 
 class offline_links_t final : public link_factory_t {
 public:
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override { return std::make_unique<offline_tcp_t>(); }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override { return std::make_unique<offline_ble_t>(); }
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override { return std::make_unique<offline_tcp_t>(); }
+  std::unique_ptr<ble_link_t> make_ble(link_events_t&) override { return std::make_unique<offline_ble_t>(); }
 };

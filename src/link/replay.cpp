@@ -12,20 +12,18 @@ constexpr std::size_t read_block = 256 * 1024;
 
 }  // namespace
 
-bool replay_t::feed_stream(std::FILE* stream, std::size_t chunk_size) {
+bool replay_stream(std::FILE* stream, std::size_t chunk_size, link_events_t& link) {
   if (chunk_size == 0) return false;
   const std::size_t block = std::max<std::size_t>(1, read_block / chunk_size) * chunk_size;
   std::vector<std::uint8_t> buffer(block);
   for (;;) {
     const auto n = std::fread(buffer.data(), 1, block, stream);
-    for (std::size_t at = 0; at < n; at += chunk_size)
-      feed(std::span<const std::uint8_t>(buffer.data() + at, std::min(chunk_size, n - at)));
+    replay_chunks(std::span<const std::uint8_t>(buffer.data(), n), chunk_size, link);
     if (n < block) return std::ferror(stream) == 0;
   }
 }
 
-void replay_chunks(std::span<const std::uint8_t> capture, std::size_t chunk_size, tcp_client_delegate_t& delegate) {
-  replay_t replay(delegate);
+void replay_chunks(std::span<const std::uint8_t> capture, std::size_t chunk_size, link_events_t& link) {
   for (std::size_t at = 0; at < capture.size(); at += chunk_size)
-    replay.feed(capture.subspan(at, std::min(chunk_size, capture.size() - at)));
+    link.link_bytes(capture.subspan(at, std::min(chunk_size, capture.size() - at)));
 }

@@ -13,37 +13,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "link/chunk_splitter.h"
-
 namespace {
-
-// Hands each piece of a chunk to the main thread and waits until it has been handled. Once the
-// queue is closing, the hand-over gives up and the receive loop ends.
-class main_thread_sink_t final : public chunk_sink_t {
-public:
-  main_thread_sink_t(main_queue_t& queue, tcp_client_delegate_t& delegate) : queue_(queue), delegate_(delegate) {}
-
-  void chunk_bridge(std::span<const std::uint8_t> bytes) override {
-    hand_over([&] { delegate_.tcp_bridge(bytes); });
-  }
-  void chunk_lines(std::span<const std::string> lines) override {
-    hand_over([&] { delegate_.tcp_lines(lines); });
-  }
-  void chunk_binary(std::span<const std::uint8_t> bytes) override {
-    hand_over([&] { delegate_.tcp_binary(bytes); });
-  }
-  bool closing() const { return closing_; }
-
-private:
-  template <class F>
-  void hand_over(F&& task) {
-    if (!closing_ && !queue_.post_and_wait(std::forward<F>(task))) closing_ = true;
-  }
-
-  main_queue_t& queue_;
-  tcp_client_delegate_t& delegate_;
-  bool closing_ = false;
-};
 
 void set_int_option(int fd, int level, int option, int value) {
   ::setsockopt(fd, level, option, &value, sizeof value);
@@ -66,11 +36,14 @@ int finish_connect(int fd, int poll_ms, F&& stay) {
   }
 }
 
+std::string host_port(const std::string& host, std::uint16_t port) {
+  return host + ":" + std::to_string(port);
+}
+
 }  // namespace
 
-tcp_client_t::tcp_client_t(tcp_client_delegate_t& delegate, main_queue_t& queue, console_t& console, bool binary,
-                           bool force_text)
-    : delegate_(delegate), queue_(queue), console_(console), force_text_(force_text), binary_(binary) {}
+tcp_client_t::tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console)
+    : events_(events), queue_(queue), console_(console) {}
 
 tcp_client_t::~tcp_client_t() {
   *alive_ = false;
@@ -108,7 +81,7 @@ void tcp_client_t::stop() {
   if (fd != -1) ::shutdown(fd, SHUT_RDWR);
 }
 
-void tcp_client_t::send(std::span<const std::uint8_t> bytes) {
+void tcp_client_t::write(std::span<const std::uint8_t> bytes) {
   // Under the lock the descriptor cannot be closed (and its number reused) between the check and
   // the send.
   std::lock_guard lock(state_mutex_);
@@ -160,7 +133,7 @@ void tcp_client_t::join_finished_threads() {
 
 void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint64_t generation) {
   auto report_error = [&](int error) {
-    queue_.post_and_wait([this, host, port, error] { delegate_.tcp_error(host, port, error); });
+    queue_.post_and_wait([this, host, port, error] { events_.link_down(host_port(host, port), error); });
   };
   const int fd = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
   if (fd < 0) {
@@ -172,7 +145,6 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
     std::lock_guard lock(state_mutex_);
     if (current(generation)) so_ = fd;
   }
-  binary_ = false;
   set_int_option(fd, IPPROTO_TCP, TCP_NODELAY, 1);
 
   sockaddr_in address{};
@@ -192,7 +164,7 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
   if (error == 0 && claim_connection(generation, fd)) {
     // Posted before the receive loop starts, so the hub hears of the link before its first chunk.
     queue_.post([this, alive = std::weak_ptr(alive_), host, port] {
-      if (const auto a = alive.lock(); a && *a) delegate_.tcp_connected(host, port);
+      if (const auto a = alive.lock(); a && *a) events_.link_up(host_port(host, port));
     });
     start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
     return;
@@ -203,24 +175,26 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
 }
 
 void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd) {
-  std::array<std::uint8_t, buffer_size> buffer{};
-  chunk_splitter_t splitter(false, force_text_);
-  main_thread_sink_t sink(queue_, delegate_);
+  std::array<std::uint8_t, recv_size> buffer{};
+  bool closing = false;
   int error = 0;
-  while (valid_ && current(generation) && !sink.closing()) {
-    const auto n = ::recv(fd, buffer.data(), recv_size, 0);
+  while (valid_ && current(generation)) {
+    const auto n = ::recv(fd, buffer.data(), buffer.size(), 0);
     if (n <= 0) {
       // An orderly close by the peer sets no error; it is reported as a reset connection.
       error = n == 0 ? ECONNRESET : errno;
       break;
     }
-    buffer[static_cast<std::size_t>(n)] = 0;
-    splitter.feed(std::span<const std::uint8_t>(buffer.data(), static_cast<std::size_t>(n)), sink);
-    binary_ = splitter.binary();
+    const std::span<const std::uint8_t> chunk(buffer.data(), static_cast<std::size_t>(n));
+    // Once the main queue is closing the hand-over gives up, and the loop ends.
+    if (!queue_.post_and_wait([this, chunk] { events_.link_bytes(chunk); })) {
+      closing = true;
+      break;
+    }
   }
 
   // A loss of the current connection is reported; a disconnect, or a program that is closing, is not.
-  const bool lost = release_connection(generation, fd) && !sink.closing();
+  const bool lost = release_connection(generation, fd) && !closing;
   ::shutdown(fd, SHUT_RDWR);
   ::close(fd);
   if (!lost) {
@@ -228,6 +202,6 @@ void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint6
     return;
   }
   queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
-    if (const auto a = alive.lock(); a && *a) delegate_.tcp_error(host, port, error);
+    if (const auto a = alive.lock(); a && *a) events_.link_down(host_port(host, port), error);
   });
 }

@@ -10,13 +10,12 @@
 
 #include "core/console.h"
 #include "core/main_queue.h"
-#include "link/tcp_link.h"
+#include "link/link.h"
 
 // The TCP link to a receiver, or a serial-to-network bridge in front of one, serving NMEA text
 // and UBX binary on a plain port. Each connect attempt runs on a thread named "connect"; each
-// connection's receive loop on a thread named "task_rx", which hands every chunk to the main
-// thread and waits, so at most one chunk is in flight. Every delegate call arrives on the main
-// thread.
+// connection's receive loop on a thread named "task_rx", which hands every raw chunk to the main
+// thread and waits, so at most one chunk is in flight. Every report arrives on the main thread.
 //
 // Each attempt carries a generation number, and only the thread that opened a descriptor closes
 // it: a disconnect shuts the socket down and moves the generation on, so an old receive loop can
@@ -27,21 +26,19 @@
 // client, so no thread waits for a main thread that has stopped serving.
 class tcp_client_t final : public tcp_link_t {
 public:
-  static constexpr std::size_t buffer_size = 2048;  // bytes, one receive buffer per connection
-  static constexpr std::size_t recv_size = 2047;    // bytes per receive call: a terminating zero fits
-  static constexpr int connect_poll_ms = 100;       // how often a pending connect checks for a disconnect
+  static constexpr std::size_t recv_size = 2047;  // bytes per receive call
+  static constexpr int connect_poll_ms = 100;     // how often a pending connect checks for a disconnect
 
-  tcp_client_t(tcp_client_delegate_t& delegate, main_queue_t& queue, console_t& console, bool binary, bool force_text);
+  tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console);
   ~tcp_client_t() override;
 
   std::int32_t connect(const std::string& host, std::uint16_t port) override;
   bool enabled() const override { return enabled_; }
   bool valid() const override { return valid_; }
   void stop() override;
-  void send(std::span<const std::uint8_t> bytes) override;
+  void write(std::span<const std::uint8_t> bytes) override;
 
   int so() const { return so_; }
-  bool binary() const { return binary_; }
 
 private:
   void connect_task(std::string host, std::uint16_t port, std::uint64_t generation);
@@ -52,11 +49,9 @@ private:
   void start_thread(const char* name, std::function<void()> body);
   void join_finished_threads();
 
-  tcp_client_delegate_t& delegate_;
+  link_events_t& events_;
   main_queue_t& queue_;
   console_t& console_;
-  const bool force_text_;
-  std::atomic<bool> binary_;
   std::atomic<bool> enabled_{false};
   std::atomic<bool> valid_{false};
   std::atomic<int> so_{-1};

@@ -12,7 +12,7 @@
 
 // The main fix state: GGA sentences and the NAV-POSLLH and NAV-PVT records. Keeps the last fix,
 // two short histories of movement, the fix markers and the system's one track.
-class gps_gngga_t final : public observable_t, public gps_decoder_t {
+class gps_gngga_t final : public gps_decoder_t {
 public:
   static constexpr std::size_t fix_table_size = 9;
   static constexpr double hdop_max = 99.99;       // largest readable HDOP

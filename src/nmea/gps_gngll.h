@@ -8,7 +8,7 @@
 #include "nmea/time_date.h"
 
 // GLL: geographic position, time and status; places markers titled with the time.
-class gps_gngll_t final : public observable_t, public gps_decoder_t {
+class gps_gngll_t final : public gps_decoder_t {
 public:
   void reset() override;
   void update(std::span<const std::string_view> fields) override;

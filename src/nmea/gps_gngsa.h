@@ -12,7 +12,7 @@
 
 // GSA: fix mode, fix type, the PRNs used in the solution (each kept until it has gone unreported
 // for 10 s) and the three DOP values.
-class gps_gngsa_t final : public observable_t, public gps_decoder_t {
+class gps_gngsa_t final : public gps_decoder_t {
 public:
   static constexpr double PRN_valid_periode = 10.0;  // s a PRN stays without a new report
   static constexpr double dop_max = 99.99;

@@ -9,7 +9,7 @@
 
 // RMC: time, date, status, position, speed over ground, track and magnetic variation; places
 // markers titled with the date.
-class gps_gnrmc_t final : public observable_t, public gps_decoder_t {
+class gps_gnrmc_t final : public gps_decoder_t {
 public:
   static constexpr double speed_max = 999.9;      // knots
   static constexpr double track_max = 360.0;      // degrees

@@ -7,7 +7,7 @@
 
 // VTG: track made good and ground speed, each from its own field; neither is converted into the
 // other.
-class gps_gnvtg_t final : public observable_t, public gps_decoder_t {
+class gps_gnvtg_t final : public gps_decoder_t {
 public:
   static constexpr double true_track_max = 360.0;  // degrees
   static constexpr double value_max = 999.9;       // degrees magnetic, knots, km/h

@@ -26,7 +26,7 @@ struct gps_gpgsv_satellite_t {
 using satellite_ref_t = std::shared_ptr<const gps_gpgsv_satellite_t>;
 
 // GSV: the satellites in view, each kept until it has gone unreported for 10 s.
-class gps_gpgsv_t final : public observable_t, public gps_decoder_t {
+class gps_gpgsv_t final : public gps_decoder_t {
 public:
   static constexpr double satellite_valid_periode = 10.0;  // s a satellite stays without a report
   static constexpr std::uint8_t sentence_count_max = 9;

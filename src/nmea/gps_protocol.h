@@ -3,6 +3,7 @@
 #include <span>
 #include <string_view>
 
+#include "core/observable.h"
 #include "ubx/gps_protocol_bin.h"
 
 // A sentence decoder. The hub offers it every valid sentence as a field list; the decoder decides
@@ -15,5 +16,5 @@ public:
   virtual void update(std::span<const std::string_view> fields) = 0;
 };
 
-// The six decoders are both: receivers of sentences and of UBX navigation records.
-class gps_decoder_t : public gps_protocol_t, public gps_protocol_bin_t {};
+// The six decoders are all three: observable, receivers of sentences and of UBX navigation records.
+class gps_decoder_t : public observable_t, public gps_protocol_t, public gps_protocol_bin_t {};

@@ -83,16 +83,16 @@ gps_log_view::gps_log_view(connection_t& cnc, QWidget* parent) : QWidget(parent)
 
 void gps_log_view::refresh() {
   const QPalette& theme = palette();
-  set_text_colour(*title_, colour_of(cnc_.log_fg, theme));
+  set_text_colour(*title_, colour_of(colour_t::primary, theme));
   set_text_colour(*binary_, colour_of(colour_t::secondary, theme));
-  binary_->setVisible(cnc_.binary);
+  binary_->setVisible(cnc_.binary());
   filter_->setText(cnc_.show_all ? tr("All") : tr("GGA"));
   set_text_colour(*filter_, colour_of(colour_t::secondary, theme));
   set_text_colour(*clear_, colour_of(cnc_.arr_rx->empty() ? colour_t::tertiary : colour_t::secondary, theme));
   set_text_colour(*close_, colour_of(colour_t::secondary, theme));
 
   QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  mono.setPixelSize(cnc_.binary ? binary_font_px : text_font_px);
+  mono.setPixelSize(cnc_.binary() ? binary_font_px : text_font_px);
   if (text_->font() != mono) text_->setFont(mono);
   show_lines();
 }

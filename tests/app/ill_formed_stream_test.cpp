@@ -7,23 +7,12 @@
 
 #include "app/sim_engine.h"
 #include "link/connection.h"
-#include "link/offline_links.h"
-#include "link/tcp_client.h"
 #include "support/loopback_server.h"
 #include "support/recording_console.h"
+#include "support/tcp_links.h"
 #include "support/test_queue.h"
 
 namespace {
-
-struct tcp_links_t final : link_factory_t {
-  tcp_links_t(main_queue_t& q, console_t& c) : queue(q), console(c) {}
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t& d) override {
-    return std::make_unique<tcp_client_t>(d, queue, console, false, false);
-  }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override { return std::make_unique<offline_ble_t>(); }
-  main_queue_t& queue;
-  console_t& console;
-};
 
 // The simulator's stream with bad checksums and junk lines, over a real loopback connection into
 // the hub: the counters and the bad-message text agree with what the simulator injected.

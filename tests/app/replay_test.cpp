@@ -12,6 +12,7 @@
 #include "app/snapshot_json.h"
 #include "link/connection.h"
 #include "support/fake_links.h"
+#include "support/link_feed.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 
@@ -89,12 +90,12 @@ TEST(replay, text_captures_give_the_counters_of_an_independent_count) {
       recording_console_t console;
       fake_links_t links;
       connection_t hub(queue, console, links);
-      replay_chunks(bytes, chunk, hub);
+      replay_chunks(bytes, chunk, hub.tcp_events());
       EXPECT_EQ(hub.msg_count, expected.msg_count) << name << " chunk " << chunk;
       EXPECT_EQ(hub.msg_good, expected.msg_good) << name << " chunk " << chunk;
       EXPECT_EQ(hub.msg_ack_count, expected.msg_ack_count) << name;
       EXPECT_EQ(hub.msg_ack, expected.msg_ack) << name;
-      EXPECT_FALSE(hub.binary) << name;
+      EXPECT_FALSE(hub.binary()) << name;
       EXPECT_EQ(hub.status_tcp.get(), "offline") << "a replay connects nothing";
       EXPECT_TRUE(console.lines.empty()) << name;
     }
@@ -114,13 +115,13 @@ TEST(replay, real_captures_keep_the_decoders_within_their_bounds) {
     fake_links_t links;
     connection_t hub(queue, console, links);
     hub.show_all = true;
-    replay_chunks(read_file(entry.path()), replay_default_chunk, hub);
+    replay_chunks(read_file(entry.path()), replay_default_chunk, hub.tcp_events());
     EXPECT_LE(hub.arr_rx->size(), 30u) << name;
     for (const auto* annotations : {&hub.gga.map_annotations, &hub.gll.map_annotations, &hub.rmc.map_annotations})
       EXPECT_LE(annotations->list().size(), annotations_t::limit) << name;
     EXPECT_LE(hub.gga.map_path.list().size(), map_path_t::limit) << name;
     EXPECT_LE(hub.gga.map_path.history().size(), map_path_t::history_length) << name;
-    if (!hub.binary) {
+    if (!hub.binary()) {
       for (const double lat : {hub.gga.lat.get(), hub.gll.lat.get(), hub.rmc.lat.get()}) {
         EXPECT_GE(lat, 0.0) << name;
         EXPECT_LE(lat, 90.0) << name;
@@ -148,7 +149,7 @@ TEST(replay, an_unfinished_last_line_is_dropped) {
   connection_t hub(queue, console, links);
   const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47";
   const std::string capture = gga + "\r\n" + gga;
-  replay_chunks(std::vector<std::uint8_t>(capture.begin(), capture.end()), 5, hub);
+  replay_chunks(std::vector<std::uint8_t>(capture.begin(), capture.end()), 5, hub.tcp_events());
   EXPECT_EQ(hub.arr_rx->size(), 1u);
 }
 
@@ -157,7 +158,7 @@ TEST(snapshot_json, prints_the_hub_section) {
   recording_console_t console;
   fake_links_t links;
   connection_t hub(queue, console, links);
-  hub.receive_line("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47");
+  feed_line(hub.tcp_events(), "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47");
   const auto json = snapshot_json(hub);
   EXPECT_EQ(json.rfind(R"({"hub":{"status_tcp":"offline","status_ble":"offline","msg_count":0,"msg_good":0,)"
                        R"("msg_ack":true,"msg_ack_count":1,"binary":false,"show_all":false,"crc_error_text":"",)"

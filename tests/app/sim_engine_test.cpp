@@ -32,7 +32,7 @@ struct decoded_t {
   offline_links_t links;
   connection_t hub{queue, console, links};
   explicit decoded_t(const std::string& stream) {
-    replay_chunks(std::vector<std::uint8_t>(stream.begin(), stream.end()), 512, hub);
+    replay_chunks(std::vector<std::uint8_t>(stream.begin(), stream.end()), 512, hub.tcp_events());
   }
 };
 
@@ -120,7 +120,7 @@ TEST(sim_engine, ubx_frames_reach_the_decoders) {
   std::string stream;
   for (int epoch = 0; epoch < 5; ++epoch) stream += sim.next_epoch();
   decoded_t d(stream);
-  EXPECT_TRUE(d.hub.binary);
+  EXPECT_TRUE(d.hub.binary());
   EXPECT_EQ(sim.counts().frames, 10u);
   EXPECT_NEAR(d.hub.gga.lat, -34.9, 0.01);
   EXPECT_EQ(d.hub.gga.fix_text(), "3D fix");

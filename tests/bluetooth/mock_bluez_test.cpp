@@ -1,65 +1,39 @@
-// The real Qt Bluetooth central, driven by the hub, against a mock BlueZ (mock_bluez_nus.py on
-// python3-dbusmock) on a private D-Bus daemon that stands in for the system bus.
+// The real Qt Bluetooth central, driven by the hub, against a mock BlueZ on a private D-Bus daemon
+// that stands in for the system bus.
 //
 // Qt connects to the system bus once per process and keeps that connection, so the daemon and
 // the mock live for the whole suite; each test connects the hub and disconnects it again.
 
+#include "mock_bluez.h"
+
 #include <gtest/gtest.h>
 
-#include <QByteArray>
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDBusVariant>
-#include <QFile>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QTest>
-#include <algorithm>
-#include <csignal>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <sys/prctl.h>
-
+#include "link/ble.h"
 #include "link/connection.h"
-#include "platform/qt_ble_link.h"
+#include "platform/qt_ble_central.h"
 #include "platform/qt_main_queue.h"
 #include "support/fake_links.h"
 #include "support/recording_console.h"
 #include "support/sentences.h"
-#include "system_bus.h"
 
 namespace {
 
 using bytes_t = std::vector<std::uint8_t>;
 
-constexpr int wait_ms = 3000;  // the most any single step may take; the whole suite runs in seconds
+constexpr int wait_ms = mock_bluez_t::wait_ms;
 const std::string nus_name = "korvid-test-nus";
-const QString device_path = "/org/bluez/hci0/dev_C0_FF_EE_00_00_01";
-const QString other_path = "/org/bluez/hci0/dev_C0_FF_EE_00_00_02";
-const QString tx_path = device_path + "/service0010/char0013";
 
-bytes_t bytes_of(const std::string& s) { return bytes_t(s.begin(), s.end()); }
-
-// A child process that is killed and reaped when the suite ends, and that the kernel kills should
-// the test process die first.
-struct child_t {
-  std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
-  child_t() { process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }); }
-  ~child_t() { stop(); }
-  void stop() {
-    if (process->state() == QProcess::NotRunning) return;
-    process->kill();
-    process->waitForFinished(2000);
-  }
-};
+bytes_t bytes_of(const std::string& s) {
+  return bytes_t(s.begin(), s.end());
+}
 
 // The distinct values a published text took while it was watched, in order. A notice comes before
 // each assignment, so a notice records the text being replaced and the current text ends the list.
@@ -92,14 +66,14 @@ std::string joined(const std::vector<std::string>& list) {
 // which also tells the test when a notification has been handled.
 struct mock_links_t final : link_factory_t {
   explicit mock_links_t(console_t& console) : console(console) {}
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override {
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
     auto link = std::make_unique<fake_tcp_t>();
     tcp = link.get();
     return link;
   }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t& delegate) override {
-    auto link = std::make_unique<qt_ble_link_t>(delegate, console);
-    ble = &link->central();
+  std::unique_ptr<ble_link_t> make_ble(link_events_t& events) override {
+    auto link = std::make_unique<BLE>(events, std::make_unique<qt_ble_central_t>(), console);
+    ble = link.get();
     ble_status.emplace(*ble, ble->status);
     return link;
   }
@@ -112,105 +86,26 @@ struct mock_links_t final : link_factory_t {
 class mock_bluez_test : public ::testing::Test {
 protected:
   static void SetUpTestSuite() {
-    skip_reason = find_tools();
+    skip_reason = mock_bluez_t::missing_tools();
     if (!skip_reason.empty()) return;
     static int argc = 1;
     static char name[] = "bluetooth_tests";
     static char* argv[] = {name, nullptr};
     if (!QCoreApplication::instance()) app = new QCoreApplication(argc, argv);
-    start_bus();
+    bluez = std::make_unique<mock_bluez_t>();
+    setup_error = bluez->start(nus_name);
   }
 
   static void TearDownTestSuite() {
-    if (control) {
-      control.reset();
-      QDBusConnection::disconnectFromBus("korvid_mock_control");
-    }
-    mock.reset();
-    bus.reset();
-    dir.reset();
+    bluez.reset();
     delete app;
     app = nullptr;
   }
 
-  // What the suite needs; empty when all is there, else why it cannot run.
-  static std::string find_tools() {
-    if (qt_system_bus() == qt_system_bus_t::machine)
-      return "Qt Bluetooth already uses the machine's system bus in this process; run this suite on its own";
-    if (QStandardPaths::findExecutable("dbus-daemon").isEmpty()) return "dbus-daemon is not installed (package dbus)";
-    QProcess probe;
-    probe.start("/usr/bin/python3", {"-c", "import dbusmock"});
-    if (!probe.waitForFinished(10000) || probe.exitStatus() != QProcess::NormalExit || probe.exitCode() != 0)
-      return "python3-dbusmock is not installed for /usr/bin/python3";
-    return {};
-  }
-
-  // A private bus daemon, the mock BlueZ on it, and the environment that makes Qt Bluetooth use
-  // the bus as the system bus and its D-Bus LE backend.
-  static void start_bus() {
-    dir = std::make_unique<QTemporaryDir>();
-    bus = std::make_unique<child_t>();
-    bus->process->start("dbus-daemon", {"--session", "--nofork", "--print-address",
-                                        "--address=unix:path=" + dir->filePath("bus")});
-    if (!bus->process->waitForStarted(wait_ms) || !bus->process->waitForReadyRead(wait_ms)) {
-      setup_error = "dbus-daemon did not start: " + bus->process->readAllStandardError().toStdString();
-      return;
-    }
-    address = QString::fromUtf8(bus->process->readLine().trimmed());
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address.toUtf8());
-    qt_system_bus() = qt_system_bus_t::mock;
-    qputenv("BLUETOOTH_FORCE_DBUS_LE_VERSION", "5.66");
-
-    mock = std::make_unique<child_t>();
-    auto env = QProcessEnvironment::systemEnvironment();
-    env.insert("DBUS_SYSTEM_BUS_ADDRESS", address);
-    mock->process->setProcessEnvironment(env);
-    mock->process->setProcessChannelMode(QProcess::MergedChannels);
-    mock->process->start("/usr/bin/python3", {"-m", "dbusmock", "--template", KORVID_MOCK_BLUEZ, "--logfile",
-                                              dir->filePath("mock.log"),
-                                              "--parameters", QString::fromStdString(R"({"name": ")" + nus_name + R"("})")});
-    control = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(address, "korvid_mock_control"));
-    const bool up = QTest::qWaitFor(
-        [] {
-          return mock->process->state() == QProcess::NotRunning ||
-                 control->interface()->isServiceRegistered("org.bluez").value();
-        },
-        10000);
-    if (!up || mock->process->state() == QProcess::NotRunning)
-      setup_error = "the mock BlueZ did not come up: " + mock->process->readAll().toStdString();
-  }
-
-  static QDBusMessage call(const QString& path, const QString& interface, const QString& method,
-                           const QVariantList& args = {}) {
-    auto message = QDBusMessage::createMethodCall("org.bluez", path, interface, method);
-    message.setArguments(args);
-    return control->call(message, QDBus::Block, wait_ms);
-  }
-  static QVariant property(const QString& path, const QString& interface, const QString& name) {
-    const auto reply = call(path, "org.freedesktop.DBus.Properties", "Get", {interface, name});
-    if (reply.type() != QDBusMessage::ReplyMessage) return {};
-    return reply.arguments().value(0).value<QDBusVariant>().variant();
-  }
-  static bool connected(const QString& path) { return property(path, "org.bluez.Device1", "Connected").toBool(); }
-  static bool notifying() { return property(tx_path, "org.bluez.GattCharacteristic1", "Notifying").toBool(); }
-  static bool discovering() { return property("/org/bluez/hci0", "org.bluez.Adapter1", "Discovering").toBool(); }
-  // A notification from the peripheral; false when notifications are not enabled.
-  static bool notify(const bytes_t& value) {
-    const auto reply = call("/", "org.bluez.Mock", "Notify",
-                            {QByteArray(reinterpret_cast<const char*>(value.data()), static_cast<qsizetype>(value.size()))});
-    return reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).toBool();
-  }
-  static bytes_t written() {
-    const auto value = call("/", "org.bluez.Mock", "Written").arguments().value(0).toByteArray();
-    return bytes_t(value.begin(), value.end());
-  }
-  static unsigned connects() { return call("/", "org.bluez.Mock", "Connects").arguments().value(0).toUInt(); }
-  static QStringList write_types() { return call("/", "org.bluez.Mock", "WriteTypes").arguments().value(0).toStringList(); }
-
   void SetUp() override {
     if (!skip_reason.empty()) GTEST_SKIP() << skip_reason;
     ASSERT_EQ(setup_error, "");
-    ASSERT_FALSE(connected(device_path)) << "a test before left the peripheral connected";
+    ASSERT_FALSE(bluez->connected(mock_bluez_t::device_path)) << "a test before left the peripheral connected";
     hub = std::make_unique<connection_t>(queue, console, links);
     hub->tcp_client();
     links.tcp->is_valid = true;  // the bridge forwards every notification to it
@@ -219,22 +114,18 @@ protected:
   void TearDown() override {
     if (!hub) return;
     hub->disconnect();
-    EXPECT_TRUE(QTest::qWaitFor([] { return !connected(device_path); }, wait_ms)) << "the user's disconnect";
+    EXPECT_TRUE(QTest::qWaitFor([] { return !bluez->connected(mock_bluez_t::device_path); }, wait_ms))
+        << "the user's disconnect";
     QTest::qWait(50);  // lets Qt see the disconnection before its controller goes
     hub.reset();
     QTest::qWait(10);  // and delete what it was asked to delete later
-    if (HasFailure()) std::cout << "mock log:\n" << read_mock_log() << "\n";
-  }
-
-  static std::string read_mock_log() {
-    QFile log(dir->filePath("mock.log"));
-    return log.open(QIODevice::ReadOnly) ? log.readAll().right(6000).toStdString() : std::string();
+    if (HasFailure()) std::cout << "mock log:\n" << bluez->log() << "\n";
   }
 
   // The hub connects by name; true once the link is up and notifications are enabled.
   bool connect_and_wait() {
     hub->connect_ble(nus_name);
-    return QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && notifying(); }, wait_ms);
+    return QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms);
   }
 
   // Waits until the bridge has passed on one more notification than `before`.
@@ -245,11 +136,7 @@ protected:
   static inline std::string skip_reason;
   static inline std::string setup_error;
   static inline QCoreApplication* app = nullptr;
-  static inline std::unique_ptr<QTemporaryDir> dir;
-  static inline std::unique_ptr<child_t> bus;
-  static inline std::unique_ptr<child_t> mock;
-  static inline std::unique_ptr<QDBusConnection> control;
-  static inline QString address;
+  static inline std::unique_ptr<mock_bluez_t> bluez;
 
   QObject context;
   qt_main_queue_t queue{&context};
@@ -260,18 +147,19 @@ protected:
 
 TEST_F(mock_bluez_test, the_scan_connects_only_the_exact_name_and_enables_notifications) {
   const text_history_t hub_status(*hub, hub->status_ble);
-  const auto connects_before = connects();
-  ASSERT_TRUE(connect_and_wait()) << "hub: " << hub->status_ble.get() << ", central: " << joined(links.ble_status->seen());
+  const auto connects_before = bluez->connects();
+  ASSERT_TRUE(connect_and_wait()) << "hub: " << hub->status_ble.get()
+                                  << ", central: " << joined(links.ble_status->seen());
   // Every step once: no second scan while connecting, no second connection attempt, no loss.
   EXPECT_EQ(links.ble_status->seen(),
-            (std::vector<std::string>{"offline", "BLE 5 powered on", "BLE scanning...", "BLE found a " + nus_name + " device",
-                                      "BLE connected: " + nus_name, nus_name}));
+            (std::vector<std::string>{"offline", "BLE 5 powered on", "BLE scanning...",
+                                      "BLE found a " + nus_name + " device", "BLE connected: " + nus_name, nus_name}));
   EXPECT_EQ(hub_status.seen(), (std::vector<std::string>{"offline", "BLE scanning...", nus_name}));
-  EXPECT_EQ(connects() - connects_before, 1u);
+  EXPECT_EQ(bluez->connects() - connects_before, 1u);
   EXPECT_EQ(hub->sta_fg_ble.get(), colour_t::secondary);
   EXPECT_TRUE(links.ble->ready());
-  EXPECT_FALSE(connected(other_path)) << "a name that merely starts with the wanted one";
-  EXPECT_FALSE(discovering()) << "the scan stops once the peripheral is found";
+  EXPECT_FALSE(bluez->connected(mock_bluez_t::other_path)) << "a name that merely starts with the wanted one";
+  EXPECT_FALSE(bluez->discovering()) << "the scan stops once the peripheral is found";
 }
 
 // Each case: the notifications, in order, and the latitude the GGA decoder holds after each.
@@ -297,7 +185,7 @@ TEST_F(mock_bluez_test, notifications_reach_the_decoders_as_whole_lines) {
     SCOPED_TRACE(c.what);
     for (std::size_t i = 0; i < c.notifications.size(); ++i) {
       const auto before = links.tcp->sent.size();
-      ASSERT_TRUE(notify(bytes_of(c.notifications[i])));
+      ASSERT_TRUE(bluez->notify(bytes_of(c.notifications[i])));
       ASSERT_TRUE(handled_since(before));
       EXPECT_EQ(links.tcp->sent.back(), bytes_of(c.notifications[i])) << "the raw bytes, bridged";
       EXPECT_NEAR(hub->gga.lat.get(), c.lat_after[i], 1e-9) << "after notification " << i;
@@ -312,8 +200,8 @@ TEST_F(mock_bluez_test, notifications_reach_the_decoders_as_whole_lines) {
 // write longer than one attribute value goes in pieces, in order.
 TEST_F(mock_bluez_test, writes_from_the_bridge_reach_the_rx_characteristic) {
   ASSERT_TRUE(connect_and_wait());
-  const auto types_before = write_types().size();
-  const auto bytes_before = written().size();
+  const auto types_before = bluez->write_types().size();
+  const auto bytes_before = bluez->written().size();
   struct case_t {
     const char* what;
     bytes_t bytes;
@@ -330,14 +218,14 @@ TEST_F(mock_bluez_test, writes_from_the_bridge_reach_the_rx_characteristic) {
   qsizetype expected_writes = types_before;
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    hub->tcp_bridge(c.bytes);
+    hub->tcp_events().link_bytes(c.bytes);
     expected.insert(expected.end(), c.bytes.begin(), c.bytes.end());
     expected_writes += c.writes;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return write_types().size() >= expected_writes; }, wait_ms));
-    const auto all = written();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bluez->write_types().size() >= expected_writes; }, wait_ms));
+    const auto all = bluez->written();
     EXPECT_EQ(bytes_t(all.begin() + static_cast<std::ptrdiff_t>(bytes_before), all.end()), expected);
   }
-  const auto types = write_types();
+  const auto types = bluez->write_types();
   EXPECT_EQ(types.size(), expected_writes);
   for (qsizetype i = types_before; i < types.size(); ++i) EXPECT_EQ(types[i], "request") << "write " << i;
 }
@@ -348,19 +236,20 @@ TEST_F(mock_bluez_test, a_lost_peripheral_is_found_again_by_the_rescan) {
   ASSERT_TRUE(connect_and_wait());
   const text_history_t hub_status(*hub, hub->status_ble);
   const text_history_t ble_status(*links.ble, links.ble->status);
-  const auto connects_before = connects();
-  ASSERT_EQ(call("/", "org.bluez.Mock", "Drop").type(), QDBusMessage::ReplyMessage);
+  const auto connects_before = bluez->connects();
+  ASSERT_TRUE(bluez->drop());
   // The dropped peripheral's characteristics are gone, so "notifying" holds only once it is back.
-  ASSERT_TRUE(QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && notifying(); }, wait_ms))
+  ASSERT_TRUE(QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms))
       << joined(hub_status.seen());
   EXPECT_EQ(hub_status.seen(), (std::vector<std::string>{nus_name, "BLE scanning...", nus_name}));
-  EXPECT_EQ(ble_status.seen(), (std::vector<std::string>{nus_name, "BLE scanning...", "BLE found a " + nus_name + " device",
-                                                         "BLE connected: " + nus_name, nus_name}));
-  EXPECT_EQ(connects() - connects_before, 1u);
-  EXPECT_FALSE(discovering()) << "the scan stops once the peripheral is found";
+  EXPECT_EQ(ble_status.seen(),
+            (std::vector<std::string>{nus_name, "BLE scanning...", "BLE found a " + nus_name + " device",
+                                      "BLE connected: " + nus_name, nus_name}));
+  EXPECT_EQ(bluez->connects() - connects_before, 1u);
+  EXPECT_FALSE(bluez->discovering()) << "the scan stops once the peripheral is found";
   const auto line = with_checksum("$GPGGA,123520,4807.038,S,01131.000,E,1,08,0.9,545.4,M,46.9,M,,") + "\r\n";
   const auto before = links.tcp->sent.size();
-  ASSERT_TRUE(notify(bytes_of(line)));
+  ASSERT_TRUE(bluez->notify(bytes_of(line)));
   ASSERT_TRUE(handled_since(before));
   EXPECT_EQ(hub->gga.lat_dir, "S");
 }

@@ -2,31 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "link/connection.h"
 #include "support/fake_ble_central.h"
-#include "support/fake_links.h"
 #include "support/recording_console.h"
-#include "support/test_queue.h"
+#include "support/recording_link_events.h"
 
 namespace {
 
 using bytes_t = std::vector<std::uint8_t>;
-bytes_t b(std::string_view s) { return bytes_t(s.begin(), s.end()); }
-
-// Writes down what the central reports: "connected N", "lost N", "line L", "binary n", "bridge n".
-struct recording_hub_t final : ble_delegate_t {
-  void ble_connected(const std::string& name) override { events.push_back("connected " + name); }
-  void ble_disconnected(const std::string& name) override { events.push_back("lost " + name); }
-  void ble_bridge(std::span<const std::uint8_t> bytes) override { bridged += bytes.size(); }
-  void ble_text_mode() override { events.push_back("text"); }
-  void receive_line(std::string_view line) override { events.push_back("line " + std::string(line)); }
-  void receive_arr(std::span<const std::uint8_t> bytes) override { events.push_back("binary " + std::to_string(bytes.size())); }
-  std::vector<std::string> events;
-  std::size_t bridged = 0;
-};
+bytes_t b(std::string_view s) {
+  return bytes_t(s.begin(), s.end());
+}
 
 const ble_peripheral_t thingy{7, "Thingy:91 UART", "<Thingy:91 UART 7>"};
 const ble_peripheral_t other{8, "Thingy:91 UART 2", "<other 8>"};
@@ -47,23 +36,22 @@ protected:
   }
   void notify(const bytes_t& value) { central.events->value_updated(thingy, recv_char, std::span(value)); }
 
-  fake_ble_central_t central;
+  std::unique_ptr<fake_ble_central_t> stack = std::make_unique<fake_ble_central_t>();
+  fake_ble_central_t& central = *stack;
   recording_console_t console;
-  recording_hub_t hub;
-  BLE ble{hub, central, console, false, false};
+  recording_link_events_t hub;
+  BLE ble{hub, std::move(stack), console};
 };
 
-TEST_F(ble_test, only_the_exact_name_connects_and_dbg_scan_prints_the_others) {
+TEST_F(ble_test, only_the_exact_name_connects) {
   central.set_radio(ble_manager_state_t::powered_on);
   ble.connect("Thingy:91 UART");
   EXPECT_EQ(ble.status.get(), "BLE scanning...");
   EXPECT_EQ(ble.sta_fg.get(), colour_t::blue);
-  ble.dbg_scan = true;
   central.events->peripheral_discovered(other);
   central.events->peripheral_discovered({9, "thingy:91 uart", "<lower 9>"});
   central.events->peripheral_discovered({10, std::nullopt, "<nameless 10>"});
-  EXPECT_EQ(console.lines, (std::vector<std::string>{"BLE scanning...", "BLE found: <other 8>", "BLE found: <lower 9>",
-                                                     "BLE found: <nameless 10>"}));
+  EXPECT_EQ(central.calls, (std::vector<std::string>{"scan"}));
   central.events->peripheral_discovered(thingy);
   EXPECT_EQ(ble.status.get(), "BLE found a Thingy:91 UART device");
   EXPECT_EQ(ble.sta_fg.get(), colour_t::green);
@@ -72,37 +60,24 @@ TEST_F(ble_test, only_the_exact_name_connects_and_dbg_scan_prints_the_others) {
 
 TEST_F(ble_test, becomes_ready_when_both_uart_characteristics_are_found) {
   bring_up();
-  EXPECT_EQ(hub.events, std::vector<std::string>{"connected Thingy:91 UART"});
+  EXPECT_EQ(hub.events, std::vector<std::string>{"up Thingy:91 UART"});
   EXPECT_EQ(ble.status.get(), "Thingy:91 UART");
   EXPECT_EQ(ble.sta_fg.get(), colour_t::secondary);
   EXPECT_TRUE(ble.ready());
   const std::vector<std::string> tail(central.calls.end() - 6, central.calls.end());
-  EXPECT_EQ(tail, (std::vector<std::string>{"discover_characteristics 1", "read 33", "read 31", "notify 31 on", "read 32",
-                                            "notify 32 on"}));
+  EXPECT_EQ(tail, (std::vector<std::string>{"discover_characteristics 1", "read 33", "read 31", "notify 31 on",
+                                            "read 32", "notify 32 on"}));
 }
 
-TEST_F(ble_test, a_sentence_split_over_two_notifications_arrives_once_whole) {
+TEST_F(ble_test, notifications_reach_the_hub_raw_and_each_asks_for_the_rssi) {
   bring_up();
   notify(b("$GPGGA,1"));
-  notify(b("23*00\r\n$GPGLL,1*00\r\n"));
-  notify(b("\r\n"));
-  EXPECT_EQ(hub.events, (std::vector<std::string>{"connected Thingy:91 UART", "text", "line $GPGGA,123*00",
-                                                  "line $GPGLL,1*00"}));
-  EXPECT_EQ(hub.bridged, 30u);
-  EXPECT_EQ(central.rssi_requests, 4) << "one RSSI request a notification, one at connection";
-}
-
-TEST_F(ble_test, the_binary_switch_and_its_stray_byte_exceptions) {
-  bring_up();
-  hub.events.clear();
-  notify(bytes_t{0xFF});
-  EXPECT_FALSE(ble.binary());
-  notify(b("$A*00\n"));
-  notify(bytes_t{0xB5, 0x62, 0x01});
-  EXPECT_TRUE(ble.binary());
-  notify(b("$B*00\n"));
+  notify(bytes_t{0xB5, 0x62});
   notify(bytes_t{});
-  EXPECT_EQ(hub.events, (std::vector<std::string>{"binary 1", "text", "line $A*00", "binary 3", "binary 6"}));
+  central.events->value_updated(thingy, recv_char, std::nullopt);
+  EXPECT_EQ(hub.received, "$GPGGA,1\xB5\x62");
+  EXPECT_EQ(hub.chunks, 2u) << "an empty value is no chunk";
+  EXPECT_EQ(central.rssi_requests, 5) << "one RSSI request a notification, one at connection";
 }
 
 TEST_F(ble_test, radio_off_and_on_while_enabled_rescans_by_itself) {
@@ -141,7 +116,7 @@ TEST_F(ble_test, an_unexpected_loss_is_reported_and_rescanned_a_user_disconnect_
   central.events->rssi_read(thingy, -67);
   EXPECT_EQ(ble.rssi.text(), "-67");
   central.events->peripheral_disconnected(thingy, std::string("link lost"));
-  EXPECT_EQ(hub.events.back(), "lost Thingy:91 UART");
+  EXPECT_EQ(hub.events.back(), "down Thingy:91 UART 0");
   EXPECT_EQ(ble.rssi.text(), "");
   EXPECT_EQ(central.calls.back(), "scan");
 
@@ -177,29 +152,6 @@ TEST_F(ble_test, writes_only_when_ready_and_in_pieces) {
   EXPECT_EQ(central.writes[0].size(), 512u);
   EXPECT_EQ(central.writes[2].size(), 176u);
   EXPECT_EQ(central.writes[0] + central.writes[1] + central.writes[2], long_text);
-}
-
-TEST_F(ble_test, with_the_hub_lines_reach_the_decoders_and_tcp_gets_the_bridge) {
-  test_queue_t queue;
-  fake_links_t links;
-  connection_t real_hub(queue, console, links);
-  fake_ble_central_t radio;
-  BLE central_of_hub(real_hub, radio, console, false, false);
-  radio.set_radio(ble_manager_state_t::powered_on);
-  central_of_hub.connect("Thingy:91 UART");
-  radio.events->peripheral_discovered(thingy);
-  radio.events->peripheral_connected(thingy);
-  radio.events->characteristics_discovered(thingy, {recv_char, send_char});
-  EXPECT_EQ(real_hub.status_ble.get(), "Thingy:91 UART");
-  real_hub.tcp_client().connect("127.0.0.1", 81);
-  links.tcp->is_valid = true;
-  real_hub.binary = true;
-  const auto gga = b("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
-  radio.events->value_updated(thingy, recv_char, std::span(gga));
-  EXPECT_FALSE(real_hub.binary);
-  EXPECT_EQ(real_hub.gga.lat.get(), 48.1173);
-  ASSERT_EQ(links.tcp->sent.size(), 1u);
-  EXPECT_EQ(links.tcp->sent[0], gga) << "bridged byte for byte";
 }
 
 }  // namespace

@@ -16,7 +16,9 @@
 namespace {
 
 using bytes_t = std::vector<std::uint8_t>;
-bytes_t b(std::string_view s) { return bytes_t(s.begin(), s.end()); }
+bytes_t b(std::string_view s) {
+  return bytes_t(s.begin(), s.end());
+}
 
 const ble_peripheral_t thingy{7, "Thingy:91 UART", "<Thingy:91 UART 7>"};
 const ble_characteristic_t recv_char{31, std::string(BLE::uuid_char_recv)};
@@ -25,15 +27,17 @@ const ble_characteristic_t send_char{32, std::string(BLE::uuid_char_send)};
 // The real TCP client on one side, the Bluetooth logic over a test stack on the other.
 struct bridge_links_t final : link_factory_t {
   bridge_links_t(main_queue_t& queue, console_t& console) : queue(queue), console(console) {}
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t& delegate) override {
-    return std::make_unique<tcp_client_t>(delegate, queue, console, false, false);
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t& events) override {
+    return std::make_unique<tcp_client_t>(events, queue, console);
   }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t& delegate) override {
-    return std::make_unique<BLE>(delegate, central, console, false, false);
+  std::unique_ptr<ble_link_t> make_ble(link_events_t& events) override {
+    auto stack = std::make_unique<fake_ble_central_t>();
+    central = stack.get();
+    return std::make_unique<BLE>(events, std::move(stack), console);
   }
   main_queue_t& queue;
   console_t& console;
-  fake_ble_central_t central;
+  fake_ble_central_t* central = nullptr;
 };
 
 // The hub as a relay: a peripheral's notifications go to a TCP peer byte for byte (and are
@@ -46,11 +50,12 @@ TEST(bridge_test, carries_bytes_both_ways_between_a_peripheral_and_a_tcp_peer) {
   connection_t hub(queue, console, links);
 
   hub.connect_ble(*thingy.name);
-  links.central.set_radio(ble_manager_state_t::powered_on);
-  links.central.events->peripheral_discovered(thingy);
-  links.central.events->peripheral_connected(thingy);
-  links.central.events->services_discovered(thingy, {1});
-  links.central.events->characteristics_discovered(thingy, {recv_char, send_char});
+  auto& central = *links.central;
+  central.set_radio(ble_manager_state_t::powered_on);
+  central.events->peripheral_discovered(thingy);
+  central.events->peripheral_connected(thingy);
+  central.events->services_discovered(thingy, {1});
+  central.events->characteristics_discovered(thingy, {recv_char, send_char});
   ASSERT_EQ(hub.status_ble.get(), *thingy.name);
 
   hub.connect_tcp("127.0.0.1", peer.port());
@@ -58,12 +63,12 @@ TEST(bridge_test, carries_bytes_both_ways_between_a_peripheral_and_a_tcp_peer) {
   ASSERT_TRUE(queue.run_until([&] { return hub.tcp_client().valid(); }));
 
   // A sentence split over two notifications, then one of only CR LF.
-  const std::vector<std::string> notifications = {
-      "$GPGGA,123519,4807.038,N,01131.0", "00,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n", "\r\n"};
+  const std::vector<std::string> notifications = {"$GPGGA,123519,4807.038,N,01131.0",
+                                                  "00,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n", "\r\n"};
   std::string expected;
   for (const auto& n : notifications) {
     const auto bytes = b(n);
-    links.central.events->value_updated(thingy, recv_char, std::span(bytes));
+    central.events->value_updated(thingy, recv_char, std::span(bytes));
     expected += n;
   }
   std::string received;
@@ -72,11 +77,11 @@ TEST(bridge_test, carries_bytes_both_ways_between_a_peripheral_and_a_tcp_peer) {
   EXPECT_EQ(hub.gga.lat.get(), 48.1173) << "and decoded locally";
 
   const std::string command = "$PUBX,40,GLL,0,0,0,0*5C\r\n";
-  const std::size_t writes_before = links.central.writes.size();
+  const std::size_t writes_before = central.writes.size();
   ASSERT_TRUE(peer.send(command));
-  ASSERT_TRUE(queue.run_until([&] { return links.central.writes.size() > writes_before; }));
+  ASSERT_TRUE(queue.run_until([&] { return central.writes.size() > writes_before; }));
   std::string written;
-  for (std::size_t i = writes_before; i < links.central.writes.size(); ++i) written += links.central.writes[i];
+  for (std::size_t i = writes_before; i < central.writes.size(); ++i) written += central.writes[i];
   EXPECT_EQ(written, command) << "the peer's bytes, written to the peripheral";
 
   hub.disconnect();

@@ -11,9 +11,7 @@ using strings_t = std::vector<std::string>;
 
 class config_test : public ::testing::Test {
 protected:
-  std::unique_ptr<config_connection_t> start(bool delete_saved = false) {
-    return std::make_unique<config_connection_t>("Thingy:91 UART", "127.0.0.1", 81, delete_saved, store, console);
-  }
+  std::unique_ptr<config_connection_t> start() { return std::make_unique<config_connection_t>(store, console); }
   strings_t stored_strings(std::string_view key) const {
     strings_t out;
     for (const auto& e : store.get(key).list) out.push_back(e.text);
@@ -28,10 +26,10 @@ TEST_F(config_test, first_start_with_an_empty_store) {
   EXPECT_EQ(c->ble_name.get(), "Thingy:91 UART");
   EXPECT_EQ(c->host.get(), "127.0.0.1");
   EXPECT_EQ(c->port.get(), 81);
-  EXPECT_EQ(c->history_ble_name.get(), config_connection_t::default_ble_name);
-  EXPECT_EQ(c->history_host.get(), config_connection_t::default_host);
+  EXPECT_EQ(c->history_ble_name.get(), config_connection_t::default_ble_names);
+  EXPECT_EQ(c->history_host.get(), config_connection_t::default_hosts);
   EXPECT_EQ(c->history_port.get(), std::vector<std::uint16_t>{81});
-  EXPECT_EQ(stored_strings("history_host"), config_connection_t::default_host) << "the histories are stored";
+  EXPECT_EQ(stored_strings("history_host"), config_connection_t::default_hosts) << "the histories are stored";
   EXPECT_FALSE(c->enable_bridge());
   EXPECT_TRUE(c->enable_ble());
   EXPECT_EQ(store.get("enable_ble").kind, kv_value_t::kind_t::absent) << "switches are stored only when changed";
@@ -62,11 +60,21 @@ TEST_F(config_test, parse_ipv4) {
     const char* text;
     const char* normalised;
   } cases[] = {
-      {"10.0.0.1", "10.0.0.1"},      {"010.000.000.001", "10.0.0.1"}, {"192.168.001.010", "192.168.1.10"},
-      {"0.1.2.3", nullptr},          {"255.1.2.3", nullptr},         {"1.2.3.0", nullptr},
-      {"1.2.3.255", nullptr},        {"1.2.3", nullptr},             {"1.2.3.4.5", nullptr},
-      {"1..2.3", nullptr},           {"1.2.3.x", nullptr},           {"", nullptr},
-      {"1.2.3.+4", nullptr},         {"1.2.3.-4", nullptr},          {"254.255.255.254", "254.255.255.254"},
+      {"10.0.0.1", "10.0.0.1"},
+      {"010.000.000.001", "10.0.0.1"},
+      {"192.168.001.010", "192.168.1.10"},
+      {"0.1.2.3", nullptr},
+      {"255.1.2.3", nullptr},
+      {"1.2.3.0", nullptr},
+      {"1.2.3.255", nullptr},
+      {"1.2.3", nullptr},
+      {"1.2.3.4.5", nullptr},
+      {"1..2.3", nullptr},
+      {"1.2.3.x", nullptr},
+      {"", nullptr},
+      {"1.2.3.+4", nullptr},
+      {"1.2.3.-4", nullptr},
+      {"254.255.255.254", "254.255.255.254"},
   };
   for (const auto& c : cases) {
     const auto r = config_connection_t::parse_ipv4(c.text);
@@ -92,8 +100,8 @@ TEST_F(config_test, typed_host_and_port_are_validated) {
     const char* text;
     bool valid;
     std::uint16_t port;
-  } ports[] = {{"65535", true, 65535}, {"0", false, 65535}, {"65536", false, 65535}, {"", false, 65535},
-               {"8x", false, 65535},   {"81", true, 81}};
+  } ports[] = {{"65535", true, 65535}, {"0", false, 65535},  {"65536", false, 65535},
+               {"", false, 65535},     {"8x", false, 65535}, {"81", true, 81}};
   for (const auto& p : ports) {
     c->set_port_bind(p.text);
     EXPECT_EQ(c->port_valid.get(), p.valid) << p.text;
@@ -153,9 +161,7 @@ TEST_F(config_test, delete_config_then_a_restart_gives_the_defaults) {
   }
   const auto c = start();
   EXPECT_FALSE(c->enable_bridge());
-  EXPECT_EQ(c->host.get(), "127.0.0.1");
-  const auto again = start(true);
-  EXPECT_EQ(again->history_host.get(), config_connection_t::default_host);
+  EXPECT_EQ(c->history_host.get(), config_connection_t::default_hosts);
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include "link/config_connection.h"
 #include "link/connection.h"
-#include "support/fake_links.h"
 #include "link/memory_kv_store.h"
+#include "support/fake_links.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 
@@ -16,7 +16,7 @@ struct connect_test : ::testing::Test {
   recording_console_t console;
   fake_links_t links;
   memory_kv_store_t store;
-  config_connection_t settings{"Thingy:91 UART", "127.0.0.1", 81, false, store, console};
+  config_connection_t settings{store, console};
   connection_t hub{queue, console, links};
 };
 

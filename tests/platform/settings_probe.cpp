@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
   const std::string mode = argv[1];
   qsettings_store_t store(QString::fromLocal8Bit(argv[2]));
   stdout_console_t console;
-  config_connection_t settings("Thingy:91 UART", "127.0.0.1", 81, false, store, console);
+  config_connection_t settings(store, console);
   if (mode == "save") {
     settings.set_enable_bridge(true);
     settings.set_enable_ble(false);

@@ -22,7 +22,7 @@ struct fake_tcp_t final : tcp_link_t {
     is_valid = false;
     ++stops;
   }
-  void send(std::span<const std::uint8_t> bytes) override {
+  void write(std::span<const std::uint8_t> bytes) override {
     if (is_valid) sent.emplace_back(bytes.begin(), bytes.end());
   }
 
@@ -59,12 +59,12 @@ struct fake_ble_t final : ble_link_t {
 
 // Hands out the doubles and keeps a pointer to each, for the test to look at.
 struct fake_links_t final : link_factory_t {
-  std::unique_ptr<tcp_link_t> make_tcp(tcp_client_delegate_t&) override {
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
     auto link = std::make_unique<fake_tcp_t>();
     tcp = link.get();
     return link;
   }
-  std::unique_ptr<ble_link_t> make_ble(ble_delegate_t&) override {
+  std::unique_ptr<ble_link_t> make_ble(link_events_t&) override {
     auto link = std::make_unique<fake_ble_t>();
     ble = link.get();
     return link;

@@ -30,8 +30,8 @@ protected:
 };
 
 TEST_F(log_view_test, shows_the_lines_and_the_filter_decides_about_lines_to_come) {
-  hub.hub.receive_line(gga1);
-  hub.hub.receive_line(rmc);  // not logged while the filter is on GGA
+  feed_line(hub.hub.tcp_events(), gga1);
+  feed_line(hub.hub.tcp_events(), rmc);  // not logged while the filter is on GGA
   settle();
   EXPECT_EQ(shown(), gga1);
   EXPECT_EQ(view.title_label().palette().color(QPalette::WindowText), colour(colour_t::primary));
@@ -39,8 +39,8 @@ TEST_F(log_view_test, shows_the_lines_and_the_filter_decides_about_lines_to_come
   EXPECT_EQ(text_colour(view.filter_button()), colour(colour_t::secondary));
   view.filter_button().click();
   EXPECT_TRUE(hub.hub.show_all);
-  hub.hub.receive_line(rmc);
-  hub.hub.receive_line(gga2);
+  feed_line(hub.hub.tcp_events(), rmc);
+  feed_line(hub.hub.tcp_events(), gga2);
   settle();
   EXPECT_EQ(view.filter_button().text(), "All");
   EXPECT_EQ(shown(), gga1 + "\n" + rmc + "\n" + gga2);
@@ -57,7 +57,7 @@ TEST_F(log_view_test, clear_empties_the_log_and_restarts_the_counters_even_when_
        colour_t::tertiary},
   };
   for (const auto& c : cases) {
-    for (const auto& line : c.lines) hub.hub.receive_line(line);
+    for (const auto& line : c.lines) feed_line(hub.hub.tcp_events(), line);
     settle();
     ASSERT_NE(hub.hub.msg_ack_count + hub.hub.msg_count, 0u) << c.name;
     EXPECT_EQ(text_colour(view.clear_button()), colour(c.clear_colour)) << c.name;
@@ -74,13 +74,12 @@ TEST_F(log_view_test, clear_empties_the_log_and_restarts_the_counters_even_when_
 TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
   auto frame = frame_of(image_of(pvt_record()));
   frame.back() ^= 0xFF;  // a checksum error: one more log entry
-  hub.hub.tcp_binary(frame);
+  hub.hub.tcp_events().link_bytes(frame);
   settle();
   EXPECT_FALSE(view.binary_label().isHidden());
   EXPECT_EQ(view.binary_label().text(), "binary");
   EXPECT_EQ(view.log_text().font().pixelSize(), 13);
-  const std::string back_to_text[] = {gga2};
-  hub.hub.tcp_lines(back_to_text);
+  feed_line(hub.hub.ble_events(), gga2);  // text from the other link
   settle();
   EXPECT_TRUE(view.binary_label().isHidden());
   EXPECT_EQ(view.log_text().font().pixelSize(), 11);

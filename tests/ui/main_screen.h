@@ -35,7 +35,7 @@ struct main_screen_t {
   bool app_ = (ui_test_app(), true);
   memory_kv_store_t store;
   recording_console_t settings_console;
-  config_connection_t cfg{"Thingy:91 UART", "127.0.0.1", 81, false, store, settings_console};
+  config_connection_t cfg{store, settings_console};
   view_hub_t hub;
   tile_server_t tiles;
   QTemporaryDir cache;

@@ -6,6 +6,7 @@
 
 #include "link/connection.h"
 #include "support/fake_links.h"
+#include "support/link_feed.h"
 #include "support/recording_console.h"
 #include "support/sentences.h"
 #include "support/test_queue.h"
@@ -18,7 +19,7 @@ struct view_hub_t {
   connection_t hub{queue, console, links};
 
   // Receives a sentence given without its checksum.
-  void receive(const std::string& body) { hub.receive_line(with_checksum(body)); }
+  void receive(const std::string& body) { feed_line(hub.tcp_events(), with_checksum(body)); }
 };
 
 // One satellite of a GSV sentence as the receiver writes it: PRN, elevation, azimuth, SNR.
