@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,7 +29,7 @@ struct main_screen_t {
     for (int i = 0; i < 5; ++i) {
       settle();
       hub.queue.run_pending();
-      QTest::qWaitFor([this] { return !map.animating(); }, 2000);
+      EXPECT_TRUE(QTest::qWaitFor([this] { return !map.animating(); }, 2000)) << "the map animates for ever";
     }
     settle();
   }
