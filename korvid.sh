@@ -14,7 +14,7 @@ packages=(
   qt6-base-dev qt6-svg-dev qt6-connectivity-dev qt6-sensors-dev qt6-positioning-dev libgl-dev
   fonts-noto-color-emoji
   libgtest-dev libgmock-dev libbenchmark-dev gpsd-clients
-  clang libfuzzer-14-dev libclang-rt-14-dev
+  clang libfuzzer-14-dev libclang-rt-14-dev clang-format clang-tidy
   dbus python3-dbusmock
 )
 
@@ -31,12 +31,32 @@ install_missing() {
   "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
+# Every build treats warnings as errors: the code is warning-free on this platform and stays so.
 configure_and_build() {
   export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
-  if [ ! -f "$build/build.ninja" ]; then
-    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
-  fi
+  cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORVID_WERROR=ON "$@" >/dev/null
   cmake --build "$build"
+}
+
+# The C++ files that the last commit and the working tree change, still present.
+changed_files() {
+  { git -C "$root" diff --name-only HEAD~1 HEAD 2>/dev/null; git -C "$root" diff --name-only HEAD 2>/dev/null; } |
+    grep -E '\.(cpp|h)$' | sort -u | while read -r f; do [ -f "$root/$f" ] && echo "$f"; done
+}
+
+# The changed files must be formatted as .clang-format says and pass the checks of .clang-tidy.
+style() {
+  local files=() sources=()
+  mapfile -t files < <(changed_files)
+  [ ${#files[@]} -eq 0 ] && return
+  echo "== style of ${#files[@]} changed files"
+  (cd "$root" && clang-format --dry-run --Werror "${files[@]}")
+  for f in "${files[@]}"; do [[ $f == src/*.cpp ]] && sources+=("$f"); done
+  [ ${#sources[@]} -eq 0 ] && return
+  local out status=0
+  out=$(cd "$root" && clang-tidy -p "$build" --quiet --warnings-as-errors='*' "${sources[@]}" 2>&1) || status=$?
+  grep -E -A3 'warning:|error:' <<<"$out" || true
+  [ "$status" -eq 0 ] || { echo "clang-tidy found faults in the changed files"; return 1; }
 }
 
 # libFuzzer targets with ASan and UBSan over the Qt-free layers, each run for a bounded time on a
@@ -46,7 +66,7 @@ fuzz() {
   local fbuild=$build-fuzz
   if [ ! -f "$fbuild/build.ninja" ]; then
     CC=clang CXX=clang++ cmake -S "$root" -B "$fbuild" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-      -DKORVID_QT=OFF -DKORVID_TESTS=OFF -DKORVID_FUZZ=ON \
+      -DKORVID_QT=OFF -DKORVID_TESTS=OFF -DKORVID_FUZZ=ON -DKORVID_WERROR=ON \
       -DCMAKE_CXX_FLAGS="-fsanitize=address,undefined -fno-sanitize-recover=all -fsanitize=fuzzer-no-link"
   fi
   cmake --build "$fbuild"
@@ -71,7 +91,7 @@ tsan() {
   local tbuild=$build-tsan
   if [ ! -f "$tbuild/build.ninja" ]; then
     cmake -S "$root" -B "$tbuild" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKORVID_QT=OFF \
-      -DKORVID_GTEST_FROM_SOURCE=ON -DCMAKE_CXX_FLAGS="-fsanitize=thread"
+      -DKORVID_GTEST_FROM_SOURCE=ON -DKORVID_WERROR=ON -DCMAKE_CXX_FLAGS="-fsanitize=thread"
   fi
   cmake --build "$tbuild" --target link_tests
   echo "== link tests under ThreadSanitizer"
@@ -89,6 +109,7 @@ case "$cmd" in
   test)
     install_missing
     configure_and_build
+    style
     echo "== unit and integration tests"
     ctest --test-dir "$build" --output-on-failure -j2 --timeout 120 | tee "$build/ctest.log"
     tsan
