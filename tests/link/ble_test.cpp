@@ -119,6 +119,8 @@ TEST_F(ble_test, an_unexpected_loss_is_reported_and_rescanned_a_user_disconnect_
   EXPECT_EQ(hub.events.back(), "down Thingy:91 UART 0");
   EXPECT_EQ(ble.rssi.text(), "");
   EXPECT_EQ(central.calls.back(), "scan");
+  const std::vector<std::string> said(console.lines.end() - 3, console.lines.end() - 1);
+  EXPECT_EQ(said, (std::vector<std::string>{"disconnected: Thingy:91 UART -----------------", "link lost"}));
 
   central.events->peripheral_discovered(thingy);
   central.events->peripheral_connected(thingy);
@@ -139,6 +141,18 @@ TEST_F(ble_test, a_peripheral_ready_while_disabled_is_disconnected) {
   central.events->characteristics_discovered(thingy, {recv_char, send_char});
   EXPECT_TRUE(hub.events.empty());
   EXPECT_FALSE(ble.ready());
+}
+
+TEST_F(ble_test, a_failed_connect_is_no_loss_and_a_stop_without_a_peripheral_cancels_nothing) {
+  central.set_radio(ble_manager_state_t::powered_on);
+  ble.connect("Thingy:91 UART");
+  central.events->peripheral_discovered(thingy);
+  central.events->peripheral_disconnected(thingy, std::string("connect failed"));
+  EXPECT_TRUE(hub.events.empty());
+  ble.stop();
+  central.calls.clear();
+  ble.stop();
+  EXPECT_EQ(central.calls, std::vector<std::string>{"stop_scan"});
 }
 
 TEST_F(ble_test, writes_only_when_ready_and_in_pieces) {

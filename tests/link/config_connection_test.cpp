@@ -51,6 +51,8 @@ TEST_F(config_test, the_eleventh_host_drops_the_oldest) {
   EXPECT_EQ(c->history_host->back(), "10.0.0.2");
   EXPECT_EQ(c->save_host("not an address"), "10.0.0.11") << "an invalid host keeps the current one";
   EXPECT_EQ(c->save_port(0), 81);
+  c->set_port_bind("8080");
+  EXPECT_EQ(c->save_port(0), 81) << "no port given: the last one saved";
   EXPECT_EQ(c->save_port(10110), 10110);
   EXPECT_EQ(c->port_bind(), "10110");
 }

@@ -252,6 +252,16 @@ TEST_F(hub_test, a_refused_connection_is_shown_in_red_and_retried_every_4_s_unti
   EXPECT_EQ(links.tcp->connects.size(), 6u) << "no retry once the link came up";
 }
 
+TEST_F(hub_test, a_retry_still_pending_when_the_hub_goes_does_nothing) {
+  auto gone = std::make_unique<connection_t>(queue, console, links);
+  gone->connect_tcp("127.0.0.1", 9);
+  gone->tcp_events().link_down("127.0.0.1:9", ECONNREFUSED);
+  gone.reset();
+  const auto said = console.lines.size();
+  queue.advance(4.0);
+  EXPECT_EQ(console.lines.size(), said) << "no connect attempt";
+}
+
 TEST_F(hub_test, bridge_forwards_raw_bytes_only_to_a_link_that_is_up) {
   const bytes_t text = {'$', 'A', '\r', '\n'};
   const bytes_t binary = {0xB5, 0x62, 0x01};
