@@ -23,8 +23,8 @@
 namespace {
 
 constexpr double knots_to_mps = 0.514444444;
-constexpr double size_fix = 15.0;           // the satellites-and-fix texts
-constexpr double size_status_bridge = 12.0; // the status texts with both links shown
+constexpr double size_fix = 15.0;            // the satellites-and-fix texts
+constexpr double size_status_bridge = 12.0;  // the status texts with both links shown
 constexpr double size_status = 16.0;
 const QString satellite = QString::fromUtf8("\U0001F6F0");
 
@@ -33,12 +33,14 @@ QFont sized(QFont font, double pixels) {
   return font;
 }
 
-QString altitude_text(double metres) { return QString::asprintf(metres >= 999.0 ? "%.f" : "%.1f", metres); }
+QString altitude_text(double metres) {
+  return QString::asprintf(metres >= 999.0 ? "%.f" : "%.1f", metres);
+}
 
 }  // namespace
 
 ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-                         QWidget* parent)
+                         main_queue_t& queue, QWidget* parent)
     : QWidget(parent),
       cfg_(cfg),
       cnc_(cnc),
@@ -56,7 +58,7 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
       lon_(new text_runs_t(false)),
       alt_(new text_runs_t(false, size_padding_u)),
       reset_(new round_button_t("reset", 18, colour_t::accent, true)),
-      map_panel_(new map_panel_t(map, map_cfg, cnc, this)) {
+      map_panel_(new map_panel_t(map, map_cfg, queue, cnc, this)) {
   time_date_->setToolTip("Log (`)");
   fix_->setToolTip("Fix details");
   reset_->setToolTip("Clear everything");
@@ -104,13 +106,16 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
   });
 
   auto* log = new gps_log_view(cnc_);
-  log_sheet_ = new sheet_t(log, [this] { cnc_.show_log = false; }, this);
+  log_sheet_ = new sheet_t(
+      log, [this] { cnc_.show_log = false; }, this);
   auto* details_scroll = new QScrollArea;
   details_scroll->setWidgetResizable(true);
   details_scroll->setFrameShape(QFrame::NoFrame);
   details_scroll->setWidget(new gps_details_view(cnc_));
-  details_sheet_ = new sheet_t(details_scroll, [this] { cnc_.show_details = false; }, this);
-  settings_sheet_ = new sheet_t(new config_connection_view(*this, cfg_, cnc_), [this] { cfg_.show_config = false; }, this);
+  details_sheet_ = new sheet_t(
+      details_scroll, [this] { cnc_.show_details = false; }, this);
+  settings_sheet_ = new sheet_t(
+      new config_connection_view(*this, cfg_, cnc_), [this] { cfg_.show_config = false; }, this);
 
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
@@ -214,12 +219,14 @@ void ContentView::refresh() {
       {satellite + " " + QString::number(gga.sat_count_i), colour_t::primary, fix_font},
       {QString::fromUtf8(gga.fix_text().data(), static_cast<int>(gga.fix_text().size())), colour_t::primary, fix_font},
   });
-  hdop_->set_runs({{"HDOP", colour_t::secondary, base}, {QString::asprintf("%.2f", gga.hdop_d), colour_t::primary, base}});
+  hdop_->set_runs(
+      {{"HDOP", colour_t::secondary, base}, {QString::asprintf("%.2f", gga.hdop_d), colour_t::primary, base}});
   const QString speed = QString::asprintf("%.2f", rmc.speed_knots * knots_to_mps);
   if (portrait_)
     speed_->set_runs({{speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
   else
-    speed_->set_runs({{"speed", colour_t::secondary, base}, {speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
+    speed_->set_runs(
+        {{"speed", colour_t::secondary, base}, {speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
   sea_->set_runs({{"sea", colour_t::secondary, base}, {altitude_text(gga.mean_sea_level_d), colour_t::primary, base}});
   lat_->set_runs({{QString::asprintf("%.6f", gga.lat.get()), colour_t::primary, base}});
   lon_->set_runs({{QString::asprintf("%.6f", gga.lon.get()), colour_t::primary, base}});

@@ -8,6 +8,7 @@
 class config_connection_t;
 class connection_t;
 class map_cfg_t;
+class main_queue_t;
 class map_panel_t;
 class round_button_t;
 class sheet_t;
@@ -26,7 +27,7 @@ public:
   static constexpr double size_padding_v = 16.0;
 
   ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-              QWidget* parent = nullptr);
+              main_queue_t& queue, QWidget* parent = nullptr);
   ~ContentView() override;
 
   // The connect-or-disconnect action of the status button, also used by the settings sheet.

@@ -40,6 +40,6 @@ struct main_screen_t {
   tile_server_t tiles;
   QTemporaryDir cache;
   tile_map_widget_t& map = *new tile_map_widget_t({{tiles.url_template(), 19, "test tiles"}, {}, {}}, cache.path());
-  map_cfg_t map_cfg{map, hub.queue};
-  ContentView view{cfg, hub.hub, map_cfg, map};
+  map_cfg_t map_cfg;
+  ContentView view{cfg, hub.hub, map_cfg, map, hub.queue};
 };
