@@ -25,7 +25,7 @@
 namespace {
 
 constexpr int usage_error = 2;
-constexpr int summary_ms = 1000;     // headless: one summary line a second
+constexpr int summary_ms = 1000;  // headless: one summary line a second
 
 bool has_display() {
   return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
@@ -37,8 +37,8 @@ void print_summary(const connection_t& hub) {
   const auto& g = hub.gga;
   std::printf("%02u:%02u:%02u  %.*s  %lld sats  HDOP %.2f  %.6f %.*s  %.6f %.*s  ALT %.1f  %s\n",
               static_cast<unsigned>(g.time.hh), static_cast<unsigned>(g.time.mm), static_cast<unsigned>(g.time.ss),
-              static_cast<int>(g.fix_text().size()), g.fix_text().data(), static_cast<long long>(g.sat_count_i), g.hdop_d,
-              g.lat.get(), static_cast<int>(g.lat_dir.size()), g.lat_dir.data(), g.lon.get(),
+              static_cast<int>(g.fix_text().size()), g.fix_text().data(), static_cast<long long>(g.sat_count_i),
+              g.hdop_d, g.lat.get(), static_cast<int>(g.lat_dir.size()), g.lat_dir.data(), g.lon.get(),
               static_cast<int>(g.lon_dir.size()), g.lon_dir.data(), g.alt_d, hub.status_tcp->c_str());
   std::fflush(stdout);
 }
@@ -155,9 +155,7 @@ int main(int argc, char** argv) {
   window.resize(options.width, options.height);
   window.show();
   if (session.sim) connect_demo(korvid->cfg, korvid->cnc, session.sim->port());
-  if (options.sheet == "log") korvid->cnc.show_log = true;
-  if (options.sheet == "details") korvid->cnc.show_details = true;
-  if (options.sheet == "settings") korvid->cfg.show_config = true;
+  if (options.sheet) window.sheets().show(*options.sheet, true);
 
   int status = 0;
   if (!options.screenshot.empty()) {

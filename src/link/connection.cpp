@@ -75,10 +75,10 @@ void connection_t::disconnect() {
 void connection_t::reset() {
   console_.print("reset");
   for (auto* decoder : arr_update_) decoder->reset();
-  clear_log_and_counters();
+  clear_log();
 }
 
-void connection_t::clear_log_and_counters() {
+void connection_t::clear_log() {
   arr_rx.modify([](string_ring_t& log) { log.clear(); });
   msg_count = 0;
   msg_good = 0;
@@ -88,14 +88,14 @@ void connection_t::clear_log_and_counters() {
 
 void connection_t::tcp_connected(const std::string& host, std::uint16_t port) {
   console_.print(console_.date() + "  connected to " + host_port(host, port));
-  clear_log_and_counters();
+  clear_log();
   status_tcp = host_port(host, port);
   sta_fg_tcp = colour_t::secondary;
 }
 
 void connection_t::ble_connected(const std::string& name) {
   console_.print(console_.date() + "  connected to " + name);
-  clear_log_and_counters();
+  clear_log();
   status_ble = name;
   sta_fg_ble = colour_t::secondary;
 }
@@ -212,7 +212,7 @@ void connection_t::log_record() {
 
 void connection_t::log_append(std::string_view entry) {
   arr_rx.modify([&](string_ring_t& log) { log.push_back(entry); });
-  while (arr_rx->size() > (show_log ? log_limit_shown : log_limit_hidden))
+  while (arr_rx->size() > (log_shown_ ? log_limit_shown : log_limit_hidden))
     arr_rx.modify([](string_ring_t& log) { log.pop_front(); });
 }
 

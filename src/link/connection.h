@@ -39,6 +39,10 @@ public:
   void connect_ble(const std::string& name);
   void disconnect();
   void reset();
+  // Empties the log and restarts the message counters and the acknowledgement, as a new link does.
+  void clear_log();
+  // The log keeps log_limit_shown entries while the screens show it, else log_limit_hidden.
+  void set_log_shown(bool shown) { log_shown_ = shown; }
   std::string crc_error_text() const;
 
   // receive_line_t, receive_arr_t
@@ -74,8 +78,6 @@ public:
   published_t<colour_t> log_fg{*this, colour_t::primary};
   published_t<bool> show_all{*this, false};  // log every valid sentence, not only GGA
   bool show_crc = true;
-  published_t<bool> show_log{*this, false};  // the log view is shown: its bound is 40, not 30
-  published_t<bool> show_details{*this, false};
   std::uint64_t msg_ack_count = 0;
   bool msg_ack = false;
   std::uint64_t msg_count = 0;
@@ -100,7 +102,6 @@ private:
   void count_candidate();
   void log_record();
   void log_error(gps_bin_return_t result);
-  void clear_log_and_counters();
   void schedule_reconnect(const std::string& host, std::uint16_t port);
 
   main_queue_t& queue_;
@@ -112,5 +113,6 @@ private:
   std::vector<subscription_t> any_cancellable_;
   std::vector<std::string_view> fields_;  // reused for every sentence
   std::string entry_;                     // reused for every record's log text
+  bool log_shown_ = false;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // guards delayed tasks
 };

@@ -121,9 +121,12 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   buttons->addWidget(disconnect_);
   layout->addLayout(buttons);
 
-  QObject::connect(ble_name_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.ble_name = t.toStdString(); });
-  QObject::connect(host_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_host_bind(t.toStdString()); });
-  QObject::connect(port_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_port_bind(t.toStdString()); });
+  QObject::connect(ble_name_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.ble_name = t.toStdString(); });
+  QObject::connect(host_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.set_host_bind(t.toStdString()); });
+  QObject::connect(port_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.set_port_bind(t.toStdString()); });
 
   QObject::connect(ble_connect_, &QPushButton::clicked, this, [this] { connect_by(true); });
   QObject::connect(ble_revert_, &QPushButton::clicked, this, [this] {
@@ -141,12 +144,12 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   });
   QObject::connect(close_, &QPushButton::clicked, this, [this] {
     selection_changed();
-    cfg_.show_config = false;
+    parent_.sheets().show(sheet_id_t::settings, false);
   });
   QObject::connect(bridge_, &QPushButton::clicked, this, [this] {
     selection_changed();
     cfg_.set_enable_bridge(!cfg_.enable_bridge());
-    cfg_.show_config = false;
+    parent_.sheets().show(sheet_id_t::settings, false);
     cnc_.disconnect();
     parent_.connect_or_disconnect();
   });
@@ -164,7 +167,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
 void config_connection_view::connect_by(bool ble) {
   selection_changed();
   cfg_.set_enable_ble(ble);
-  cfg_.show_config = false;
+  parent_.sheets().show(sheet_id_t::settings, false);
   cnc_.disconnect();
   parent_.connect_or_disconnect();
 }
@@ -224,13 +227,16 @@ void config_connection_view::refresh() {
                  .arg(static_cast<unsigned>(cfg_.port.get()));
   if (cnc_.ble_enabled()) {
     parts << QString("<span style='color:%1'>%2</span>")
-                 .arg(colour_of(colour_t::secondary, p).name(QColor::HexArgb), QString::fromStdString(cfg_.ble_name).toHtmlEscaped());
+                 .arg(colour_of(colour_t::secondary, p).name(QColor::HexArgb),
+                      QString::fromStdString(cfg_.ble_name).toHtmlEscaped());
     auto& ble = cnc_.ble();
     parts << QString("<span style='color:%1'>%2</span>")
-                 .arg(colour_of(ble.radio_colour(), p).name(QColor::HexArgb), QString::fromStdString(ble.radio_status()).toHtmlEscaped());
+                 .arg(colour_of(ble.radio_colour(), p).name(QColor::HexArgb),
+                      QString::fromStdString(ble.radio_status()).toHtmlEscaped());
   }
   if (parts.isEmpty())
-    parts << QString("<span style='color:%1'>offline</span>").arg(colour_of(colour_t::tertiary, p).name(QColor::HexArgb));
+    parts
+        << QString("<span style='color:%1'>offline</span>").arg(colour_of(colour_t::tertiary, p).name(QColor::HexArgb));
   status_->setText(parts.join("&nbsp;&nbsp;&nbsp;"));
 
   bridge_->setChecked(cfg_.enable_bridge());

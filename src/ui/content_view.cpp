@@ -45,6 +45,7 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
       cfg_(cfg),
       cnc_(cnc),
       map_cfg_(map_cfg),
+      sheets_(cnc),
       portrait_(width() < height()),
       redraw_(this, [this] { refresh(); }),
       summary_(new QWidget(this)),
@@ -72,14 +73,14 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
 
   QObject::connect(time_date_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cnc_.show_log = !cnc_.show_log;
+    sheets_.toggle(sheet_id_t::log);
   });
   backquote_ = new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this);
   QObject::connect(backquote_, &QShortcut::activated, time_date_, &QAbstractButton::click);
   QObject::connect(status_, &QAbstractButton::clicked, this, [this] { connect_or_disconnect(); });
   QObject::connect(fix_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cnc_.show_details = !cnc_.show_details;
+    sheets_.toggle(sheet_id_t::details);
   });
   QObject::connect(reset_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
@@ -88,7 +89,7 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
   });
   QObject::connect(map_panel_->settings_button(), &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cfg_.show_config = !cfg_.show_config;
+    sheets_.toggle(sheet_id_t::settings);
   });
   QObject::connect(map_panel_->location_button(), &QAbstractButton::clicked, this, [this] {
     selection_changed();
@@ -105,21 +106,21 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
     map_cfg_.mode_sat = !map_cfg_.mode_sat;
   });
 
-  auto* log = new gps_log_view(cnc_);
   log_sheet_ = new sheet_t(
-      log, [this] { cnc_.show_log = false; }, this);
+      new gps_log_view(cnc_, sheets_), [this] { sheets_.show(sheet_id_t::log, false); }, this);
   auto* details_scroll = new QScrollArea;
   details_scroll->setWidgetResizable(true);
   details_scroll->setFrameShape(QFrame::NoFrame);
-  details_scroll->setWidget(new gps_details_view(cnc_));
+  details_scroll->setWidget(new gps_details_view(cnc_, sheets_));
   details_sheet_ = new sheet_t(
-      details_scroll, [this] { cnc_.show_details = false; }, this);
+      details_scroll, [this] { sheets_.show(sheet_id_t::details, false); }, this);
   settings_sheet_ = new sheet_t(
-      new config_connection_view(*this, cfg_, cnc_), [this] { cfg_.show_config = false; }, this);
+      new config_connection_view(*this, cfg_, cnc_), [this] { sheets_.show(sheet_id_t::settings, false); }, this);
 
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
   redraw_.watch(map_cfg_);
+  redraw_.watch(sheets_);
   refresh();
 }
 
@@ -233,10 +234,11 @@ void ContentView::refresh() {
   alt_->set_runs({{"ALT", colour_t::secondary, base}, {altitude_text(gga.alt_d), colour_t::primary, base}});
 
   // The log sheet's own Close takes the backquote while the log is shown.
-  backquote_->setEnabled(!cnc_.show_log);
-  log_sheet_->set_shown(cnc_.show_log);
-  details_sheet_->set_shown(cnc_.show_details);
-  settings_sheet_->set_shown(cfg_.show_config);
+  const bool log = sheets_.shown(sheet_id_t::log);
+  backquote_->setEnabled(!log);
+  log_sheet_->set_shown(log);
+  details_sheet_->set_shown(sheets_.shown(sheet_id_t::details));
+  settings_sheet_->set_shown(sheets_.shown(sheet_id_t::settings));
 
   map_panel_->refresh();
 }

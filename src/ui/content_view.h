@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "ui/open_sheets.h"
 #include "ui/redraw.h"
 #include "ui/text_runs.h"
 
@@ -33,6 +34,8 @@ public:
   // The connect-or-disconnect action of the status button, also used by the settings sheet.
   void connect_or_disconnect();
 
+  // Which sheets are open over the screen.
+  open_sheets_t& sheets() { return sheets_; }
   bool portrait() const { return portrait_; }
   int refreshes() const { return redraw_.refreshes(); }
 
@@ -65,6 +68,7 @@ private:
   config_connection_t& cfg_;
   connection_t& cnc_;
   map_cfg_t& map_cfg_;
+  open_sheets_t sheets_;
   bool portrait_;
   redraw_t redraw_;
 

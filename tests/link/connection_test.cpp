@@ -133,10 +133,10 @@ TEST_F(hub_test, good_may_exceed_count_when_the_eleventh_candidate_is_valid) {
 TEST_F(hub_test, log_keeps_30_entries_hidden_and_40_shown) {
   for (int i = 0; i < 31; ++i) hub.receive_line(gga);
   EXPECT_EQ(hub.arr_rx->size(), 30u);
-  hub.show_log = true;
+  hub.set_log_shown(true);
   for (int i = 0; i < 20; ++i) hub.receive_line(gga);
   EXPECT_EQ(hub.arr_rx->size(), 40u);
-  hub.show_log = false;
+  hub.set_log_shown(false);
   EXPECT_EQ(hub.arr_rx->size(), 40u) << "trimmed only at the next append";
   hub.receive_line(gga);
   EXPECT_EQ(hub.arr_rx->size(), 30u);

@@ -18,7 +18,7 @@ namespace {
 // The settings sheet as the main screen opens it.
 struct settings_sheet_t : main_screen_t {
   settings_sheet_t() {
-    cfg.show_config = true;
+    view.sheets().show(sheet_id_t::settings, true);
     run();
   }
   config_connection_view& sheet() { return *static_cast<config_connection_view*>(view.settings_sheet()->content()); }
@@ -78,7 +78,7 @@ TEST(config_connection_view, ble_connect_with_an_empty_name_is_dimmed_but_still_
   s.sheet().ble_connect_button()->click();
   s.run();
   EXPECT_TRUE(s.cfg.enable_ble());
-  EXPECT_FALSE(s.cfg.show_config);
+  EXPECT_FALSE(s.view.sheets().shown(sheet_id_t::settings));
   ASSERT_NE(s.hub.links.ble, nullptr);
   EXPECT_TRUE(s.hub.hub.ble_enabled());
   EXPECT_EQ(s.hub.links.tcp, nullptr) << "BLE only";
@@ -106,7 +106,7 @@ TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_m
   settings_sheet_t s;
   s.cfg.set_enable_ble(false);
   s.view.connect_or_disconnect();  // TCP
-  s.cfg.show_config = true;
+  s.view.sheets().show(sheet_id_t::settings, true);
   s.run();
   EXPECT_TRUE(s.sheet().disconnect_button()->isVisible());
   EXPECT_EQ(s.sheet().status_line()->text().contains("127.0.0.1:81"), true);
@@ -119,7 +119,7 @@ TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_m
   EXPECT_EQ(s.hub.links.tcp->connects.size(), 2u);
   EXPECT_TRUE(s.hub.hub.ble_enabled());
 
-  s.cfg.show_config = true;
+  s.view.sheets().show(sheet_id_t::settings, true);
   s.run();
   EXPECT_TRUE(s.sheet().bridge_button()->isChecked()) << "drawn highlighted";
   s.sheet().disconnect_button()->click();

@@ -165,22 +165,22 @@ TEST(content_view, backquote_toggles_the_log_and_the_fix_opens_the_details) {
   main_screen_t screen;
   QTest::keyClick(&screen.view, Qt::Key_QuoteLeft);
   screen.run();
-  EXPECT_TRUE(screen.hub.hub.show_log);
+  EXPECT_TRUE(screen.view.sheets().shown(sheet_id_t::log));
   EXPECT_TRUE(screen.view.log_sheet()->isVisible());
   QTest::keyClick(screen.view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
   screen.run();
-  EXPECT_FALSE(screen.hub.hub.show_log);
+  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::log));
   EXPECT_FALSE(screen.view.log_sheet()->isVisible());
   QTest::keyClick(&screen.view, Qt::Key_QuoteLeft, Qt::ControlModifier);
   screen.run();
-  EXPECT_FALSE(screen.hub.hub.show_log) << "only the bare key";
+  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::log)) << "only the bare key";
 
   screen.view.fix_button()->click();
   screen.run();
   EXPECT_TRUE(screen.view.details_sheet()->isVisible());
   QTest::keyClick(screen.view.details_sheet(), Qt::Key_Escape);
   screen.run();
-  EXPECT_FALSE(screen.hub.hub.show_details) << "Escape closes a sheet through its flag";
+  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::details)) << "Escape closes a sheet through its flag";
 }
 
 TEST(content_view, buttons_over_the_map_act_on_the_map_settings) {

@@ -8,6 +8,7 @@
 #include "ui/gps_dop_view.h"
 #include "ui/gps_sat_list_view.h"
 #include "ui/gps_sky_view.h"
+#include "ui/open_sheets.h"
 #include "ui_test_app.h"
 #include "view_hub.h"
 
@@ -17,6 +18,7 @@ class details_view_test : public ::testing::Test {
 protected:
   bool app_ = (ui_test_app(), true);
   view_hub_t hub;
+  open_sheets_t sheets{hub.hub};
 
   // Portrait: plot, list and panel one above the other. Landscape: plot and list side by side,
   // top-aligned, above the panel.
@@ -38,7 +40,7 @@ protected:
 TEST_F(details_view_test, the_sky_plot_follows_the_window_orientation_with_a_new_compass) {
   hub.receive(gsv_body(2, {{"12", "45", "200", "40"}, {"03", "10", "020", "30"}}));
   QWidget window;
-  auto* details = new gps_details_view(hub.hub);
+  auto* details = new gps_details_view(hub.hub, sheets);
   (new QVBoxLayout(&window))->addWidget(details);
   window.resize(420, 1000);
   window.show();

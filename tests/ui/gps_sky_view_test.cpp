@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "map/gps_heading.h"
+#include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui_test_app.h"
 #include "view_hub.h"
@@ -39,7 +40,8 @@ protected:
   bool fresh_ = (ui_test_app(), gps_heading_t::reset_process_values(), true);
   view_hub_t hub;
   gps_heading_t compass;
-  gps_sky_view view{hub.hub, compass};
+  open_sheets_t sheets{hub.hub};
+  gps_sky_view view{hub.hub, compass, sheets};
 };
 
 TEST_F(sky_view_test, zenith_on_the_rim_horizon_at_the_centre_and_east_up_when_facing_east) {
@@ -88,13 +90,13 @@ TEST_F(sky_view_test, space_bar_and_click_toggle_the_details_and_a_shown_plot_ea
   view.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
   QTest::keyClick(&view, Qt::Key_Space);
-  EXPECT_TRUE(hub.hub.show_details);
+  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
   QTest::keyClick(&view, Qt::Key_Space);
-  EXPECT_FALSE(hub.hub.show_details);
+  EXPECT_FALSE(sheets.shown(sheet_id_t::details));
   QTest::keyClick(&view, Qt::Key_Space, Qt::ShiftModifier);
-  EXPECT_FALSE(hub.hub.show_details) << "only the bare space bar";
+  EXPECT_FALSE(sheets.shown(sheet_id_t::details)) << "only the bare space bar";
   QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(300, 300));
-  EXPECT_TRUE(hub.hub.show_details);
+  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
 
   compass.update(90.0);
   settle();
