@@ -18,14 +18,6 @@
 
 namespace {
 
-void set_text_colour(QWidget& widget, const QColor& colour) {
-  QPalette palette = widget.palette();
-  if (palette.color(QPalette::WindowText) == colour && palette.color(QPalette::ButtonText) == colour) return;
-  palette.setColor(QPalette::WindowText, colour);
-  palette.setColor(QPalette::ButtonText, colour);
-  widget.setPalette(palette);
-}
-
 QPushButton* text_button(QWidget* parent, const QString& text) {
   auto* button = new QPushButton(text, parent);
   button->setFlat(true);
