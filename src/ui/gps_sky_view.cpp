@@ -64,12 +64,6 @@ QPointF gps_sky_view::dot_offset(const gps_gpgsv_satellite_t& satellite) {
   return {plot_radius * std::sin(e) * std::sin(a), -plot_radius * std::sin(e) * std::cos(a)};
 }
 
-QPointF gps_sky_view::dot_position(const gps_gpgsv_satellite_t& satellite) const {
-  QTransform layer;
-  layer.rotate(drawn_rotation_);
-  return plot_centre() + layer.map(dot_offset(satellite));
-}
-
 QPointF gps_sky_view::plot_centre() const {
   return QRectF(rect()).center();
 }

@@ -41,8 +41,6 @@ public:
   // rotation painted right now, which moves towards rotation() while the turn animates.
   double rotation() const { return target_rotation_; }
   double drawn_rotation() const { return drawn_rotation_; }
-  // Where the dot's centre is painted now, in widget coordinates.
-  QPointF dot_position(const gps_gpgsv_satellite_t& satellite) const;
   // The satellites-in-view label.
   QString count_text() const { return count_text_; }
 

@@ -81,11 +81,13 @@ TEST_F(map_view_test, the_first_fix_places_the_map_and_overlays_follow_after_40_
   redraw(home);
   ASSERT_EQ(widget.shown.size(), 1u) << "the circle alone without a track";
   const auto circle = widget.shown[0];
+  EXPECT_EQ(circle->centre, home);
   redraw(home);
   EXPECT_EQ(widget.shown[0], circle) << "not again within 40 ms";
   queue.advance(0.05);
   redraw(home, {home, {std::nan(""), 1.0}, north(10)});
   ASSERT_EQ(widget.shown.size(), 2u) << "new overlays in, old ones out";
+  EXPECT_EQ(widget.shown[1]->kind, map_overlay_t::kind_t::polyline);
   EXPECT_EQ(widget.shown[1]->points, (std::vector<geo_coordinate_t>{home, north(10)}))
       << "newest first, without the point a map cannot place";
 }

@@ -23,8 +23,7 @@ struct settings_sheet_t : main_screen_t {
   }
   config_connection_view& sheet() { return *static_cast<config_connection_view*>(view.settings_sheet()->content()); }
   QColor colour(colour_t c) { return colour_of(c, sheet().palette()); }
-  static QColor text_of(QWidget* w) { return w->palette().color(QPalette::Text); }
-  static QColor button_text_of(QWidget* w) { return w->palette().color(QPalette::ButtonText); }
+  static QColor text_of(QWidget* w) { return w->palette().color(w->foregroundRole()); }
   void type(QLineEdit* field, const QString& text) {
     field->selectAll();
     QTest::keyClick(field, Qt::Key_Backspace);
@@ -54,7 +53,7 @@ TEST(config_connection_view, an_invalid_host_turns_red_and_revert_or_closing_put
     s.type(sheet.host_field(), c.typed);
     EXPECT_EQ(s.cfg.host_valid.get(), c.valid) << c.name;
     EXPECT_EQ(s.text_of(sheet.host_field()), s.colour(c.valid ? colour_t::primary : colour_t::red)) << c.name;
-    EXPECT_EQ(s.button_text_of(sheet.ip_connect_button()), s.colour(c.valid ? colour_t::green : colour_t::secondary))
+    EXPECT_EQ(s.text_of(sheet.ip_connect_button()), s.colour(c.valid ? colour_t::green : colour_t::secondary))
         << c.name;
     sheet.ip_revert_button()->click();
     s.run();
@@ -74,7 +73,7 @@ TEST(config_connection_view, ble_connect_with_an_empty_name_is_dimmed_but_still_
   settings_sheet_t s;
   s.cfg.set_enable_ble(false);
   s.type(s.sheet().ble_name_field(), "");
-  EXPECT_EQ(s.button_text_of(s.sheet().ble_connect_button()), s.colour(colour_t::secondary));
+  EXPECT_EQ(s.text_of(s.sheet().ble_connect_button()), s.colour(colour_t::secondary));
   s.sheet().ble_connect_button()->click();
   s.run();
   EXPECT_TRUE(s.cfg.enable_ble());

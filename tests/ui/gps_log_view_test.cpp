@@ -8,9 +8,9 @@
 #include <QTest>
 
 #include "support/records.h"
+#include "support/ui_test_app.h"
 #include "ui/open_sheets.h"
 #include "ui/palette.h"
-#include "ui_test_app.h"
 #include "view_hub.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
 #include "support/tile_server.h"
+#include "support/ui_test_app.h"
 #include "ui/content_view.h"
-#include "ui_test_app.h"
 #include "view_hub.h"
 
 // The main screen as the program builds it (settings, hub, map widget, map settings, screen),
