@@ -15,6 +15,23 @@ bool is_dark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightnessF() < 0.5;
 }
 
+QPalette dark_palette() {
+  QPalette p;
+  p.setColor(QPalette::Window, QColor(28, 28, 30));
+  p.setColor(QPalette::WindowText, Qt::white);
+  p.setColor(QPalette::Base, QColor(44, 44, 46));
+  p.setColor(QPalette::AlternateBase, QColor(58, 58, 60));
+  p.setColor(QPalette::Text, Qt::white);
+  p.setColor(QPalette::Button, QColor(44, 44, 46));
+  p.setColor(QPalette::ButtonText, Qt::white);
+  p.setColor(QPalette::Highlight, QColor(10, 132, 255));
+  p.setColor(QPalette::HighlightedText, Qt::white);
+  p.setColor(QPalette::PlaceholderText, QColor(142, 142, 147));
+  p.setColor(QPalette::ToolTipBase, QColor(58, 58, 60));
+  p.setColor(QPalette::ToolTipText, Qt::white);
+  return p;
+}
+
 QColor colour_of(colour_t c, const QPalette& palette) {
   const bool dark = is_dark(palette);
   const QColor label = palette.color(QPalette::WindowText);
