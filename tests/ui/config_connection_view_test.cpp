@@ -83,7 +83,7 @@ TEST(config_connection_view, ble_connect_with_an_empty_name_is_dimmed_but_still_
   EXPECT_EQ(s.hub.links.tcp, nullptr) << "BLE only";
 }
 
-TEST(config_connection_view, history_entries_fill_the_fields_and_revert_takes_the_first) {
+TEST(config_connection_view, history_entries_fill_the_fields_revert_takes_the_first_and_delete_forgets_them) {
   settings_sheet_t s;
   s.cfg.save_ble_name("Receiver A");
   s.cfg.save_ble_name("Receiver B");
@@ -99,6 +99,10 @@ TEST(config_connection_view, history_entries_fill_the_fields_and_revert_takes_th
   s.choose(sheet.port_history(), "10110");
   EXPECT_EQ(sheet.port_field()->text(), "10110");
   EXPECT_EQ(s.cfg.port.get(), 10110);
+  ASSERT_FALSE(s.store.values.empty());
+  sheet.delete_button()->click();
+  s.run();
+  EXPECT_TRUE(s.store.values.empty());
 }
 
 TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_mode) {
@@ -125,16 +129,6 @@ TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_m
   s.run();
   EXPECT_FALSE(s.sheet().disconnect_button()->isVisible());
   EXPECT_TRUE(s.sheet().status_line()->text().contains("offline"));
-}
-
-TEST(config_connection_view, delete_saved_configuration_forgets_the_store) {
-  settings_sheet_t s;
-  s.cfg.save_host("192.168.1.20");
-  s.cfg.set_enable_bridge(true);
-  ASSERT_FALSE(s.store.values.empty());
-  s.sheet().delete_button()->click();
-  s.run();
-  EXPECT_TRUE(s.store.values.empty());
 }
 
 }  // namespace
