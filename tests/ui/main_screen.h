@@ -27,7 +27,7 @@ struct main_screen_t {
     for (int i = 0; i < 5; ++i) {
       settle();
       hub.queue.run_pending();
-      QTest::qWaitFor([this] { return !map.animating(); }, 2000);
+      static_cast<void>(QTest::qWaitFor([this] { return !map.animating(); }, 2000));  // settles or gives up
     }
     settle();
   }
