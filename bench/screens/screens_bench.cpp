@@ -54,7 +54,8 @@ struct map_scene_t {
   map_scene_t(int width, int height) {
     const auto track = walk(track_points);
     const QString url = write_synthetic_tiles(dir.path(), track.front(), 14, 17, 6);
-    map = std::make_unique<tile_map_widget_t>(tile_sources_t{{url, 17, "synthetic tiles"}, {}, {}}, dir.path() + "/cache");
+    map = std::make_unique<tile_map_widget_t>(tile_sources_t{{url, 17, "synthetic tiles"}, {}, {}},
+                                              dir.path() + "/cache");
     map->resize(width, height);
     map->show();
     map->set_region(track.front(), 1000.0, 1000.0, false);
@@ -139,8 +140,8 @@ void BM_window_refresh(benchmark::State& state) {
   QTemporaryDir dir;
   const QString url = write_synthetic_tiles(dir.path(), centre, 15, 16, 4);
   auto& map = *new tile_map_widget_t({{url, 17, "synthetic tiles"}, {}, {}}, dir.path() + "/cache");
-  map_cfg_t map_cfg(map, queue);
-  ContentView view(cfg, hub, map_cfg, map);
+  map_cfg_t map_cfg;
+  ContentView view(cfg, hub, map_cfg, map, queue);
   view.resize(1920, 1080);
   view.show();
   // 10 000 track points: one GGA a second, 11 m apart.
@@ -169,7 +170,13 @@ void BM_window_refresh(benchmark::State& state) {
   state.counters["refreshes"] = view.refreshes();
   state.counters["good"] = static_cast<double>(hub.msg_good);
 }
-BENCHMARK(BM_window_refresh)->ArgName("paint")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+BENCHMARK(BM_window_refresh)
+    ->ArgName("paint")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 }  // namespace
 

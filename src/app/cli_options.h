@@ -10,18 +10,20 @@
 // What korvid-cli was asked to do.
 struct cli_options_t {
   std::string replay_file;
-  std::string host;        // --connect tcp://HOST:PORT
+  std::string host;            // --connect tcp://HOST:PORT
   std::string ble_name;        // --connect ble://NAME
   bool bridge = false;         // both links at once, bytes forwarded between them
   bool connect_saved = false;  // --connect saved: as the saved settings say
   std::string settings_file;   // an INI file instead of the user's settings
   std::uint16_t port = 0;
-  double duration_s = 0;   // 0: until interrupted
-  double interval_s = 1;   // between JSON snapshots
+  double duration_s = 0;  // 0: until interrupted
+  double interval_s = 1;  // between JSON snapshots
   std::size_t chunk = 0;  // replay chunk size in bytes
   bool json = false;
   bool show_all = false;
   bool help = false;
+
+  bool operator==(const cli_options_t&) const = default;
 };
 
 inline constexpr std::size_t cli_max_chunk = 65536;  // bytes

@@ -4,12 +4,13 @@
 
 #include "platform/tile_source.h"
 
-QString tile_cache_folder() { return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles"; }
+QString tile_cache_folder() {
+  return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles";
+}
 
 KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console)
     : cfg(store, console),
       links(queue, console),
       cnc(queue, console, links),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      map_cfg(map, queue),
-      window(cfg, cnc, map_cfg, map) {}
+      window(cfg, cnc, map_cfg, map, queue) {}

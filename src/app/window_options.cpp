@@ -16,10 +16,18 @@ bool read_int(std::string_view text, int& out) {
   return r.ec == std::errc() && r.ptr == end;
 }
 
+std::optional<sheet_id_t> sheet_named(std::string_view name) {
+  if (name == "log") return sheet_id_t::log;
+  if (name == "details") return sheet_id_t::details;
+  if (name == "settings") return sheet_id_t::settings;
+  return std::nullopt;
+}
+
 }  // namespace
 
 const char* const window_usage =
-    "usage: korvid [--demo [--ubx]] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] [--dark]\n"
+    "usage: korvid [--demo [--ubx]] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] "
+    "[--dark]\n"
     "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
     "                     nothing is saved to your settings\n"
     "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
@@ -59,9 +67,8 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
           o.width < 200 || o.height < 200 || o.width > 8192 || o.height > 8192)
         return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
     } else if (a == "--sheet") {
-      if (!value(v) || (v != "log" && v != "details" && v != "settings"))
-        return {{}, "--sheet needs log, details or settings"};
-      o.sheet = std::string(v);
+      o.sheet = value(v) ? sheet_named(v) : std::nullopt;
+      if (!o.sheet) return {{}, "--sheet needs log, details or settings"};
     } else {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }

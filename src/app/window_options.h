@@ -5,16 +5,18 @@
 #include <string>
 #include <string_view>
 
+#include "ui/open_sheets.h"
+
 // What korvid, the window, was asked to do.
 struct window_options_t {
-  bool demo = false;            // run the built-in simulator on loopback and connect to it
-  bool ubx = false;             // the demo's simulator sends UBX frames instead of sentences
-  std::string screenshot;       // render the window to this PNG and exit
-  double after_s = 3.0;         // s before the screenshot
-  int width = 1100;             // the window's size, screen points
+  bool demo = false;       // run the built-in simulator on loopback and connect to it
+  bool ubx = false;        // the demo's simulator sends UBX frames instead of sentences
+  std::string screenshot;  // render the window to this PNG and exit
+  double after_s = 3.0;    // s before the screenshot
+  int width = 1100;        // the window's size, screen points
   int height = 760;
-  std::string sheet;            // "log", "details" or "settings": open it (for screenshots)
-  bool dark = false;            // a dark palette (for screenshots of the dark theme)
+  std::optional<sheet_id_t> sheet;  // open it (for screenshots)
+  bool dark = false;                // a dark palette (for screenshots of the dark theme)
   bool help = false;
 };
 

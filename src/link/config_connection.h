@@ -56,7 +56,6 @@ public:
   // zeros dropped); nothing otherwise.
   static std::optional<std::string> parse_ipv4(std::string_view text);
 
-  published_t<bool> show_config{*this, false};
   published_t<std::string> ble_name{*this, std::string(default_ble_name)};
   published_t<std::vector<std::string>> history_ble_name{*this, {std::string(default_ble_name)}};
   published_t<std::string> host{*this, std::string(default_host)};

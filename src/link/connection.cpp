@@ -79,10 +79,10 @@ void connection_t::disconnect() {
 void connection_t::reset() {
   console_.print("reset");
   for (auto* decoder : decoders_) decoder->reset();
-  clear_log_and_counters();
+  clear_log();
 }
 
-void connection_t::clear_log_and_counters() {
+void connection_t::clear_log() {
   arr_rx.modify([](string_ring_t& log) { log.clear(); });
   msg_count = 0;
   msg_good = 0;
@@ -93,7 +93,7 @@ void connection_t::clear_log_and_counters() {
 void connection_t::link_up(side_t& side, const std::string& peer) {
   console_.print(console_.date() + "  connected to " + peer);
   side.splitter.reset();
-  clear_log_and_counters();
+  clear_log();
   side.status = peer;
   side.colour = colour_t::secondary;
 }
@@ -208,7 +208,7 @@ void connection_t::log_record() {
 
 void connection_t::log_append(std::string_view entry) {
   arr_rx.modify([&](string_ring_t& log) { log.push_back(entry); });
-  while (arr_rx->size() > (show_log ? log_limit_shown : log_limit_hidden))
+  while (arr_rx->size() > (log_shown_ ? log_limit_shown : log_limit_hidden))
     arr_rx.modify([](string_ring_t& log) { log.pop_front(); });
 }
 

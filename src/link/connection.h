@@ -42,6 +42,10 @@ public:
   void connect_ble(const std::string& name);
   void disconnect();
   void reset();
+  // Empties the log and restarts the message counters and the acknowledgement, as a new link does.
+  void clear_log();
+  // The log keeps log_limit_shown entries while the screens show it, else log_limit_hidden.
+  void set_log_shown(bool shown) { log_shown_ = shown; }
   std::string crc_error_text() const;
 
   // Where each transport reports. A replay feeds the TCP link's receive path without connecting.
@@ -64,8 +68,6 @@ public:
   published_t<std::string> status_tcp{*this, "offline"};
   published_t<string_ring_t> arr_rx{*this, string_ring_t(log_limit_shown)};
   published_t<bool> show_all{*this, false};  // log every valid sentence, not only GGA
-  published_t<bool> show_log{*this, false};  // the log view is shown: its bound is 40, not 30
-  published_t<bool> show_details{*this, false};
   std::uint64_t msg_ack_count = 0;
   bool msg_ack = false;
   std::uint64_t msg_count = 0;
@@ -104,7 +106,6 @@ private:
   void count_candidate();
   void log_record();
   void log_error(gps_bin_return_t result);
-  void clear_log_and_counters();
   void schedule_reconnect(const std::string& host, std::uint16_t port);
 
   // The six decoders in the order they are offered every sentence and record, and the UBX stream
@@ -121,6 +122,7 @@ private:
   std::string tcp_host_;  // the address of the last TCP connect, for its retries
   std::uint16_t tcp_port_ = 0;
   bool binary_ = false;
+  bool log_shown_ = false;  // the screens show the log: it keeps log_limit_shown entries
   std::vector<subscription_t> any_cancellable_;
   std::vector<std::string_view> fields_;                        // reused for every sentence
   std::string entry_;                                           // reused for every record's log text

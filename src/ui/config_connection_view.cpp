@@ -18,20 +18,12 @@
 
 namespace {
 
-void set_text_colour(QWidget* w, QPalette::ColorRole role, colour_t c) {
-  QPalette p = w->palette();
-  const QColor colour = colour_of(c, w->parentWidget() ? w->parentWidget()->palette() : p);
-  if (p.color(role) == colour) return;
-  p.setColor(role, colour);
-  w->setPalette(p);
-}
-
 // A button's text in a colour, on the system background.
-void set_button_colour(QPushButton* b, colour_t c) {
-  set_text_colour(b, QPalette::ButtonText, c);
-  QPalette p = b->palette();
-  p.setColor(QPalette::Button, colour_of(colour_t::background, p));
-  b->setPalette(p);
+void set_button_colour(QPushButton& b, const QColor& text, const QColor& background) {
+  set_text_colour(b, text);
+  QPalette p = b.palette();
+  p.setColor(QPalette::Button, background);
+  b.setPalette(p);
 }
 
 // Sets a field's text only when the model's differs, keeping the cursor where the user left it.
@@ -121,9 +113,12 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   buttons->addWidget(disconnect_);
   layout->addLayout(buttons);
 
-  QObject::connect(ble_name_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.ble_name = t.toStdString(); });
-  QObject::connect(host_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_host_bind(t.toStdString()); });
-  QObject::connect(port_, &QLineEdit::textEdited, this, [this](const QString& t) { cfg_.set_port_bind(t.toStdString()); });
+  QObject::connect(ble_name_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.ble_name = t.toStdString(); });
+  QObject::connect(host_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.set_host_bind(t.toStdString()); });
+  QObject::connect(port_, &QLineEdit::textEdited, this,
+                   [this](const QString& t) { cfg_.set_port_bind(t.toStdString()); });
 
   QObject::connect(ble_connect_, &QPushButton::clicked, this, [this] { connect_by(true); });
   QObject::connect(ble_revert_, &QPushButton::clicked, this, [this] {
@@ -141,12 +136,12 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   });
   QObject::connect(close_, &QPushButton::clicked, this, [this] {
     selection_changed();
-    cfg_.show_config = false;
+    parent_.sheets().show(sheet_id_t::settings, false);
   });
   QObject::connect(bridge_, &QPushButton::clicked, this, [this] {
     selection_changed();
     cfg_.set_enable_bridge(!cfg_.enable_bridge());
-    cfg_.show_config = false;
+    parent_.sheets().show(sheet_id_t::settings, false);
     cnc_.disconnect();
     parent_.connect_or_disconnect();
   });
@@ -164,7 +159,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
 void config_connection_view::connect_by(bool ble) {
   selection_changed();
   cfg_.set_enable_ble(ble);
-  cfg_.show_config = false;
+  parent_.sheets().show(sheet_id_t::settings, false);
   cnc_.disconnect();
   parent_.connect_or_disconnect();
 }
@@ -189,10 +184,15 @@ void config_connection_view::refresh() {
   show_text(ble_name_, QString::fromStdString(cfg_.ble_name));
   show_text(host_, QString::fromStdString(cfg_.host_bind()));
   show_text(port_, QString::fromStdString(cfg_.port_bind()));
-  set_text_colour(host_, QPalette::Text, cfg_.host_valid ? colour_t::primary : colour_t::red);
-  set_text_colour(port_, QPalette::Text, cfg_.port_valid ? colour_t::primary : colour_t::red);
-  set_button_colour(ble_connect_, cfg_.ble_name->empty() ? colour_t::secondary : colour_t::blue);
-  set_button_colour(ip_connect_, cfg_.host_valid && cfg_.port_valid ? colour_t::green : colour_t::secondary);
+  const QPalette& theme = palette();
+  set_text_colour(*host_, colour_of(cfg_.host_valid ? colour_t::primary : colour_t::red, theme));
+  set_text_colour(*port_, colour_of(cfg_.port_valid ? colour_t::primary : colour_t::red, theme));
+  const QColor background = colour_of(colour_t::background, theme);
+  set_button_colour(*ble_connect_, colour_of(cfg_.ble_name->empty() ? colour_t::secondary : colour_t::blue, theme),
+                    background);
+  set_button_colour(*ip_connect_,
+                    colour_of(cfg_.host_valid && cfg_.port_valid ? colour_t::green : colour_t::secondary, theme),
+                    background);
 
   auto fill = [this](QToolButton* button, const QStringList& entries, auto choose) {
     QMenu* menu = button->menu();
@@ -216,21 +216,23 @@ void config_connection_view::refresh() {
   fill(port_history_, ports, [this](const QString& e) { cfg_.set_port_bind(e.toStdString()); });
 
   // The status line: the links in use, or "offline".
-  const QPalette& p = palette();
   QStringList parts;
   if (cnc_.tcp_enabled())
     parts << QString("<span style='color:%1'>%2:%3</span>")
-                 .arg(colour_of(colour_t::secondary, p).name(QColor::HexArgb), QString::fromStdString(cfg_.host))
+                 .arg(colour_of(colour_t::secondary, theme).name(QColor::HexArgb), QString::fromStdString(cfg_.host))
                  .arg(static_cast<unsigned>(cfg_.port.get()));
   if (cnc_.ble_enabled()) {
     parts << QString("<span style='color:%1'>%2</span>")
-                 .arg(colour_of(colour_t::secondary, p).name(QColor::HexArgb), QString::fromStdString(cfg_.ble_name).toHtmlEscaped());
+                 .arg(colour_of(colour_t::secondary, theme).name(QColor::HexArgb),
+                      QString::fromStdString(cfg_.ble_name).toHtmlEscaped());
     auto& ble = cnc_.ble();
     parts << QString("<span style='color:%1'>%2</span>")
-                 .arg(colour_of(ble.radio_colour(), p).name(QColor::HexArgb), QString::fromStdString(ble.radio_status()).toHtmlEscaped());
+                 .arg(colour_of(ble.radio_colour(), theme).name(QColor::HexArgb),
+                      QString::fromStdString(ble.radio_status()).toHtmlEscaped());
   }
   if (parts.isEmpty())
-    parts << QString("<span style='color:%1'>offline</span>").arg(colour_of(colour_t::tertiary, p).name(QColor::HexArgb));
+    parts << QString("<span style='color:%1'>offline</span>")
+                 .arg(colour_of(colour_t::tertiary, theme).name(QColor::HexArgb));
   status_->setText(parts.join("&nbsp;&nbsp;&nbsp;"));
 
   bridge_->setChecked(cfg_.enable_bridge());

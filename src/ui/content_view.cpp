@@ -23,8 +23,8 @@
 namespace {
 
 constexpr double knots_to_mps = 0.514444444;
-constexpr double size_fix = 15.0;           // the satellites-and-fix texts
-constexpr double size_status_bridge = 12.0; // the status texts with both links shown
+constexpr double size_fix = 15.0;            // the satellites-and-fix texts
+constexpr double size_status_bridge = 12.0;  // the status texts with both links shown
 constexpr double size_status = 16.0;
 const QString satellite = QString::fromUtf8("\U0001F6F0");
 
@@ -33,16 +33,19 @@ QFont sized(QFont font, double pixels) {
   return font;
 }
 
-QString altitude_text(double metres) { return QString::asprintf(metres >= 999.0 ? "%.f" : "%.1f", metres); }
+QString altitude_text(double metres) {
+  return QString::asprintf(metres >= 999.0 ? "%.f" : "%.1f", metres);
+}
 
 }  // namespace
 
 ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-                         QWidget* parent)
+                         main_queue_t& queue, QWidget* parent)
     : QWidget(parent),
       cfg_(cfg),
       cnc_(cnc),
       map_cfg_(map_cfg),
+      sheets_(cnc),
       portrait_(width() < height()),
       redraw_(this, [this] { refresh(); }),
       summary_(new QWidget(this)),
@@ -56,7 +59,7 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
       lon_(new text_runs_t(false)),
       alt_(new text_runs_t(false, size_padding_u)),
       reset_(new round_button_t("reset", 18, colour_t::accent, true)),
-      map_panel_(new map_panel_t(map, map_cfg, cnc, this)) {
+      map_panel_(new map_panel_t(map, map_cfg, queue, cnc, this)) {
   time_date_->setToolTip("Log (`)");
   fix_->setToolTip("Fix details");
   reset_->setToolTip("Clear everything");
@@ -70,14 +73,14 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
 
   QObject::connect(time_date_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cnc_.show_log = !cnc_.show_log;
+    sheets_.toggle(sheet_id_t::log);
   });
   backquote_ = new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this);
   QObject::connect(backquote_, &QShortcut::activated, time_date_, &QAbstractButton::click);
   QObject::connect(status_, &QAbstractButton::clicked, this, [this] { connect_or_disconnect(); });
   QObject::connect(fix_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cnc_.show_details = !cnc_.show_details;
+    sheets_.toggle(sheet_id_t::details);
   });
   QObject::connect(reset_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
@@ -86,7 +89,7 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
   });
   QObject::connect(map_panel_->settings_button(), &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    cfg_.show_config = !cfg_.show_config;
+    sheets_.toggle(sheet_id_t::settings);
   });
   QObject::connect(map_panel_->location_button(), &QAbstractButton::clicked, this, [this] {
     selection_changed();
@@ -103,18 +106,21 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
     map_cfg_.mode_sat = !map_cfg_.mode_sat;
   });
 
-  auto* log = new gps_log_view(cnc_);
-  log_sheet_ = new sheet_t(log, [this] { cnc_.show_log = false; }, this);
+  log_sheet_ = new sheet_t(
+      new gps_log_view(cnc_, sheets_), [this] { sheets_.show(sheet_id_t::log, false); }, this);
   auto* details_scroll = new QScrollArea;
   details_scroll->setWidgetResizable(true);
   details_scroll->setFrameShape(QFrame::NoFrame);
-  details_scroll->setWidget(new gps_details_view(cnc_));
-  details_sheet_ = new sheet_t(details_scroll, [this] { cnc_.show_details = false; }, this);
-  settings_sheet_ = new sheet_t(new config_connection_view(*this, cfg_, cnc_), [this] { cfg_.show_config = false; }, this);
+  details_scroll->setWidget(new gps_details_view(cnc_, sheets_));
+  details_sheet_ = new sheet_t(
+      details_scroll, [this] { sheets_.show(sheet_id_t::details, false); }, this);
+  settings_sheet_ = new sheet_t(
+      new config_connection_view(*this, cfg_, cnc_), [this] { sheets_.show(sheet_id_t::settings, false); }, this);
 
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
   redraw_.watch(map_cfg_);
+  redraw_.watch(sheets_);
   refresh();
 }
 
@@ -214,22 +220,25 @@ void ContentView::refresh() {
       {satellite + " " + QString::number(gga.sat_count_i), colour_t::primary, fix_font},
       {QString::fromUtf8(gga.fix_text().data(), static_cast<int>(gga.fix_text().size())), colour_t::primary, fix_font},
   });
-  hdop_->set_runs({{"HDOP", colour_t::secondary, base}, {QString::asprintf("%.2f", gga.hdop_d), colour_t::primary, base}});
+  hdop_->set_runs(
+      {{"HDOP", colour_t::secondary, base}, {QString::asprintf("%.2f", gga.hdop_d), colour_t::primary, base}});
   const QString speed = QString::asprintf("%.2f", rmc.speed_knots * knots_to_mps);
   if (portrait_)
     speed_->set_runs({{speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
   else
-    speed_->set_runs({{"speed", colour_t::secondary, base}, {speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
+    speed_->set_runs(
+        {{"speed", colour_t::secondary, base}, {speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
   sea_->set_runs({{"sea", colour_t::secondary, base}, {altitude_text(gga.mean_sea_level_d), colour_t::primary, base}});
   lat_->set_runs({{QString::asprintf("%.6f", gga.lat.get()), colour_t::primary, base}});
   lon_->set_runs({{QString::asprintf("%.6f", gga.lon.get()), colour_t::primary, base}});
   alt_->set_runs({{"ALT", colour_t::secondary, base}, {altitude_text(gga.alt_d), colour_t::primary, base}});
 
   // The log sheet's own Close takes the backquote while the log is shown.
-  backquote_->setEnabled(!cnc_.show_log);
-  log_sheet_->set_shown(cnc_.show_log);
-  details_sheet_->set_shown(cnc_.show_details);
-  settings_sheet_->set_shown(cfg_.show_config);
+  const bool log = sheets_.shown(sheet_id_t::log);
+  backquote_->setEnabled(!log);
+  log_sheet_->set_shown(log);
+  details_sheet_->set_shown(sheets_.shown(sheet_id_t::details));
+  settings_sheet_->set_shown(sheets_.shown(sheet_id_t::settings));
 
   map_panel_->refresh();
 }

@@ -2,12 +2,14 @@
 
 #include <QWidget>
 
+#include "ui/open_sheets.h"
 #include "ui/redraw.h"
 #include "ui/text_runs.h"
 
 class config_connection_t;
 class connection_t;
 class map_cfg_t;
+class main_queue_t;
 class map_panel_t;
 class round_button_t;
 class sheet_t;
@@ -26,12 +28,14 @@ public:
   static constexpr double size_padding_v = 16.0;
 
   ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-              QWidget* parent = nullptr);
+              main_queue_t& queue, QWidget* parent = nullptr);
   ~ContentView() override;
 
   // The connect-or-disconnect action of the status button, also used by the settings sheet.
   void connect_or_disconnect();
 
+  // Which sheets are open over the screen.
+  open_sheets_t& sheets() { return sheets_; }
   bool portrait() const { return portrait_; }
   int refreshes() const { return redraw_.refreshes(); }
 
@@ -64,6 +68,7 @@ private:
   config_connection_t& cfg_;
   connection_t& cnc_;
   map_cfg_t& map_cfg_;
+  open_sheets_t sheets_;
   bool portrait_;
   redraw_t redraw_;
 

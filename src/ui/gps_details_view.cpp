@@ -11,9 +11,10 @@
 #include "ui/gps_sat_list_view.h"
 #include "ui/gps_sky_view.h"
 
-gps_details_view::gps_details_view(connection_t& gps, QWidget* parent)
+gps_details_view::gps_details_view(connection_t& gps, open_sheets_t& sheets, QWidget* parent)
     : QWidget(parent),
       gps_(gps),
+      sheets_(sheets),
       column_(new QVBoxLayout(this)),
       row_(new QHBoxLayout),
       list_(new gps_sat_list_view(gps, this)),
@@ -79,7 +80,7 @@ void gps_details_view::arrange() {
   delete device_compass_;  // it feeds the heading source about to be replaced
   compass_ = std::make_unique<gps_heading_t>();
   device_compass_ = new qt_compass_t(*compass_, this);
-  sky_ = new gps_sky_view(gps_, *compass_, this);
+  sky_ = new gps_sky_view(gps_, *compass_, sheets_, this);
   if (portrait_)
     column_->insertWidget(0, sky_, 0, Qt::AlignHCenter);
   else

@@ -9,6 +9,7 @@ class QVBoxLayout;
 class connection_t;
 class gps_dop_view;
 class gps_heading_t;
+class open_sheets_t;
 class qt_compass_t;
 class gps_sat_list_view;
 class gps_sky_view;
@@ -21,7 +22,7 @@ class gps_details_view final : public QWidget {
 public:
   static constexpr int spacing = 16;  // points between the stacked parts
 
-  explicit gps_details_view(connection_t& gps, QWidget* parent = nullptr);
+  gps_details_view(connection_t& gps, open_sheets_t& sheets, QWidget* parent = nullptr);
   ~gps_details_view() override;
 
   // Whether the parts are arranged for a portrait window.
@@ -42,6 +43,7 @@ private:
   void arrange();
 
   connection_t& gps_;
+  open_sheets_t& sheets_;
   QVBoxLayout* column_;
   QHBoxLayout* row_;
   gps_sat_list_view* list_;

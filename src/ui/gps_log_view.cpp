@@ -12,18 +12,11 @@
 #include <QVBoxLayout>
 
 #include "link/connection.h"
+#include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui/selection_feedback.h"
 
 namespace {
-
-void set_text_colour(QWidget& widget, const QColor& colour) {
-  QPalette palette = widget.palette();
-  if (palette.color(QPalette::WindowText) == colour && palette.color(QPalette::ButtonText) == colour) return;
-  palette.setColor(QPalette::WindowText, colour);
-  palette.setColor(QPalette::ButtonText, colour);
-  widget.setPalette(palette);
-}
 
 QPushButton* text_button(QWidget* parent, const QString& text) {
   auto* button = new QPushButton(text, parent);
@@ -34,7 +27,8 @@ QPushButton* text_button(QWidget* parent, const QString& text) {
 
 }  // namespace
 
-gps_log_view::gps_log_view(connection_t& cnc, QWidget* parent) : QWidget(parent), cnc_(cnc) {
+gps_log_view::gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* parent)
+    : QWidget(parent), cnc_(cnc), sheets_(sheets) {
   QFont header_font = font();
   header_font.setPixelSize(header_font_px);
 
@@ -73,9 +67,16 @@ gps_log_view::gps_log_view(connection_t& cnc, QWidget* parent) : QWidget(parent)
   column->addWidget(text_, 1);
 
   QObject::connect(filter_, &QPushButton::clicked, this, [this] { toggle_filter(); });
-  QObject::connect(clear_, &QPushButton::clicked, this, [this] { clear_log(); });
-  QObject::connect(close_, &QPushButton::clicked, this, [this] { close_log(); });
-  new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this, [this] { close_log(); });
+  QObject::connect(clear_, &QPushButton::clicked, this, [this] {
+    selection_changed();
+    cnc_.clear_log();
+  });
+  const auto close_log = [this] {
+    selection_changed();
+    sheets_.toggle(sheet_id_t::log);
+  };
+  QObject::connect(close_, &QPushButton::clicked, this, close_log);
+  new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this, close_log);
 
   redraw_.watch(cnc_);
   refresh();
@@ -118,22 +119,6 @@ void gps_log_view::show_lines() {
 void gps_log_view::toggle_filter() {
   selection_changed();
   cnc_.show_all = !cnc_.show_all;
-}
-
-// Clears what a fresh link clears: the log, the message counters and the acknowledgement. The
-// counters change first, so that every observer woken by the log's change sees them at zero.
-void gps_log_view::clear_log() {
-  selection_changed();
-  cnc_.msg_count = 0;
-  cnc_.msg_good = 0;
-  cnc_.msg_ack_count = 0;
-  cnc_.msg_ack = false;
-  cnc_.arr_rx.modify([](auto& log) { log.clear(); });
-}
-
-void gps_log_view::close_log() {
-  selection_changed();
-  cnc_.show_log = !cnc_.show_log;
 }
 
 void gps_log_view::changeEvent(QEvent* event) {

@@ -9,6 +9,7 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 class connection_t;
+class open_sheets_t;
 
 // The log of received lines with its header: the title, a "binary" mark while the stream carries
 // UBX records, the filter switch (log every sentence or only GGA), "Clear" (empties the log and
@@ -20,7 +21,7 @@ public:
   static constexpr int text_font_px = 11;
   static constexpr int binary_font_px = 13;  // UBX record texts are short: shown larger
 
-  explicit gps_log_view(connection_t& cnc, QWidget* parent = nullptr);
+  gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* parent = nullptr);
 
   const QLabel& title_label() const { return *title_; }
   const QLabel& binary_label() const { return *binary_; }
@@ -38,10 +39,9 @@ private:
   void refresh();
   void show_lines();
   void toggle_filter();
-  void clear_log();
-  void close_log();
 
   connection_t& cnc_;
+  open_sheets_t& sheets_;
   QLabel* title_;
   QLabel* binary_;
   QPushButton* filter_;

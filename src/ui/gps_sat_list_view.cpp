@@ -15,13 +15,6 @@ namespace {
 constexpr int row_spacing = 6;  // points between rows
 constexpr int text_to_bar = 2;  // points between a row's text and its bar
 
-void set_text_colour(QWidget& widget, const QColor& colour) {
-  QPalette palette = widget.palette();
-  if (palette.color(QPalette::WindowText) == colour) return;
-  palette.setColor(QPalette::WindowText, colour);
-  widget.setPalette(palette);
-}
-
 }  // namespace
 
 gps_sat_list_view::gps_sat_list_view(connection_t& gps, QWidget* parent)

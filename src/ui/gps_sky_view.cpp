@@ -9,6 +9,7 @@
 
 #include "link/connection.h"
 #include "map/gps_heading.h"
+#include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui/selection_feedback.h"
 
@@ -36,8 +37,8 @@ QFont with_emoji_fallback(QFont font) {
   return font;
 }
 
-gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, QWidget* parent)
-    : QAbstractButton(parent), gps_(gps), compass_(compass) {
+gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, open_sheets_t& sheets, QWidget* parent)
+    : QAbstractButton(parent), gps_(gps), compass_(compass), sheets_(sheets) {
   setText(tr("Close"));
   setToolTip(tr("Close the details (Space)"));
   setFixedSize(plot_size, plot_size);
@@ -63,19 +64,13 @@ QPointF gps_sky_view::dot_offset(const gps_gpgsv_satellite_t& satellite) {
   return {plot_radius * std::sin(e) * std::sin(a), -plot_radius * std::sin(e) * std::cos(a)};
 }
 
-QPointF gps_sky_view::dot_position(const gps_gpgsv_satellite_t& satellite) const {
-  QTransform layer;
-  layer.rotate(drawn_rotation_);
-  return plot_centre() + layer.map(dot_offset(satellite));
-}
-
 QPointF gps_sky_view::plot_centre() const {
   return QRectF(rect()).center();
 }
 
 void gps_sky_view::toggle_details() {
   selection_changed();
-  gps_.show_details = !gps_.show_details;
+  sheets_.toggle(sheet_id_t::details);
 }
 
 void gps_sky_view::refresh() {

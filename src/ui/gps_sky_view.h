@@ -10,6 +10,7 @@
 
 class connection_t;
 class gps_heading_t;
+class open_sheets_t;
 struct gps_gpgsv_satellite_t;
 
 // The satellite pictograph and a count after it: "🛰 12".
@@ -21,8 +22,8 @@ QFont with_emoji_fallback(QFont font);
 // The sky plot: every satellite in view placed by elevation and azimuth on a square plot that
 // turns with the compass heading so that its north stays north. The distance from the centre is
 // radius * sin(elevation): a satellite at the zenith sits on the rim, one on the horizon at the
-// centre. The whole plot is a button (and the space bar its shortcut) that closes the details by
-// toggling the hub's show_details.
+// centre. The whole plot is a button (and the space bar its shortcut) that toggles the details
+// sheet it is shown in, so pressing it closes them.
 class gps_sky_view final : public QAbstractButton {
 public:
   static constexpr int plot_size = 352;             // points, square
@@ -31,7 +32,7 @@ public:
   static constexpr double letter_padding = 4.0;     // points around each cardinal letter
   static constexpr int rotation_duration_ms = 400;  // ease-in-out turn to a new heading
 
-  gps_sky_view(connection_t& gps, gps_heading_t& compass, QWidget* parent = nullptr);
+  gps_sky_view(connection_t& gps, gps_heading_t& compass, open_sheets_t& sheets, QWidget* parent = nullptr);
 
   // The centre of a satellite's dot relative to the plot centre before the plot is turned
   // (x to the right, y downward).
@@ -40,8 +41,6 @@ public:
   // rotation painted right now, which moves towards rotation() while the turn animates.
   double rotation() const { return target_rotation_; }
   double drawn_rotation() const { return drawn_rotation_; }
-  // Where the dot's centre is painted now, in widget coordinates.
-  QPointF dot_position(const gps_gpgsv_satellite_t& satellite) const;
   // The satellites-in-view label.
   QString count_text() const { return count_text_; }
 
@@ -64,6 +63,7 @@ private:
 
   connection_t& gps_;
   gps_heading_t& compass_;
+  open_sheets_t& sheets_;
   QString count_text_;
   double target_rotation_ = 0.0;
   double drawn_rotation_ = 0.0;

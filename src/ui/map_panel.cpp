@@ -1,7 +1,6 @@
 #include "ui/map_panel.h"
 
 #include <QResizeEvent>
-#include <vector>
 
 #include "link/connection.h"
 #include "platform/tile_map_widget.h"
@@ -9,7 +8,7 @@
 #include "ui/palette.h"
 
 namespace {
-constexpr int inset = 10;            // screen points between the controls and the map's edges
+constexpr int inset = 10;  // screen points between the controls and the map's edges
 constexpr int button_spacing = 8;
 constexpr int gauge_animation_ms = 800;
 constexpr double gauge_hidden_up_to = 1.5;  // HDOP at which the gauge is not shown
@@ -27,12 +26,12 @@ progress_view_t hdop_gauge_value(double hdop, const QPalette& palette) {
   return v;
 }
 
-map_panel_t::map_panel_t(tile_map_widget_t& map, map_cfg_t& map_cfg, connection_t& cnc, QWidget* parent)
+map_panel_t::map_panel_t(tile_map_widget_t& map, map_cfg_t& map_cfg, main_queue_t& queue, connection_t& cnc,
+                         QWidget* parent)
     : QWidget(parent),
       map_(map),
-      map_cfg_(map_cfg),
       cnc_(cnc),
-      coordinator_(map_cfg),
+      map_view_(map_cfg, map, queue),
       hdop_(new progress_gauge_t(this)),
       course_(new course_arrow_t(this)),
       settings_(new round_button_t("sliders", 22, colour_t::accent, false, this)),
@@ -51,7 +50,7 @@ void map_panel_t::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   if (made_) return;
   made_ = true;
-  map_view_t{map_cfg_, {}, {}, nullptr, annotations_}.make(coordinator_, map_.device_location());
+  map_view_.make(map_.device_location());
 }
 
 void map_panel_t::resizeEvent(QResizeEvent* event) {
@@ -74,10 +73,5 @@ void map_panel_t::refresh() {
   hdop_->show_value(hdop_gauge_value(gga.hdop_d, palette()));
   course_->set_angle(course_angle(gga.direction_history));
   location_->set_icon_name(map_.shows_user_location() ? "location_fill" : "location");
-
-  const auto& track = gga.map_path.list();
-  std::vector<geo_coordinate_t> path;
-  path.reserve(track.size());
-  for (std::size_t i = 0; i < track.size(); ++i) path.push_back(track[i]);
-  map_view_t{map_cfg_, gga.map_fix, std::move(path), gga.time_annotation(), annotations_}.update();
+  map_view_.update(gga.map_fix, gga.map_path.list(), gga.time_annotation());
 }

@@ -2,21 +2,22 @@
 
 #include <QWidget>
 
-#include "map/annotations.h"
 #include "map/map_view.h"
 #include "ui/course_arrow.h"
 #include "ui/progress_view.h"
 #include "ui/round_button.h"
 
 class connection_t;
+class main_queue_t;
 class tile_map_widget_t;
 
 // The map with the controls that lie over it: the HDOP gauge along the top, the settings,
 // user-location and map-type buttons down the right side, the course arrow at the bottom right.
-// Holds the coordinator and the map's own marker list for as long as it lives.
+// Holds the map's coordinator for as long as it lives.
 class map_panel_t final : public QWidget {
 public:
-  map_panel_t(tile_map_widget_t& map, map_cfg_t& map_cfg, connection_t& cnc, QWidget* parent = nullptr);
+  map_panel_t(tile_map_widget_t& map, map_cfg_t& map_cfg, main_queue_t& queue, connection_t& cnc,
+              QWidget* parent = nullptr);
 
   // On every refresh: the gauge, the arrow, the buttons' pictograms and the map itself.
   void refresh();
@@ -27,7 +28,6 @@ public:
   round_button_t* settings_button() const { return settings_; }
   round_button_t* location_button() const { return location_; }
   round_button_t* mode_button() const { return mode_; }
-  const annotations_t& annotations() const { return annotations_; }
 
 protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -35,10 +35,8 @@ protected:
 
 private:
   tile_map_widget_t& map_;
-  map_cfg_t& map_cfg_;
   connection_t& cnc_;
-  map_coordinator_t coordinator_;
-  annotations_t annotations_;
+  map_view_t map_view_;
   bool made_ = false;
   progress_gauge_t* hdop_;
   course_arrow_t* course_;

@@ -7,7 +7,9 @@
 
 namespace {
 
-window_parse_t parse(std::vector<std::string_view> args) { return parse_window(args); }
+window_parse_t parse(std::vector<std::string_view> args) {
+  return parse_window(args);
+}
 
 TEST(window_options, reads_what_the_window_is_asked_to_do) {
   const auto p = parse({"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5", "--size", "520x900",
@@ -19,7 +21,7 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
   EXPECT_EQ(p.options->after_s, 2.5);
   EXPECT_EQ(p.options->width, 520);
   EXPECT_EQ(p.options->height, 900);
-  EXPECT_EQ(p.options->sheet, "log");
+  EXPECT_EQ(p.options->sheet, sheet_id_t::log);
   EXPECT_TRUE(p.options->dark);
 }
 

@@ -123,10 +123,10 @@ TEST_F(hub_test, candidates_acknowledge_the_stream_then_messages_are_counted) {
 TEST_F(hub_test, log_keeps_30_entries_hidden_and_40_shown) {
   line(gga, 31);
   EXPECT_EQ(hub.arr_rx->size(), 30u);
-  hub.show_log = true;
+  hub.set_log_shown(true);
   line(gga, 20);
   EXPECT_EQ(hub.arr_rx->size(), 40u);
-  hub.show_log = false;
+  hub.set_log_shown(false);
   EXPECT_EQ(hub.arr_rx->size(), 40u) << "trimmed only at the next append";
   line(gga);
   EXPECT_EQ(hub.arr_rx->size(), 30u);

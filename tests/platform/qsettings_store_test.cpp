@@ -10,6 +10,10 @@
 
 namespace {
 
+// What a first start restores.
+const char* const defaults =
+    "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\nhistory_port=1\n";
+
 // Runs the probe in a process of its own and returns what it printed.
 std::string probe(const std::string& mode, const QString& file) {
   const std::string command = std::string(SETTINGS_PROBE) + " " + mode + " '" + file.toStdString() + "'";
@@ -25,9 +29,7 @@ std::string probe(const std::string& mode, const QString& file) {
 TEST(qsettings_store, values_written_by_one_process_are_read_by_the_next) {
   QTemporaryDir dir;
   const auto file = dir.filePath("korvid.ini");
-  EXPECT_EQ(probe("show", file),
-            "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\n"
-            "history_port=1\n");
+  EXPECT_EQ(probe("show", file), defaults);
   probe("save", file);
   EXPECT_EQ(probe("show", file),
             "enable_bridge=1\nenable_ble=0\nble_name=nrf52840dk UART\nhost=192.168.4.1\nport=10110\nhistory_host=6\n"
@@ -62,9 +64,7 @@ TEST(qsettings_store, a_hand_corrupted_file_leaves_the_defaults) {
   std::ofstream(file.toStdString()) << "[General]\nenable_ble=yes please\nenable_bridge=\"[true\"\n"
                                        "history_host=192.168.1.1, 10.0.0.1, 5\nhistory_port=\"[\\\"81\\\"]\"\n"
                                        "history_ble_name=[1,2]\n\x01\xff garbage ===\n";
-  EXPECT_EQ(probe("show", file),
-            "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\n"
-            "history_port=1\n");
+  EXPECT_EQ(probe("show", file), defaults);
 }
 
 }  // namespace

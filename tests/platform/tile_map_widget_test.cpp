@@ -23,6 +23,20 @@ struct recording_delegate_t final : map_widget_delegate_t {
 const QColor grid_light(236, 234, 228);
 const QColor system_red(255, 59, 48);
 
+overlay_ref_t polyline(std::vector<geo_coordinate_t> points) {
+  auto line = std::make_shared<map_overlay_t>();
+  line->kind = map_overlay_t::kind_t::polyline;
+  line->points = std::move(points);
+  return line;
+}
+
+overlay_ref_t circle(geo_coordinate_t centre, double radius_m) {
+  auto dot = std::make_shared<map_overlay_t>();
+  dot->centre = centre;
+  dot->radius_m = radius_m;
+  return dot;
+}
+
 class tile_map_widget_test : public ::testing::Test {
 protected:
   tile_map_widget_test() {
@@ -66,7 +80,7 @@ protected:
   std::unique_ptr<tile_map_widget_t> map;
 };
 
-TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is) {
+TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is_and_a_missing_one_shows_its_parent) {
   map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
   const QImage seen = settled();
   const int z = static_cast<int>(std::lround(map->camera().zoom()));
@@ -76,6 +90,9 @@ TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is) {
   EXPECT_EQ(QColor(seen.pixel(250, 250)), tile_server_t::tile_colour(z, half - 1, half - 1));
   EXPECT_EQ(QColor(seen.pixel(262, 250)), tile_server_t::tile_colour(z, half, half - 1));
   EXPECT_EQ(QColor(seen.pixel(250, 262)), tile_server_t::tile_colour(z, half - 1, half));
+  server.offline = true;
+  map->set_region({0.0, 0.0}, 1'000'000.0, 1'000'000.0, false);  // one level deeper
+  EXPECT_EQ(QColor(settled().pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
 }
 
 TEST_F(tile_map_widget_test, a_drag_moves_the_map_by_the_dragged_amount_between_will_and_did) {
@@ -111,14 +128,8 @@ TEST_F(tile_map_widget_test, animated_changes_and_wheel_zooms_are_framed_by_will
 
 TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles) {
   map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
-  auto line = std::make_shared<map_overlay_t>();
-  line->kind = map_overlay_t::kind_t::polyline;
-  line->points = {{0.0, -5.0}, {0.0, 5.0}};
-  auto dot = std::make_shared<map_overlay_t>();
-  dot->kind = map_overlay_t::kind_t::circle;
-  dot->centre = {3.0, 0.0};
-  dot->radius_m = 20000.0;
-  map->add_overlays({line, dot});
+  const auto line = polyline({{0.0, -5.0}, {0.0, 5.0}});
+  map->add_overlays({line, circle({3.0, 0.0}, 20000.0)});
   const QImage seen = settled();
   const QPointF on_line = map->camera().to_screen(map_point_for({0.0, 2.0}), map->size());
   EXPECT_EQ(QColor(seen.pixel(on_line.toPoint())), system_red);
@@ -135,10 +146,7 @@ TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles) {
 // side still shows the parts of its segments that cross the view, up to the edges.
 TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_where_they_cross_it) {
   map->set_region({0.0, 0.0}, 400.0, 400.0, false);
-  auto line = std::make_shared<map_overlay_t>();
-  line->kind = map_overlay_t::kind_t::polyline;
-  line->points = {{0.0, -5.0}, {0.0, 0.0}, {5.0, 0.0}};
-  map->add_overlays({line});
+  map->add_overlays({polyline({{0.0, -5.0}, {0.0, 0.0}, {5.0, 0.0}})});
   const QImage seen = settled();
   const QPointF centre = map->camera().to_screen(map_point_for({0.0, 0.0}), map->size());
   for (const QPointF at : {QPointF(4, centre.y()), QPointF(centre.x() / 2, centre.y()), QPointF(centre.x(), 4.0),
@@ -151,11 +159,7 @@ TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_whe
 TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_not_retry_in_a_loop) {
   server.offline = true;
   map->set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
-  auto dot = std::make_shared<map_overlay_t>();
-  dot->kind = map_overlay_t::kind_t::circle;
-  dot->centre = {10.0, 10.0};
-  dot->radius_m = 30000.0;
-  map->add_overlays({dot});
+  map->add_overlays({circle({10.0, 10.0}, 30000.0)});
   const QImage seen = settled();
   EXPECT_GT(map->loader().failures(), 0);
   EXPECT_EQ(QColor(seen.pixel(5, 100)), grid_light);
@@ -178,31 +182,18 @@ TEST_F(tile_map_widget_test, odd_or_huge_tile_images_are_refused) {
     widget.set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
     widget.show();
     widget.grab();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return widget.loader().failures() > 0 && widget.loader().in_flight() == 0; }, 5000))
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return widget.loader().failures() > 0 && widget.loader().in_flight() == 0; }, 5000))
         << size.width() << "x" << size.height();
     EXPECT_EQ(QColor(widget.grab().toImage().pixel(5, 100)), grid_light) << size.width() << "x" << size.height();
   }
-}
-
-TEST_F(tile_map_widget_test, a_missing_tile_is_stood_in_for_by_its_coarser_parent) {
-  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
-  settled();
-  const int z = static_cast<int>(std::lround(map->camera().zoom()));
-  server.offline = true;
-  map->set_region({0.0, 0.0}, 1'000'000.0, 1'000'000.0, false);  // one level deeper
-  const QImage seen = settled();
-  const int half = 1 << (z - 1);
-  EXPECT_EQ(QColor(seen.pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
 }
 
 TEST_F(tile_map_widget_test, markers_and_coordinates_that_cannot_be_placed_are_skipped) {
   map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
   auto nan_marker = std::make_shared<point_annotation_t>(point_annotation_t{"x", "", {std::nan(""), 1.0}});
   map->add_annotation(nan_marker);
-  auto line = std::make_shared<map_overlay_t>();
-  line->kind = map_overlay_t::kind_t::polyline;
-  line->points = {{std::nan(""), 0.0}, {0.0, std::numeric_limits<double>::infinity()}};
-  map->add_overlays({line});
+  map->add_overlays({polyline({{std::nan(""), 0.0}, {0.0, std::numeric_limits<double>::infinity()}})});
   const map_rect_t before = map->visible_map_rect();
   map->set_centre({std::nan(""), 0.0}, false);
   settled();

@@ -11,9 +11,9 @@
 class fake_map_widget_t final : public map_widget_api_t {
 public:
   void set_delegate(map_widget_delegate_t* d) override { delegate = d; }
-  void set_shows_compass(bool) override {}
-  void set_shows_scale(bool) override {}
-  void set_follows_heading(bool) override {}
+  void set_shows_compass(bool on) override { shows_compass = on; }
+  void set_shows_scale(bool on) override { shows_scale = on; }
+  void set_follows_heading(bool on) override { follows_heading = on; }
   void set_shows_user_location(bool on) override { shows_user_location = on; }
   void set_camera_min_distance(double m) override { camera_min_distance = m; }
   void set_region(geo_coordinate_t c, double ns, double ew, bool animated) override {
@@ -56,6 +56,9 @@ public:
   double width = 400.0;
   double height = 700.0;
   bool window = true;
+  bool shows_compass = false;
+  bool shows_scale = false;
+  bool follows_heading = false;
   bool shows_user_location = true;
   double camera_min_distance = 0.0;
   double span_ns = 0.0;

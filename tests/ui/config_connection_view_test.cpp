@@ -18,13 +18,12 @@ namespace {
 // The settings sheet as the main screen opens it.
 struct settings_sheet_t : main_screen_t {
   settings_sheet_t() {
-    cfg.show_config = true;
+    view.sheets().show(sheet_id_t::settings, true);
     run();
   }
   config_connection_view& sheet() { return *static_cast<config_connection_view*>(view.settings_sheet()->content()); }
   QColor colour(colour_t c) { return colour_of(c, sheet().palette()); }
-  static QColor text_of(QWidget* w) { return w->palette().color(QPalette::Text); }
-  static QColor button_text_of(QWidget* w) { return w->palette().color(QPalette::ButtonText); }
+  static QColor text_of(QWidget* w) { return w->palette().color(w->foregroundRole()); }
   void type(QLineEdit* field, const QString& text) {
     field->selectAll();
     QTest::keyClick(field, Qt::Key_Backspace);
@@ -54,7 +53,7 @@ TEST(config_connection_view, an_invalid_host_turns_red_and_revert_or_closing_put
     s.type(sheet.host_field(), c.typed);
     EXPECT_EQ(s.cfg.host_valid.get(), c.valid) << c.name;
     EXPECT_EQ(s.text_of(sheet.host_field()), s.colour(c.valid ? colour_t::primary : colour_t::red)) << c.name;
-    EXPECT_EQ(s.button_text_of(sheet.ip_connect_button()), s.colour(c.valid ? colour_t::green : colour_t::secondary))
+    EXPECT_EQ(s.text_of(sheet.ip_connect_button()), s.colour(c.valid ? colour_t::green : colour_t::secondary))
         << c.name;
     sheet.ip_revert_button()->click();
     s.run();
@@ -74,17 +73,17 @@ TEST(config_connection_view, ble_connect_with_an_empty_name_is_dimmed_but_still_
   settings_sheet_t s;
   s.cfg.set_enable_ble(false);
   s.type(s.sheet().ble_name_field(), "");
-  EXPECT_EQ(s.button_text_of(s.sheet().ble_connect_button()), s.colour(colour_t::secondary));
+  EXPECT_EQ(s.text_of(s.sheet().ble_connect_button()), s.colour(colour_t::secondary));
   s.sheet().ble_connect_button()->click();
   s.run();
   EXPECT_TRUE(s.cfg.enable_ble());
-  EXPECT_FALSE(s.cfg.show_config);
+  EXPECT_FALSE(s.view.sheets().shown(sheet_id_t::settings));
   ASSERT_NE(s.hub.links.ble, nullptr);
   EXPECT_TRUE(s.hub.hub.ble_enabled());
   EXPECT_EQ(s.hub.links.tcp, nullptr) << "BLE only";
 }
 
-TEST(config_connection_view, history_entries_fill_the_fields_and_revert_takes_the_first) {
+TEST(config_connection_view, history_entries_fill_the_fields_revert_takes_the_first_and_delete_forgets_them) {
   settings_sheet_t s;
   s.cfg.save_ble_name("Receiver A");
   s.cfg.save_ble_name("Receiver B");
@@ -100,13 +99,17 @@ TEST(config_connection_view, history_entries_fill_the_fields_and_revert_takes_th
   s.choose(sheet.port_history(), "10110");
   EXPECT_EQ(sheet.port_field()->text(), "10110");
   EXPECT_EQ(s.cfg.port.get(), 10110);
+  ASSERT_FALSE(s.store.values.empty());
+  sheet.delete_button()->click();
+  s.run();
+  EXPECT_TRUE(s.store.values.empty());
 }
 
 TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_mode) {
   settings_sheet_t s;
   s.cfg.set_enable_ble(false);
   s.view.connect_or_disconnect();  // TCP
-  s.cfg.show_config = true;
+  s.view.sheets().show(sheet_id_t::settings, true);
   s.run();
   EXPECT_TRUE(s.sheet().disconnect_button()->isVisible());
   EXPECT_EQ(s.sheet().status_line()->text().contains("127.0.0.1:81"), true);
@@ -119,23 +122,13 @@ TEST(config_connection_view, bridge_drops_both_links_and_reconnects_in_the_new_m
   EXPECT_EQ(s.hub.links.tcp->connects.size(), 2u);
   EXPECT_TRUE(s.hub.hub.ble_enabled());
 
-  s.cfg.show_config = true;
+  s.view.sheets().show(sheet_id_t::settings, true);
   s.run();
   EXPECT_TRUE(s.sheet().bridge_button()->isChecked()) << "drawn highlighted";
   s.sheet().disconnect_button()->click();
   s.run();
   EXPECT_FALSE(s.sheet().disconnect_button()->isVisible());
   EXPECT_TRUE(s.sheet().status_line()->text().contains("offline"));
-}
-
-TEST(config_connection_view, delete_saved_configuration_forgets_the_store) {
-  settings_sheet_t s;
-  s.cfg.save_host("192.168.1.20");
-  s.cfg.set_enable_bridge(true);
-  ASSERT_FALSE(s.store.values.empty());
-  s.sheet().delete_button()->click();
-  s.run();
-  EXPECT_TRUE(s.store.values.empty());
 }
 
 }  // namespace

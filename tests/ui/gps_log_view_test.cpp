@@ -8,8 +8,9 @@
 #include <QTest>
 
 #include "support/records.h"
+#include "support/ui_test_app.h"
+#include "ui/open_sheets.h"
 #include "ui/palette.h"
-#include "ui_test_app.h"
 #include "view_hub.h"
 
 namespace {
@@ -22,7 +23,8 @@ class log_view_test : public ::testing::Test {
 protected:
   bool app_ = (ui_test_app(), true);
   view_hub_t hub;
-  gps_log_view view{hub.hub};
+  open_sheets_t sheets{hub.hub};
+  gps_log_view view{hub.hub, sheets};
 
   QColor colour(colour_t c) const { return colour_of(c, view.palette()); }
   static QColor text_colour(const QWidget& w) { return w.palette().color(QPalette::ButtonText); }
@@ -46,29 +48,17 @@ TEST_F(log_view_test, shows_the_lines_and_the_filter_decides_about_lines_to_come
   EXPECT_EQ(shown(), gga1 + "\n" + rmc + "\n" + gga2);
 }
 
-TEST_F(log_view_test, clear_empties_the_log_and_restarts_the_counters_even_when_empty) {
-  const struct {
-    const char* name;
-    std::vector<std::string> lines;
-    colour_t clear_colour;
-  } cases[] = {
-      {"log with lines", std::vector<std::string>(12, gga1), colour_t::secondary},
-      {"empty log, bad lines counted", std::vector<std::string>(4, gga1.substr(0, gga1.size() - 1) + "0"),
-       colour_t::tertiary},
-  };
-  for (const auto& c : cases) {
-    for (const auto& line : c.lines) feed_line(hub.hub.tcp_events(), line);
-    settle();
-    ASSERT_NE(hub.hub.msg_ack_count + hub.hub.msg_count, 0u) << c.name;
-    EXPECT_EQ(text_colour(view.clear_button()), colour(c.clear_colour)) << c.name;
-    view.clear_button().click();
-    EXPECT_TRUE(hub.hub.arr_rx->empty()) << c.name;
-    EXPECT_EQ(hub.hub.msg_count + hub.hub.msg_good + hub.hub.msg_ack_count, 0u) << c.name;
-    EXPECT_FALSE(hub.hub.msg_ack) << c.name;
-    settle();
-    EXPECT_EQ(shown(), "") << c.name;
-    EXPECT_EQ(text_colour(view.clear_button()), colour(colour_t::tertiary)) << c.name;
-  }
+TEST_F(log_view_test, clear_empties_the_log_and_restarts_the_counters) {
+  for (int i = 0; i < 12; ++i) feed_line(hub.hub.tcp_events(), gga1);
+  settle();
+  EXPECT_EQ(text_colour(view.clear_button()), colour(colour_t::secondary));
+  view.clear_button().click();
+  EXPECT_TRUE(hub.hub.arr_rx->empty());
+  EXPECT_EQ(hub.hub.msg_count + hub.hub.msg_good + hub.hub.msg_ack_count, 0u);
+  EXPECT_FALSE(hub.hub.msg_ack);
+  settle();
+  EXPECT_EQ(shown(), "");
+  EXPECT_EQ(text_colour(view.clear_button()), colour(colour_t::tertiary)) << "dimmed while the log is empty";
 }
 
 TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
@@ -85,19 +75,23 @@ TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
   EXPECT_EQ(view.log_text().font().pixelSize(), 11);
 }
 
-TEST_F(log_view_test, close_and_the_bare_backquote_key_toggle_the_log) {
-  hub.hub.show_log = true;
+TEST_F(log_view_test, close_and_the_bare_backquote_key_toggle_the_log_and_the_hub_keeps_more_while_open) {
+  sheets.show(sheet_id_t::log, true);
+  for (int i = 0; i < 45; ++i) feed_line(hub.hub.tcp_events(), gga1);
+  EXPECT_EQ(hub.hub.arr_rx->size(), 40u);
   view.close_button().click();
-  EXPECT_FALSE(hub.hub.show_log);
+  EXPECT_FALSE(sheets.shown(sheet_id_t::log));
+  feed_line(hub.hub.tcp_events(), gga1);
+  EXPECT_EQ(hub.hub.arr_rx->size(), 30u);
   view.show();
   view.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
   QTest::keyClick(&view, Qt::Key_QuoteLeft);
-  EXPECT_TRUE(hub.hub.show_log);
+  EXPECT_TRUE(sheets.shown(sheet_id_t::log));
   QTest::keyClick(&view, Qt::Key_QuoteLeft, Qt::ControlModifier);
-  EXPECT_TRUE(hub.hub.show_log);
+  EXPECT_TRUE(sheets.shown(sheet_id_t::log));
   QTest::keyClick(&view, Qt::Key_QuoteLeft);
-  EXPECT_FALSE(hub.hub.show_log);
+  EXPECT_FALSE(sheets.shown(sheet_id_t::log));
 }
 
 }  // namespace

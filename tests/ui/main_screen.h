@@ -11,8 +11,8 @@
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
 #include "support/tile_server.h"
+#include "support/ui_test_app.h"
 #include "ui/content_view.h"
-#include "ui_test_app.h"
 #include "view_hub.h"
 
 // The main screen as the program builds it (settings, hub, map widget, map settings, screen),
@@ -42,6 +42,6 @@ struct main_screen_t {
   tile_server_t tiles;
   QTemporaryDir cache;
   tile_map_widget_t& map = *new tile_map_widget_t({{tiles.url_template(), 19, "test tiles"}, {}, {}}, cache.path());
-  map_cfg_t map_cfg{map, hub.queue};
-  ContentView view{cfg, hub.hub, map_cfg, map};
+  map_cfg_t map_cfg;
+  ContentView view{cfg, hub.hub, map_cfg, map, hub.queue};
 };

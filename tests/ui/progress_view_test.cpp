@@ -6,16 +6,16 @@
 #include <QImage>
 #include <QPaintEvent>
 
-#include "ui_test_app.h"
+#include "support/ui_test_app.h"
 
 namespace {
 
-// Renders a gauge 100 x 10 points and reports which of the columns are filled with the bar colour.
-QImage render(const progress_view_t& v, int w = 100) {
+// Renders a gauge 100 x 10 points on white.
+QImage render(const progress_view_t& v) {
   progress_gauge_t gauge;
-  gauge.resize(w, 10);
+  gauge.resize(100, 10);
   gauge.show_value(v);
-  QImage image(w, 10, QImage::Format_ARGB32);
+  QImage image(100, 10, QImage::Format_ARGB32);
   image.fill(Qt::white);
   gauge.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
   return image;
@@ -32,48 +32,34 @@ progress_view_t gauge_at(float p, bool reverse = false) {
   return v;
 }
 
-TEST(progress_view, clamps_and_fills_from_the_chosen_edge) {
+TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width) {
   ui_test_app();
+  const QRgb bar = qRgb(255, 0, 0), track = qRgb(0, 0, 255), none = qRgb(255, 255, 255);
   struct row {
     float progress;
     bool reverse;
+    std::optional<double> width;
     QRgb left, middle, right;  // columns 5, 50 and 95
   } rows[] = {
-      {1.7f, false, qRgb(255, 0, 0), qRgb(255, 0, 0), qRgb(255, 0, 0)},
-      {-0.2f, false, qRgb(0, 0, 255), qRgb(0, 0, 255), qRgb(0, 0, 255)},
-      {0.25f, false, qRgb(255, 0, 0), qRgb(0, 0, 255), qRgb(0, 0, 255)},
-      {0.25f, true, qRgb(0, 0, 255), qRgb(0, 0, 255), qRgb(255, 0, 0)},
+      {1.7f, false, {}, bar, bar, bar},      {-0.2f, false, {}, track, track, track},
+      {0.25f, false, {}, bar, track, track}, {0.25f, true, {}, track, track, bar},
+      {1.0f, false, 40.0, none, bar, none},  // centred: columns 30 to 70
   };
   for (const auto& r : rows) {
-    const QImage image = render(gauge_at(r.progress, r.reverse));
+    auto v = gauge_at(r.progress, r.reverse);
+    v.width = r.width;
+    const QImage image = render(v);
     EXPECT_EQ(image.pixel(5, 5), r.left) << r.progress << " reverse " << r.reverse;
-    EXPECT_EQ(image.pixel(95, 5), r.right) << r.progress << " reverse " << r.reverse;
     EXPECT_EQ(image.pixel(50, 5), r.middle) << r.progress << " reverse " << r.reverse;
+    EXPECT_EQ(image.pixel(95, 5), r.right) << r.progress << " reverse " << r.reverse;
   }
-}
-
-TEST(progress_view, zero_opacity_draws_nothing_but_keeps_its_place) {
-  ui_test_app();
-  auto v = gauge_at(1.0f);
-  v.opacity = 0.0;
-  v.width = 60.0;
-  const QImage image = render(v);
-  EXPECT_EQ(image.pixel(50, 5), qRgb(255, 255, 255));
+  auto hidden = gauge_at(1.0f);
+  hidden.opacity = 0.0;
+  hidden.width = 60.0;
+  EXPECT_EQ(render(hidden).pixel(50, 5), none) << "zero opacity draws nothing";
   progress_gauge_t gauge;
-  gauge.show_value(v);
-  EXPECT_EQ(gauge.sizeHint(), QSize(60, 10));
-}
-
-TEST(progress_view, a_fixed_width_is_centred_and_none_stretches) {
-  ui_test_app();
-  auto v = gauge_at(1.0f);
-  v.width = 40.0;
-  const QImage fixed = render(v);
-  EXPECT_EQ(fixed.pixel(25, 5), qRgb(255, 255, 255));
-  EXPECT_EQ(fixed.pixel(35, 5), qRgb(255, 0, 0));
-  EXPECT_EQ(fixed.pixel(75, 5), qRgb(255, 255, 255));
-  const QImage stretched = render(gauge_at(1.0f), 300);
-  EXPECT_EQ(stretched.pixel(295, 5), qRgb(255, 0, 0));
+  gauge.show_value(hidden);
+  EXPECT_EQ(gauge.sizeHint(), QSize(60, 10)) << "but keeps its place";
 }
 
 struct paint_counter_t : QObject {

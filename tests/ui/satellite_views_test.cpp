@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QLabel>
+#include <QPainter>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include "map/gps_heading.h"
+#include "support/ui_test_app.h"
+#include "ui/gps_details_view.h"
+#include "ui/gps_dop_view.h"
+#include "ui/gps_sat_list_view.h"
+#include "ui/gps_sky_view.h"
+#include "ui/open_sheets.h"
+#include "ui/palette.h"
+#include "ui/progress_view.h"
+#include "view_hub.h"
+
+namespace {
+
+gps_gpgsv_satellite_t at(std::uint8_t elevation, std::uint16_t azimuth) {
+  gps_gpgsv_satellite_t satellite;
+  satellite.elevation = elevation;
+  satellite.azimuth = azimuth;
+  return satellite;
+}
+
+// The colour a possibly translucent colour gives over white.
+QRgb over_white(const QColor& colour) {
+  QImage pixel(1, 1, QImage::Format_ARGB32);
+  pixel.fill(Qt::white);
+  QPainter(&pixel).fillRect(0, 0, 1, 1, colour);
+  return pixel.pixel(0, 0);
+}
+
+bool near_rgb(QRgb a, QRgb b, int tolerance = 3) {
+  return std::abs(qRed(a) - qRed(b)) <= tolerance && std::abs(qGreen(a) - qGreen(b)) <= tolerance &&
+         std::abs(qBlue(a) - qBlue(b)) <= tolerance;
+}
+
+// Portrait: plot, list and panel one above the other. Landscape: plot and list side by side,
+// top-aligned, above the panel.
+void expect_arrangement(const gps_details_view& details, bool portrait) {
+  ASSERT_EQ(details.portrait(), portrait);
+  const auto place = [&](const QWidget& part) { return QRect(part.mapTo(&details, QPoint()), part.size()); };
+  const QRect sky = place(details.sky_view()), list = place(details.sat_list()), dop = place(details.dop_view());
+  if (portrait) {
+    EXPECT_LE(sky.bottom(), list.top());
+    EXPECT_LE(list.bottom(), dop.top());
+  } else {
+    EXPECT_LE(sky.right(), list.left());
+    EXPECT_EQ(sky.top(), list.top());
+    EXPECT_LE(sky.bottom(), dop.top());
+  }
+}
+
+// A hub fed with real sentences, a heading source facing north and the sheets the views toggle.
+class satellite_views_test : public ::testing::Test {
+protected:
+  bool fresh_ = (ui_test_app(), gps_heading_t::reset_process_values(), true);
+  view_hub_t hub;
+  gps_heading_t compass;
+  open_sheets_t sheets{hub.hub};
+};
+
+TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
+  const struct {
+    std::uint8_t elevation;
+    std::uint16_t azimuth;
+    QPointF offset;
+  } rows[] = {
+      {90, 0, {0, -176}}, {90, 90, {176, 0}}, {90, 270, {-176, 0}}, {0, 123, {0, 0}}, {30, 180, {0, 88}},
+  };
+  for (const auto& r : rows) {
+    const QPointF offset = gps_sky_view::dot_offset(at(r.elevation, r.azimuth));
+    EXPECT_NEAR(offset.x(), r.offset.x(), 1e-9) << int(r.elevation) << " / " << r.azimuth;
+    EXPECT_NEAR(offset.y(), r.offset.y(), 1e-9) << int(r.elevation) << " / " << r.azimuth;
+  }
+}
+
+TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_but_none_without_position) {
+  gps_sky_view view{hub.hub, compass, sheets};
+  compass.update(90.0);
+  hub.receive(gsv_body(5, {{"07", "30", "090", "38"},  // heard: (88, 0), turned to (0, -88)
+                           {"12", "45", "045", "00"},  // silent: (88, -88), turned to (-88, -88)
+                           {"21", "", "", "30"}}));    // no position: would sit at the centre
+  settle();
+  ASSERT_EQ(hub.hub.gsv.satellite_arr->size(), 3u);
+  EXPECT_EQ(view.count_text(), QString::fromUtf8("\xF0\x9F\x9B\xB0 5"));
+
+  QImage image(view.size(), QImage::Format_ARGB32);
+  image.fill(Qt::white);
+  view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+  const QRgb primary = over_white(colour_of(colour_t::primary, view.palette()));
+  EXPECT_TRUE(near_rgb(image.pixel(176, 88), primary)) << "heard satellite, turned with the plot";
+  EXPECT_FALSE(near_rgb(image.pixel(264, 176), primary, 60)) << "nothing where it stands unturned";
+  EXPECT_TRUE(near_rgb(image.pixel(88, 88), over_white(colour_of(colour_t::fill, view.palette()))));
+  EXPECT_FALSE(near_rgb(image.pixel(176, 176), primary, 60)) << "no dot without a position";
+}
+
+TEST_F(satellite_views_test, sky_plot_space_bar_and_click_toggle_the_details_and_a_shown_plot_eases_round) {
+  gps_sky_view view{hub.hub, compass, sheets};
+  EXPECT_EQ(view.text(), "Close");
+  view.show();
+  view.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+  QTest::keyClick(&view, Qt::Key_Space);
+  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
+  QTest::keyClick(&view, Qt::Key_Space);
+  EXPECT_FALSE(sheets.shown(sheet_id_t::details));
+  QTest::keyClick(&view, Qt::Key_Space, Qt::ShiftModifier);
+  EXPECT_FALSE(sheets.shown(sheet_id_t::details)) << "only the bare space bar";
+  QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(300, 300));
+  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
+
+  compass.update(90.0);
+  settle();
+  EXPECT_EQ(view.rotation(), -90.0);
+  EXPECT_GT(view.drawn_rotation(), -90.0) << "the turn is animated";
+}
+
+TEST_F(satellite_views_test, list_rows_in_prn_order_dim_unless_heard_and_placed_with_snr_bars) {
+  gps_sat_list_view list{hub.hub};
+  hub.receive(gsv_body(
+      4, {{"12", "45", "200", "99"}, {"03", "10", "020", "00"}, {"07", "", "", "30"}, {"30", "60", "300", "40"}}));
+  settle();
+  const struct {
+    const char* text;
+    colour_t colour;
+    float progress;
+  } rows[] = {
+      {" 3  elevation 10  azimuth  20  SNR  0", colour_t::secondary, 0.0f},           // silent
+      {" 7  elevation  0  azimuth   0  SNR 30", colour_t::secondary, 30.0f / 99.0f},  // no position
+      {"12  elevation 45  azimuth 200  SNR 99", colour_t::primary, 1.0f},
+      {"30  elevation 60  azimuth 300  SNR 40", colour_t::primary, 40.0f / 99.0f},
+  };
+  ASSERT_EQ(list.row_count(), std::size(rows));
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    EXPECT_EQ(list.row_label(i).text().toStdString(), rows[i].text);
+    EXPECT_EQ(list.row_label(i).palette().color(QPalette::WindowText), colour_of(rows[i].colour, list.palette()))
+        << rows[i].text;
+    EXPECT_NEAR(list.row_gauge(i).drawn_progress(), rows[i].progress, 1e-6) << rows[i].text;
+    EXPECT_EQ(list.row_gauge(i).value().colour, colour_of(colour_t::secondary, list.palette()));
+  }
+}
+
+TEST_F(satellite_views_test, list_rows_follow_the_table_as_satellites_come_and_age_out) {
+  gps_sat_list_view list{hub.hub};
+  hub.receive(gsv_body(2, {{"20", "45", "200", "35"}, {"05", "10", "020", "25"}}));
+  settle();
+  const QLabel* row_of_20 = &list.row_label(1);
+  hub.queue.advance(6.0);
+  hub.receive(gsv_body(2, {{"20", "46", "201", "36"}, {"11", "12", "100", "20"}}));
+  hub.queue.advance(6.0);  // PRN 5 is now 12 s old, PRNs 11 and 20 six
+  hub.receive(gsv_body(2, {{"40", "50", "050", "33"}}));
+  settle();
+  ASSERT_EQ(list.row_count(), 3u);
+  EXPECT_EQ(list.row_label(0).text().left(2), "11");
+  EXPECT_EQ(list.row_label(1).text().toStdString(), "20  elevation 46  azimuth 201  SNR 36");
+  EXPECT_EQ(&list.row_label(1), row_of_20) << "a satellite that stays keeps its row";
+  EXPECT_EQ(list.row_label(2).text().left(2), "40");
+  hub.hub.reset();
+  settle();
+  EXPECT_EQ(list.row_count(), 0u);
+}
+
+TEST_F(satellite_views_test, dop_panel_shows_fix_satellites_used_and_dops_with_coloured_bars) {
+  gps_dop_view panel{hub.hub};
+  hub.receive("$GNGSA,A,3,05,13,15,,,,,,,,,,1.00,2.50,25.00");
+  settle();
+  EXPECT_EQ(panel.fix_mode_label().text(), "Auto");
+  EXPECT_EQ(panel.fix_type_label().text(), "3D fix");
+  EXPECT_EQ(panel.used_label().text(), QString::fromUtf8("\xF0\x9F\x9B\xB0 3"));
+  EXPECT_EQ(panel.prn_label().text(), " 5 13 15");
+  const struct {
+    gps_dop_view::dop_row_t row;
+    const char* text;
+    colour_t colour;
+    float progress;
+  } rows[] = {
+      {gps_dop_view::pdop, "1.00", colour_t::primary, 0.95f},
+      {gps_dop_view::hdop, "2.50", colour_t::green, 0.875f},
+      {gps_dop_view::vdop, "25.00", colour_t::secondary, 0.0f},
+  };
+  for (const auto& r : rows) {
+    EXPECT_EQ(panel.dop_value_label(r.row).text(), r.text);
+    EXPECT_EQ(panel.dop_gauge(r.row).value().colour, colour_of(r.colour, panel.palette())) << r.text;
+    EXPECT_NEAR(panel.dop_gauge(r.row).drawn_progress(), r.progress, 1e-6) << r.text;
+  }
+  hub.hub.gsa.fix_mode_c = "X";  // a letter the decoder would not store itself
+  hub.hub.notify();
+  settle();
+  EXPECT_EQ(panel.fix_mode_label().text(), "invalid");
+}
+
+TEST_F(satellite_views_test, details_follow_the_window_orientation_with_a_new_compass) {
+  hub.receive(gsv_body(2, {{"12", "45", "200", "40"}, {"03", "10", "020", "30"}}));
+  QWidget window;
+  auto* details = new gps_details_view(hub.hub, sheets);
+  (new QVBoxLayout(&window))->addWidget(details);
+  window.resize(420, 1000);
+  window.show();
+  settle();
+  expect_arrangement(*details, true);
+  const gps_heading_t* first = &details->compass();
+  window.resize(1000, 700);
+  settle();
+  expect_arrangement(*details, false);
+  EXPECT_NE(&details->compass(), first);
+  const gps_sky_view* plot = &details->sky_view();
+  window.resize(1100, 700);
+  EXPECT_EQ(&details->sky_view(), plot) << "the same orientation keeps the plot";
+}
+}  // namespace

@@ -1,3 +1,0 @@
-#pragma once
-
-#include "support/ui_test_app.h"
