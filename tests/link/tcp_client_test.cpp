@@ -77,8 +77,11 @@ TEST_F(tcp_client_test, an_orderly_close_by_the_peer_reports_a_reset_connection)
   EXPECT_TRUE(client->enabled()) << "the user still wants the link";
 }
 
-TEST_F(tcp_client_test, writing_to_a_peer_that_has_gone_does_not_kill_the_process) {
+TEST_F(tcp_client_test, writes_reach_the_peer_and_a_peer_that_has_gone_does_not_kill_the_process) {
+  client->write(std::vector<std::uint8_t>{'x'});  // not connected: dropped
   connect_and_accept();
+  client->write(std::vector<std::uint8_t>{'$', 'A', 0xB5, '\n'});
+  EXPECT_EQ(server.receive(), "$A\xB5\n");
   server.drop_client();
   const std::vector<std::uint8_t> bytes(4096, 'x');
   for (int i = 0; i < 50 && client->valid(); ++i) client->write(bytes);
