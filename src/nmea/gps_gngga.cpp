@@ -1,19 +1,25 @@
 #include "nmea/gps_gngga.h"
 
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "nmea/fields.h"
 #include "nmea/record_units.h"
 
-const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size] = {
-    "invalid", "GPS", "DGPS", "PPS", "Real Time Kinematic", "Float RTK", "estimated (dead reckoning)",
-    "Manual input mode", "Simulation mode"};
-const std::string_view gga_fix_pvt[gps_gngga_t::fix_table_size] = {
-    "no fix", "dead reckoning", "2D fix", "3D fix", "GNSS + dead reckoning", "time only fix",
-    "unknown 6", "unknown 7", "unknown 8"};
-
 namespace {
+
+// GGA fix qualities 0 to 8.
+constexpr std::string_view gga_fix_arr[] = {"invalid",
+                                            "GPS",
+                                            "DGPS",
+                                            "PPS",
+                                            "Real Time Kinematic",
+                                            "Float RTK",
+                                            "estimated (dead reckoning)",
+                                            "Manual input mode",
+                                            "Simulation mode"};
+constexpr auto fix_quality_count = static_cast<std::int64_t>(std::size(gga_fix_arr));
 
 // A decimal with its unit field ("M"): an empty unit skips the pair; any other unit stops the
 // update; a value written without a point stops it; an unreadable value keeps the target.
@@ -30,8 +36,9 @@ bool read_with_unit(std::string_view value, std::string_view unit, double& targe
 }  // namespace
 
 std::string_view gps_gngga_t::fix_text() const {
-  if (fix_i < 0 || fix_i >= static_cast<std::int64_t>(fix_table_size)) return "invalid";
-  return (pvt_mode ? gga_fix_pvt : gga_fix_arr)[fix_i];
+  const auto table = pvt_mode ? std::span<const std::string_view>(ubx_fix_type_text) : std::span(gga_fix_arr);
+  if (fix_i < 0 || fix_i >= static_cast<std::int64_t>(table.size())) return "invalid";
+  return table[static_cast<std::size_t>(fix_i)];
 }
 
 void gps_gngga_t::reset() {
@@ -67,7 +74,7 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
 
   if (f[6].empty()) return;
   const auto fix = parse_int(f[6]);
-  if (!fix || *fix < 0 || *fix >= static_cast<std::int64_t>(fix_table_size)) return;
+  if (!fix || *fix < 0 || *fix >= fix_quality_count) return;
 
   const auto sats = parse_int(f[7].empty() ? std::string_view("0") : f[7]);
   if (!sats || *sats < 0 || *sats > sat_count_max) return;
@@ -121,7 +128,7 @@ void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
 }
 
 void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
-  if (r.fixType >= fix_table_size) return;
+  if (r.fixType >= std::size(ubx_fix_type_text)) return;
   pvt_mode = true;
   fix_i = r.fixType;
   sat_count_i = r.numSV;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "nmea/fields.h"
 
@@ -9,23 +10,20 @@ namespace {
 
 std::string_view nmea_fix_type(std::uint8_t t) {
   switch (t) {
-    case 1: return "no fix";
-    case 2: return "2D fix";
-    case 3: return "3D fix";
-    default: return {};
+    case 1:
+      return "no fix";
+    case 2:
+      return "2D fix";
+    case 3:
+      return "3D fix";
+    default:
+      return {};
   }
 }
 
+// The NAV-PVT fix type's text, or empty when there is none.
 std::string_view pvt_fix_type(std::uint8_t t) {
-  switch (t) {
-    case 0: return "no fix";
-    case 1: return "dead reckoning";
-    case 2: return "2D fix";
-    case 3: return "3D fix";
-    case 4: return "GNSS + dead reckoning";
-    case 5: return "time only fix";
-    default: return {};
-  }
+  return t < std::size(ubx_fix_type_text) ? ubx_fix_type_text[t] : "";
 }
 
 // The text of a field before "*", with empty pieces dropped: "1.54*10" gives "1.54", "*10" gives

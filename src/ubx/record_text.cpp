@@ -92,11 +92,16 @@ private:
 
 // The record's name by its id alone, whatever its class.
 std::string_view label(std::uint8_t id) {
+  constexpr std::uint8_t posecef_id = 0x01;
   switch (id) {
-    case 1: return "POSECEF";
-    case 2: return "POSLLH";
-    case 7: return "PVT";
-    default: return "?";
+    case posecef_id:
+      return "POSECEF";
+    case gps_posllh_t::message_id:
+      return "POSLLH";
+    case gps_pvt_t::message_id:
+      return "PVT";
+    default:
+      return "?";
   }
 }
 

@@ -1,28 +1,28 @@
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "ubx/records.h"
 
-// Records with the fields a test sets and the header of a decoded frame.
+// Records with the header of a decoded frame and the fields a test sets.
 inline gps_pvt_t pvt_record() {
   gps_pvt_t r;
-  r.cls = 0x01;
-  r.id = 0x07;
-  r.length = 92;
+  r.cls = ubx_class_nav;
+  r.id = gps_pvt_t::message_id;
+  r.length = gps_pvt_t::payload_length;
   return r;
 }
 
 inline gps_posllh_t posllh_record() {
   gps_posllh_t r;
-  r.cls = 0x01;
-  r.id = 0x02;
-  r.length = 28;
+  r.cls = ubx_class_nav;
+  r.id = gps_posllh_t::message_id;
+  r.length = gps_posllh_t::payload_length;
   return r;
 }
 
-#include <cstdint>
-#include <vector>
-
-// Little-endian images and whole frames, built field by field for tests.
+// Little-endian bytes for images of other messages, built field by field.
 class image_writer_t {
 public:
   image_writer_t& u8(std::uint32_t v) {
@@ -33,45 +33,6 @@ public:
   image_writer_t& u32(std::uint32_t v) { return u16(v).u16(v >> 16); }
   std::vector<std::uint8_t> bytes;
 };
-
-inline std::vector<std::uint8_t> image_of(const gps_posllh_t& r) {
-  image_writer_t w;
-  w.u8(r.cls).u8(r.id).u16(r.length).u32(r.iTOW).u32(static_cast<std::uint32_t>(r.lon));
-  w.u32(static_cast<std::uint32_t>(r.lat)).u32(static_cast<std::uint32_t>(r.height));
-  w.u32(static_cast<std::uint32_t>(r.hMSL)).u32(r.hAcc).u32(r.vAcc);
-  return w.bytes;
-}
-
-inline std::vector<std::uint8_t> image_of(const gps_pvt_t& r) {
-  image_writer_t w;
-  w.u8(r.cls).u8(r.id).u16(r.length).u32(r.iTOW).u16(r.year).u8(r.month).u8(r.day).u8(r.hour).u8(r.min);
-  w.u8(r.sec).u8(r.valid).u32(r.tAcc).u32(static_cast<std::uint32_t>(r.nano)).u8(r.fixType).u8(r.flags);
-  w.u8(r.flags2).u8(r.numSV);
-  for (const std::int32_t v : {r.lon, r.lat, r.height, r.hMSL}) w.u32(static_cast<std::uint32_t>(v));
-  w.u32(r.hAcc).u32(r.vAcc);
-  for (const std::int32_t v : {r.velN, r.velE, r.velD, r.gSpeed, r.headMot}) w.u32(static_cast<std::uint32_t>(v));
-  w.u32(r.sAcc).u32(r.headAcc).u16(r.pDOP).u16(r.flags3).u32(r.reserved1).u32(static_cast<std::uint32_t>(r.headVeh));
-  w.u16(static_cast<std::uint16_t>(r.magDec)).u16(r.magAcc);
-  return w.bytes;
-}
-
-// B5 62, the image, CK_A, CK_B.
-inline std::vector<std::uint8_t> frame_of(const std::vector<std::uint8_t>& image) {
-  std::vector<std::uint8_t> frame;
-  frame.reserve(image.size() + 4);
-  frame.push_back(0xB5);
-  frame.push_back(0x62);
-  std::uint8_t a = 0;
-  std::uint8_t b = 0;
-  for (const auto byte : image) {
-    a = static_cast<std::uint8_t>(a + byte);
-    b = static_cast<std::uint8_t>(b + a);
-    frame.push_back(byte);
-  }
-  frame.push_back(a);
-  frame.push_back(b);
-  return frame;
-}
 
 // A plausible NAV-PVT: Adelaide, 3D fix, 14 satellites, 2017-07-19 08:50:05.
 inline gps_pvt_t valid_pvt() {
