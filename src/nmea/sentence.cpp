@@ -14,7 +14,9 @@ int hex_value(char c) {
   return -1;
 }
 
-std::uint8_t byte_at(std::string_view text, std::size_t i) { return static_cast<std::uint8_t>(text[i]); }
+std::uint8_t byte_at(std::string_view text, std::size_t i) {
+  return static_cast<std::uint8_t>(text[i]);
+}
 
 // A checksum can only be valid with its one "*" third from the end, so the scan looks for a "*"
 // anywhere else (a second one, or one in the wrong place) and for the XOR of the whole line;
@@ -93,7 +95,8 @@ void scan(std::string_view line, std::size_t& characters, checksum_scan_t& check
       const auto w = word_scan::load(text + i);
       // A continuation byte is 10xxxxxx; ASCII words have none.
       if (count_chars && (w & word_scan::high) != 0)
-        continuation += static_cast<std::size_t>(std::popcount(word_scan::bytes_equal(w & top_two, static_cast<char>(0x80))));
+        continuation +=
+            static_cast<std::size_t>(std::popcount(word_scan::bytes_equal(w & top_two, static_cast<char>(0x80))));
       if (check_sum) checksum.word(i, w);
       if constexpr (Fields::wanted) {
         for (auto commas = word_scan::bytes_equal(w, ','); commas != 0; commas &= commas - 1) {
@@ -151,6 +154,22 @@ sentence_scan_t scan_sentence(std::string_view line, std::span<std::string_view>
   result.checksum_ok = checksum.valid();
   result.field_count = out.count;
   return result;
+}
+
+std::uint8_t body_checksum(std::string_view body) {
+  std::uint8_t sum = 0;
+  for (const char c : body) sum ^= static_cast<std::uint8_t>(c);
+  return sum;
+}
+
+std::string with_checksum(std::string_view sentence) {
+  constexpr std::string_view hex_digits = "0123456789ABCDEF";
+  const auto sum = body_checksum(sentence.substr(sentence.empty() ? 0 : 1));
+  std::string out(sentence);
+  out += '*';
+  out += hex_digits[sum >> 4];
+  out += hex_digits[sum & 0xF];
+  return out;
 }
 
 std::string_view strip_checksum(std::string_view field) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +19,11 @@ std::size_t count_characters(std::string_view text);
 // Exactly one "*", followed by exactly two hexadecimal digits (either case) that equal the XOR
 // of every byte between the leading "$" and the "*".
 bool checksum_valid(std::string_view line);
+
+// The XOR of every byte of a sentence's body, the text between "$" and "*".
+std::uint8_t body_checksum(std::string_view body);
+// The sentence with its "*hh" suffix, in upper-case digits: "$GPGGA,..." gives "$GPGGA,...*47".
+std::string with_checksum(std::string_view sentence);
 
 // Cuts the whole line at every ",", keeping empty fields; field 0 is the tag with its "$" and the
 // last field keeps the "*" and checksum digits. The views point into the line.

@@ -13,11 +13,3 @@ inline void feed(gps_protocol_t& decoder, const std::string& line) {
   split_fields(line, fields);
   decoder.update(fields);
 }
-
-// The sentence with its correct "*hh" suffix: "$GPGGA,..." -> "$GPGGA,...*47".
-inline std::string with_checksum(const std::string& body) {
-  unsigned sum = 0;
-  for (std::size_t i = 1; i < body.size(); ++i) sum ^= static_cast<unsigned char>(body[i]);
-  static const char* hex = "0123456789ABCDEF";
-  return body + "*" + hex[sum >> 4] + hex[sum & 15];
-}
