@@ -5,10 +5,10 @@
 #include <string>
 #include <thread>
 
-#include "app/sim_engine.h"
 #include "link/connection.h"
 #include "link/offline_links.h"
 #include "link/tcp_client.h"
+#include "sim/sim_engine.h"
 #include "support/loopback_server.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"

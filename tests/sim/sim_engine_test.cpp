@@ -1,4 +1,4 @@
-#include "app/sim_engine.h"
+#include "sim/sim_engine.h"
 
 #include <gtest/gtest.h>
 
