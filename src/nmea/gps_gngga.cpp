@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "nmea/fields.h"
+#include "nmea/position.h"
 #include "nmea/record_units.h"
 
 namespace {
@@ -85,28 +86,20 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
   if (!read_with_unit(f[9], f[10], alt_d)) return;
   if (!read_with_unit(f[11], f[12], mean_sea_level_d)) return;
 
-  const auto ns = pick_letter(f[3], "N", "S", lat_dir);
-  const auto ew = pick_letter(f[5], "E", "W", lon_dir);
-  const double previous_lat = lat;
-  const double previous_lon = lon;
-
-  const auto la = parse_coordinate(f[2], 2);
-  if (!la || *la < -90.0 || *la > 90.0) return;
-  const auto lo = parse_coordinate(f[4], 3);
-  if (!lo || *lo < -180.0 || *lo > 180.0) return;
+  const auto position = read_position(f.subspan(2, 4), lat_dir, lon_dir);
+  if (!position) return;
 
   pvt_mode = false;
   fix_i = *fix;
   sat_count_i = *sats;
   hdop_d = *hdop;
 
-  if (f[2].empty() || f[4].empty()) return;
-  lat_dir = ns;
-  lon_dir = ew;
-  lat = *la;
-  lon = *lo;
+  if (!position->given) return;
+  const double previous_lat = lat;
+  const double previous_lon = lon;
+  store_position(*this, *position);
   push_motion(previous_lat, previous_lon);
-  map_fix = {signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)};
+  map_fix = position->map_coordinate();
   if (*hdop < hdop_no_marker) place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
@@ -118,11 +111,11 @@ void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
   time.set_from_itow(r.iTOW);
   alt_d = r.height / 1000.0;
   mean_sea_level_d = r.hMSL / 1000.0;
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
   push_motion(previous_lat, previous_lon);
-  map_fix = {lat, lon};
+  map_fix = *position;
   place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
@@ -137,10 +130,10 @@ void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
   mean_sea_level_d = r.hMSL / 1000.0;
   hdop_d = r.pDOP / 100.0;
   if (r.headMot != 0) push_history(direction_history, r.headMot * 1e-5 * std::numbers::pi / 180.0);
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
-  map_fix = {lat, lon};
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
+  map_fix = *position;
   if (r.pDOP < pdop_no_marker) place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }

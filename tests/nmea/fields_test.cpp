@@ -95,16 +95,11 @@ TEST(read_decimal, has_three_outcomes) {
     decimal_outcome_t outcome;
     double value;
   } cases[] = {
-      {"1.20", decimal_outcome_t::value, 1.2},
-      {"99.99", decimal_outcome_t::value, 99.99},
-      {"0.0", decimal_outcome_t::value, 0.0},
-      {".5", decimal_outcome_t::value, 0.5},
-      {"1", decimal_outcome_t::bad, 0},
-      {"-0.5", decimal_outcome_t::bad, 0},
-      {"100.0", decimal_outcome_t::bad, 0},
-      {"inf", decimal_outcome_t::bad, 0},
-      {"nan", decimal_outcome_t::bad, 0},
-      {"", decimal_outcome_t::absent, 0},
+      {"1.20", decimal_outcome_t::value, 1.2}, {"99.99", decimal_outcome_t::value, 99.99},
+      {"0.0", decimal_outcome_t::value, 0.0},  {".5", decimal_outcome_t::value, 0.5},
+      {"1", decimal_outcome_t::bad, 0},        {"-0.5", decimal_outcome_t::bad, 0},
+      {"100.0", decimal_outcome_t::bad, 0},    {"inf", decimal_outcome_t::bad, 0},
+      {"nan", decimal_outcome_t::bad, 0},      {"", decimal_outcome_t::absent, 0},
       {"x.1", decimal_outcome_t::absent, 0},
   };
   for (const auto& c : cases) {
@@ -153,13 +148,6 @@ TEST(parse_coordinate, reads_degrees_and_minutes) {
       EXPECT_DOUBLE_EQ(*r, *c.expected) << c.field;
     }
   }
-}
-
-TEST(signed_coordinate, south_and_west_are_negative) {
-  EXPECT_EQ(signed_coordinate(33.5, "S"), -33.5);
-  EXPECT_EQ(signed_coordinate(151.0, "W"), -151.0);
-  EXPECT_EQ(signed_coordinate(33.5, "N"), 33.5);
-  EXPECT_EQ(signed_coordinate(151.0, "E"), 151.0);
 }
 
 }  // namespace
