@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "nmea/sentence.h"
-#include "nmea/word_scan.h"
+#include "core/word_scan.h"
 #include "ubx/record_text.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "nmea/word_scan.h"
+#include "core/word_scan.h"
 
 namespace {
 
