@@ -10,7 +10,7 @@
 #include "core/console.h"
 #include "core/main_queue.h"
 #include "core/observable.h"
-#include "core/string_ring.h"
+#include "core/ring.h"
 #include "link/link_factory.h"
 #include "nmea/gps_gngga.h"
 #include "nmea/gps_gngll.h"

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "core/string_ring.h"
+#include "core/ring.h"
 
 namespace {
 
