@@ -23,9 +23,6 @@ public:
   std::optional<geo_coordinate_t> add_point(double latitude, double longitude, double hdop);
   void clear();
 
-  // The spacing a new fixed point needs from the newest fixed one at this HDOP.
-  static double spacing(double hdop);
-
   const ring_t<geo_coordinate_t>& list() const { return list_; }
   const ring_t<geo_coordinate_t>& history() const { return history_; }
 

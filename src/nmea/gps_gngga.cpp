@@ -62,7 +62,7 @@ void gps_gngga_t::reset() {
 
 annotation_ref_t gps_gngga_t::time_annotation() const {
   annotation_ref_t none;
-  return make_annotation(hms_text(time), map_fix, none);
+  return make_annotation(hms_chars(time).view(), map_fix, none);
 }
 
 // $GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/observable.h"
 #include "ubx/gps_protocol_bin.h"
 #include "ubx/records.h"
 
@@ -32,7 +31,7 @@ std::string_view text(gps_bin_return_t result);
 // hands NAV-POSLLH and NAV-PVT records that pass their checks to the receivers, in list order.
 // The end of a frame follows from the record size that class and id fix; the length field is only
 // checked after the checksum.
-class gps_bin_t final : public observable_t {
+class gps_bin_t final {
 public:
   explicit gps_bin_t(std::vector<gps_protocol_bin_t*> receivers) : arr_update(std::move(receivers)) {}
 

@@ -169,15 +169,3 @@ void append_text(std::string& out, const gps_pvt_t& r) {
   w.text("  UTC ").number(r.year, 4).text("-").zero_padded(r.month, 2).text("-").zero_padded(r.day, 2);
   w.text(" ").zero_padded(r.hour, 2).text(":").zero_padded(r.min, 2).text(":").zero_padded(r.sec, 2).text("\n");
 }
-
-std::string text(const gps_posllh_t& record) {
-  std::string out;
-  append_text(out, record);
-  return out;
-}
-
-std::string text(const gps_pvt_t& record) {
-  std::string out;
-  append_text(out, record);
-  return out;
-}

@@ -6,6 +6,13 @@
 
 namespace {
 
+template <class Record>
+std::string text(const Record& r) {
+  std::string out = "kept:";
+  append_text(out, r);
+  return out.substr(5);
+}
+
 TEST(record_text, posllh_in_fixed_columns) {
   auto r = posllh_record();
   r.iTOW = 0;
