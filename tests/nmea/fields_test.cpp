@@ -38,14 +38,29 @@ TEST(parse_int, reads_whole_fields_only) {
 }
 
 TEST(parse_unsigned, takes_a_plus_but_never_a_minus) {
-  EXPECT_EQ(parse_unsigned("255", 255), 255u);
-  EXPECT_EQ(parse_unsigned("+7", 255), 7u);
-  EXPECT_EQ(parse_unsigned("256", 255), std::nullopt);
-  EXPECT_EQ(parse_unsigned("-0", 255), std::nullopt);
-  EXPECT_EQ(parse_unsigned("-1", 255), std::nullopt);
-  EXPECT_EQ(parse_unsigned("", 255), std::nullopt);
-  EXPECT_EQ(parse_unsigned("+", 255), std::nullopt);
-  EXPECT_EQ(parse_unsigned("1a", 255), std::nullopt);
+  const struct {
+    const char* field;
+    std::uint64_t max;
+    std::optional<std::uint64_t> expected;
+  } cases[] = {
+      {"255", 255, 255u},
+      {"+7", 255, 7u},
+      {"00255", 255, 255u},
+      {"+00255", 255, 255u},
+      {"18446744073709551615", UINT64_MAX, UINT64_MAX},
+      {"256", 255, std::nullopt},
+      {"00256", 255, std::nullopt},
+      {"18446744073709551616", UINT64_MAX, std::nullopt},
+      {"18446744073709551615", UINT64_MAX - 1, std::nullopt},
+      {"-0", 255, std::nullopt},
+      {"-1", 255, std::nullopt},
+      {"", 255, std::nullopt},
+      {"+", 255, std::nullopt},
+      {"++1", 255, std::nullopt},
+      {"1a", 255, std::nullopt},
+      {"00001a", 255, std::nullopt},
+  };
+  for (const auto& c : cases) EXPECT_EQ(parse_unsigned(c.field, c.max), c.expected) << c.field;
 }
 
 TEST(parse_double, reads_the_strtod_grammar_whole) {
