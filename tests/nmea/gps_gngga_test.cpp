@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
 #include <string>
+#include <tuple>
 
 #include "support/records.h"
 #include "support/sentences.h"
 
 namespace {
 
+using namespace std::string_view_literals;
 constexpr double pi = std::numbers::pi;
 const std::string good = "$GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77";
 
@@ -23,23 +24,20 @@ std::string with_field(std::size_t i, const std::string& value) {
   return out;
 }
 
+// The fix state, compared whole: time, position, letters, fix, satellites, HDOP, heights, table.
+auto state(const gps_gngga_t& g) {
+  return std::tuple(g.time, g.lat.get(), g.lon.get(), g.lat_dir, g.lon_dir, g.fix_i, g.sat_count_i, g.hdop_d, g.alt_d,
+                    g.mean_sea_level_d, g.pvt_mode);
+}
+
 TEST(gga, decodes_the_worked_example) {
   gps_gngga_t gga;
   int notices = 0;
   auto sub = gga.subscribe([&] { ++notices; });
   feed(gga, good);
-  EXPECT_EQ(gga.time, (time_hms_t{12, 35, 19, 0}));
-  EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
-  EXPECT_DOUBLE_EQ(gga.lon, 11.0 + 31.0 / 60.0);
-  EXPECT_EQ(gga.lat_dir, "N");
-  EXPECT_EQ(gga.lon_dir, "E");
-  EXPECT_EQ(gga.fix_i, 1);
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 19, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 1, 8, 0.9, 545.4,
+                                   46.9, false));
   EXPECT_EQ(gga.fix_text(), "GPS");
-  EXPECT_EQ(gga.sat_count_i, 8);
-  EXPECT_EQ(gga.hdop_d, 0.9);
-  EXPECT_EQ(gga.alt_d, 545.4);
-  EXPECT_EQ(gga.mean_sea_level_d, 46.9);
-  EXPECT_FALSE(gga.pvt_mode);
   EXPECT_EQ(notices, 2) << "lat and lon are the published fields";
   ASSERT_EQ(gga.map_annotations.list().size(), 1u);
   EXPECT_EQ(gga.map_annotations.list()[0]->title, "12:35:19");
@@ -48,24 +46,28 @@ TEST(gga, decodes_the_worked_example) {
   EXPECT_EQ(gga.magnitude_history[1], 0.0);
 }
 
-TEST(gga, takes_14_to_16_fields_of_its_two_tags) {
+TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
   const struct {
     std::string line;
     bool taken;
-  } cases[] = {
-      {good, true},
-      {good.substr(0, good.rfind(',')) + "*77", true},
-      {good + ",x", true},
-      {"$GPGGA" + good.substr(6), true},
-      {good.substr(0, good.rfind(',', good.rfind(',') - 1)) + "*77", false},
-      {good + ",x,y", false},
-      {"$GLGGA" + good.substr(6), false},
-  };
+  } cases[] = {{good, true},
+               {good.substr(0, good.rfind(',')) + "*77", true},
+               {good + ",x", true},
+               {"$GPGGA" + good.substr(6), true},
+               {good.substr(0, good.rfind(',', good.rfind(',') - 1)) + "*77", false},
+               {good + ",x,y", false},
+               {"$GLGGA" + good.substr(6), false}};
   for (const auto& c : cases) {
     gps_gngga_t gga;
     feed(gga, c.line);
     EXPECT_EQ(gga.time.hh == 12, c.taken) << c.line;
   }
+  gps_gngga_t gga;
+  feed(gga, "$GNGGA,123519.00,9000.0000,N,18000.0000,E,8,36,99.99,545.4,M,46.9,M,,*77");
+  EXPECT_EQ(std::tuple(gga.fix_text(), gga.sat_count_i, gga.hdop_d, gga.lat.get(), gga.lon.get()),
+            std::tuple("Simulation mode"sv, 36, 99.99, 90.0, 180.0));
+  feed(gga, "$GNGGA,123519.00,-9-4.86e3,N,-99-4.86e3,E,8,36,99.99,545.4,M,46.9,M,,*77");
+  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-90.0, -180.0));
 }
 
 TEST(gga, a_failed_check_keeps_what_earlier_steps_stored) {
@@ -74,61 +76,41 @@ TEST(gga, a_failed_check_keeps_what_earlier_steps_stored) {
     int field;
     std::string value;
     bool alt_changed;
-  } only_time_changes[] = {
-      {"fix quality 9", 6, "9", false},
-      {"fix quality empty", 6, "", false},
-      {"fix quality -1", 6, "-1", false},
-      {"37 satellites", 7, "37", false},
-      {"-1 satellites", 7, "-1", false},
-      {"HDOP without point", 8, "1", false},
-      {"HDOP 100.0", 8, "100.0", false},
-      {"HDOP -0.5", 8, "-0.5", false},
-      {"HDOP empty", 8, "", false},
-      {"altitude unit F", 10, "F", false},
-      {"altitude without point", 9, "545", false},
-      {"geoid unit F", 12, "F", true},
-      {"latitude unreadable", 2, "48x7.038", true},
-      {"latitude above 90", 2, "9107.0380", true},
-      {"latitude below -90", 2, "-9-9.e999", true},
-      {"longitude above 180", 4, "18107.0380", true},
-      {"longitude below -180", 4, "-99-9.e999", true},
-      {"longitude 3-digit latitude", 4, "1131.000", true},
-  };
+  } only_time_changes[] = {{"fix quality 9", 6, "9", false},
+                           {"fix quality empty", 6, "", false},
+                           {"fix quality -1", 6, "-1", false},
+                           {"37 satellites", 7, "37", false},
+                           {"-1 satellites", 7, "-1", false},
+                           {"HDOP without point", 8, "1", false},
+                           {"HDOP 100.0", 8, "100.0", false},
+                           {"HDOP -0.5", 8, "-0.5", false},
+                           {"HDOP empty", 8, "", false},
+                           {"altitude unit F", 10, "F", false},
+                           {"altitude without point", 9, "545", false},
+                           {"geoid unit F", 12, "F", true},
+                           {"latitude unreadable", 2, "48x7.038", true},
+                           {"latitude above 90", 2, "9107.0380", true},
+                           {"latitude below -90", 2, "-9-9.e999", true},
+                           {"longitude above 180", 4, "18107.0380", true},
+                           {"longitude below -180", 4, "-99-9.e999", true},
+                           {"longitude 3-digit latitude", 4, "1131.000", true}};
   for (const auto& c : only_time_changes) {
     gps_gngga_t gga;
     gga.alt_d = -1.0;
     feed(gga, with_field(c.field, c.value));
-    EXPECT_EQ(gga.time, (time_hms_t{12, 35, 19, 0})) << c.name;
-    EXPECT_EQ(gga.fix_i, 0) << c.name;
-    EXPECT_EQ(gga.hdop_d, 0.0) << c.name;
-    EXPECT_EQ(gga.lat, 0.0) << c.name;
-    EXPECT_EQ(gga.alt_d, c.alt_changed ? 545.4 : -1.0) << c.name;
+    EXPECT_EQ(std::tuple(gga.time, gga.fix_i, gga.hdop_d, gga.lat.get(), gga.alt_d),
+              std::tuple(time_hms_t{12, 35, 19, 0}, 0, 0.0, 0.0, c.alt_changed ? 545.4 : -1.0))
+        << c.name;
     EXPECT_TRUE(gga.map_path.list().empty()) << c.name;
   }
-}
-
-TEST(gga, the_bounds_are_taken) {
-  gps_gngga_t gga;
-  feed(gga, with_field(6, "8"));
-  EXPECT_EQ(gga.fix_text(), "Simulation mode");
-  feed(gga, with_field(7, "36"));
-  EXPECT_EQ(gga.sat_count_i, 36);
-  feed(gga, with_field(8, "99.99"));
-  EXPECT_EQ(gga.hdop_d, 99.99);
-  feed(gga, with_field(2, "9000.0000"));
-  EXPECT_EQ(gga.lat, 90.0);
-  feed(gga, with_field(4, "18000.0000"));
-  EXPECT_EQ(gga.lon, 180.0);
 }
 
 TEST(gga, fields_that_read_as_absent_keep_their_value) {
   gps_gngga_t gga;
   gga.alt_d = 7.0;
-  feed(gga, with_field(10, ""));  // no unit: the altitude pair is skipped
-  EXPECT_EQ(gga.alt_d, 7.0);
-  EXPECT_EQ(gga.lat, 48.1173);
+  feed(gga, with_field(10, ""));    // no unit: the altitude pair is skipped
   feed(gga, with_field(9, "x.5"));  // an unreadable value with its unit keeps the altitude
-  EXPECT_EQ(gga.alt_d, 7.0);
+  EXPECT_EQ(std::tuple(gga.alt_d, gga.lat.get()), std::tuple(7.0, 48.1173));
   feed(gga, with_field(7, ""));
   EXPECT_EQ(gga.sat_count_i, 0) << "an empty satellite count is 0";
   gga.lat_dir = "S";
@@ -143,11 +125,9 @@ TEST(gga, a_sentence_without_position_keeps_fix_state_only) {
     feed(gga, good);
     const auto history = gga.direction_history;
     feed(gga, line);
-    EXPECT_EQ(gga.time, (time_hms_t{12, 35, 20, 0}));
+    EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 20, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 0, 0, 99.99,
+                                     545.4, 46.9, false));
     EXPECT_EQ(gga.fix_text(), "invalid");
-    EXPECT_EQ(gga.sat_count_i, 0);
-    EXPECT_EQ(gga.hdop_d, 99.99);
-    EXPECT_EQ(gga.lat, 48.1173);
     EXPECT_EQ(gga.direction_history, history);
     EXPECT_EQ(gga.map_path.list().size(), 1u);
   }
@@ -159,12 +139,10 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
     const char* second;
     double bearing;
     double distance;
-  } cases[] = {
-      {"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
-      {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
-      {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
-      {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
-  };
+  } cases[] = {{"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
+               {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
+               {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
+               {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat}};
   for (const auto& c : cases) {
     gps_gngga_t gga;
     feed(gga, std::string("$GPGGA,120000,") + c.first + ",1,08,0.9,1.0,M,1.0,M,,*00");
@@ -178,8 +156,7 @@ TEST(gga, southern_and_western_fixes_are_placed_with_their_sign) {
   gps_gngga_t gga;
   feed(gga, "$GPGGA,120000,3351.4080,S,15112.9300,W,1,08,0.9,1.0,M,1.0,M,,*00");
   EXPECT_NEAR(gga.lat, 33.8568, 1e-9) << "published as a magnitude";
-  EXPECT_EQ(gga.lat_dir, "S");
-  EXPECT_EQ(gga.lon_dir, "W");
+  EXPECT_EQ(std::tuple(gga.lat_dir, gga.lon_dir), std::tuple("S"sv, "W"sv));
   const auto marker = gga.map_annotations.list()[0]->coordinate;
   EXPECT_NEAR(marker.latitude, -33.8568, 1e-9);
   EXPECT_NEAR(marker.longitude, -151.2155, 1e-9);
@@ -191,11 +168,10 @@ TEST(gga, southern_and_western_fixes_are_placed_with_their_sign) {
 }
 
 TEST(gga, markers_below_an_hdop_of_99) {
-  for (const auto& [hdop, marked] : {std::pair{"98.99", true}, {"99.0", false}, {"99.5", false}}) {
+  for (const auto& [hdop, marked] : {std::pair{"98.99", 1u}, {"99.0", 0u}, {"99.5", 0u}}) {
     gps_gngga_t gga;
     feed(gga, with_field(8, hdop));
-    EXPECT_EQ(gga.lat, 48.1173) << hdop;
-    EXPECT_EQ(gga.map_annotations.list().size(), marked ? 1u : 0u) << hdop;
+    EXPECT_EQ(gga.map_annotations.list().size(), marked) << hdop;
     EXPECT_EQ(gga.map_path.list().size(), 1u) << hdop;
   }
 }
@@ -208,19 +184,9 @@ TEST(gga, reset_clears_all_a_fix_left) {
   r.headMot = 100;
   gga.update_pvt(r);
   gga.reset();
-  const gps_gngga_t fresh;
-  EXPECT_EQ(gga.time, fresh.time);
-  EXPECT_EQ(gga.lat, 0.0);
-  EXPECT_EQ(gga.lon, 0.0);
-  EXPECT_EQ(gga.fix_i, 0);
-  EXPECT_EQ(gga.sat_count_i, 0);
-  EXPECT_EQ(gga.hdop_d, 0.0);
-  EXPECT_EQ(gga.alt_d, 0.0);
-  EXPECT_EQ(gga.mean_sea_level_d, 0.0);
-  EXPECT_EQ(gga.direction_history, motion_history_t{});
-  EXPECT_EQ(gga.magnitude_history, motion_history_t{});
-  EXPECT_EQ(gga.lat_dir, "N");
-  EXPECT_EQ(gga.lon_dir, "E");
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 0.0, 0.0, true));
+  EXPECT_EQ(std::tuple(gga.direction_history, gga.magnitude_history),
+            std::tuple(motion_history_t{}, motion_history_t{}));
   EXPECT_TRUE(gga.map_annotations.list().empty());
   EXPECT_TRUE(gga.map_path.list().empty());
   EXPECT_TRUE(gga.map_path.history().empty());
@@ -244,15 +210,10 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   r.height = 12345;
   r.hMSL = -500;
   gga.update_pvt(r);
-  EXPECT_TRUE(gga.pvt_mode);
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{7, 8, 9, 0}, 0.0, 0.0, "N"sv, "E"sv, 5, 11, 2.5, 12.345, -0.5, true))
+      << "lat 0: no position";
   EXPECT_EQ(gga.fix_text(), "time only fix");
-  EXPECT_EQ(gga.hdop_d, 2.5);
-  EXPECT_EQ(gga.sat_count_i, 11);
-  EXPECT_EQ(gga.time, (time_hms_t{7, 8, 9, 0}));
-  EXPECT_EQ(gga.alt_d, 12.345);
-  EXPECT_EQ(gga.mean_sea_level_d, -0.5);
   EXPECT_EQ(gga.direction_history, motion_history_t{}) << "headMot 0 pushes nothing";
-  EXPECT_EQ(gga.lat, 0.0) << "lat 0: no position";
 
   r.headMot = 9000000;
   r.lat = -338568000;
@@ -260,8 +221,7 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   r.pDOP = 9999;
   gga.update_pvt(r);
   EXPECT_NEAR(gga.direction_history[0], pi / 2, 1e-12);
-  EXPECT_DOUBLE_EQ(gga.lat, -33.8568) << "records are signed";
-  EXPECT_EQ(gga.lon, 1e-7);
+  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-33.8568, 1e-7)) << "records are signed";
   EXPECT_TRUE(gga.map_annotations.list().empty()) << "pDOP 9999: no marker";
   r.pDOP = 9998;
   r.lon = -1;
@@ -272,10 +232,10 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   feed(gga, with_field(6, "5"));
   EXPECT_FALSE(gga.pvt_mode);
   EXPECT_EQ(gga.fix_text(), "Float RTK") << "a sentence brings back the GGA table";
-  gga.fix_i = 9;
-  EXPECT_EQ(gga.fix_text(), "invalid");
-  gga.fix_i = -1;
-  EXPECT_EQ(gga.fix_text(), "invalid");
+  for (const std::int64_t outside : {9, -1}) {
+    gga.fix_i = outside;
+    EXPECT_EQ(gga.fix_text(), "invalid");
+  }
 }
 
 TEST(gga, nav_posllh_records) {
@@ -287,11 +247,8 @@ TEST(gga, nav_posllh_records) {
   r.hMSL = 2000;
   r.lat = 481173000;
   gga.update_posllh(r);
-  EXPECT_FALSE(gga.pvt_mode);
-  EXPECT_EQ(gga.time, (time_hms_t{13, 5, 7, 250}));
-  EXPECT_EQ(gga.alt_d, 1.0);
-  EXPECT_EQ(gga.mean_sea_level_d, 2.0);
-  EXPECT_EQ(gga.lat, 0.0) << "lon 0: no position, no marker, no track";
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false))
+      << "lon 0: no position";
   EXPECT_TRUE(gga.map_path.list().empty());
 
   r.lon = 115166666;
@@ -299,6 +256,7 @@ TEST(gga, nav_posllh_records) {
   EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
   EXPECT_EQ(gga.map_annotations.list().size(), 1u);
   EXPECT_EQ(gga.map_path.list().size(), 1u);
+  EXPECT_EQ(gga.time_annotation()->coordinate, gga.map_path.list()[0]);
   EXPECT_GT(gga.magnitude_history[0], 5e6) << "measured from the last position";
 }
 

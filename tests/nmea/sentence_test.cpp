@@ -23,29 +23,27 @@ TEST(scan_sentence, accepts_exactly_two_hex_digits_that_match) {
   const struct {
     std::string line;
     bool valid;
-  } cases[] = {
-      {gga, true},
-      {gga_body + "*48", false},
-      {gga_body + "*4", false},
-      {gga_body + "*470", false},
-      {gga_body.substr(0, gga_body.size() - 1) + "*,*47", false},  // a second "*" in the scanned words
-      {"$GPGGA,1*2*00", false},
-      {gga_body, false},
-      {"$GPRMC,1*4f", false},
-      {"$*00", true},
-      {"*00", true},
-      {"$A*41", true},
-      {"$A*+1", false},
-      {"$A* 41", false},
-      {"$GPAAA,1*4B", true},
-      {"$GPAAA,1*4b", true},
-      {"$GPAAA,1*4G", false},
-      {"$GPAAA,1*G4", false},
-      {"$GPAAA,1*:B", false},
-      {"$GPAAA,1*4@", false},
-      {"$GPAAA,2*4b", false},
-      {"$GPAAA,1*4g", false},
-  };
+  } cases[] = {{gga, true},
+               {gga_body + "*48", false},
+               {gga_body + "*4", false},
+               {gga_body + "*470", false},
+               {gga_body.substr(0, gga_body.size() - 1) + "*,*47", false},  // a second "*" in the scanned words
+               {"$GPGGA,1*2*00", false},
+               {gga_body, false},
+               {"$GPRMC,1*4f", false},
+               {"$*00", true},
+               {"*00", true},
+               {"$A*41", true},
+               {"$A*+1", false},
+               {"$A* 41", false},
+               {"$GPAAA,1*4B", true},
+               {"$GPAAA,1*4b", true},
+               {"$GPAAA,1*4G", false},
+               {"$GPAAA,1*G4", false},
+               {"$GPAAA,1*:B", false},
+               {"$GPAAA,1*4@", false},
+               {"$GPAAA,2*4b", false},
+               {"$GPAAA,1*4g", false}};
   for (const auto& c : cases) EXPECT_EQ(scan_sentence(c.line, {}).checksum_ok, c.valid) << c.line;
 }
 
