@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace std::string_view_literals;
+using namespace std::literals;
 constexpr double pi = std::numbers::pi;
 const std::string good = "$GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77";
 
@@ -142,7 +142,8 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
   } cases[] = {{"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
                {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
                {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
-               {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat}};
+               {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
+               {"4807.038,N,01131.000,E", "4807.098,N,01131.060,E", 0.7870773829016747, 157.16584063686295}};
   for (const auto& c : cases) {
     gps_gngga_t gga;
     feed(gga, std::string("$GPGGA,120000,") + c.first + ",1,08,0.9,1.0,M,1.0,M,,*00");
@@ -150,21 +151,6 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
     EXPECT_NEAR(gga.direction_history[0], c.bearing, 1e-9) << c.second;
     EXPECT_NEAR(gga.magnitude_history[0], c.distance, 1e-6) << c.second;
   }
-}
-
-TEST(gga, southern_and_western_fixes_are_placed_with_their_sign) {
-  gps_gngga_t gga;
-  feed(gga, "$GPGGA,120000,3351.4080,S,15112.9300,W,1,08,0.9,1.0,M,1.0,M,,*00");
-  EXPECT_NEAR(gga.lat, 33.8568, 1e-9) << "published as a magnitude";
-  EXPECT_EQ(std::tuple(gga.lat_dir, gga.lon_dir), std::tuple("S"sv, "W"sv));
-  const auto marker = gga.map_annotations.list()[0]->coordinate;
-  EXPECT_NEAR(marker.latitude, -33.8568, 1e-9);
-  EXPECT_NEAR(marker.longitude, -151.2155, 1e-9);
-  EXPECT_EQ(gga.map_path.list()[0], marker);
-  const auto dot = gga.time_annotation();
-  EXPECT_EQ(dot->title, "12:00:00");
-  EXPECT_EQ(dot->coordinate, marker) << "the map's position dot lies in the south too";
-  EXPECT_NE(dot, gga.map_annotations.list()[0]) << "a new marker each time";
 }
 
 TEST(gga, markers_below_an_hdop_of_99) {
@@ -176,10 +162,19 @@ TEST(gga, markers_below_an_hdop_of_99) {
   }
 }
 
-TEST(gga, reset_clears_all_a_fix_left) {
+TEST(gga, southern_fixes_are_placed_signed_and_reset_clears_all_a_fix_left) {
   gps_gngga_t gga;
   for (int i = 0; i < 12; ++i) feed(gga, "$GPGGA,120000,3351.4080,S,15112.9300,W,4,08,0.9,1.0,M,1.0,M,,*00");
   EXPECT_EQ(gga.magnitude_history[9], 0.0) << "the first, large step has left the history";
+  EXPECT_NEAR(gga.lat, 33.8568, 1e-9) << "published as a magnitude";
+  EXPECT_EQ(std::tuple(gga.lat_dir, gga.lon_dir), std::tuple("S"sv, "W"sv));
+  const auto marker = gga.map_annotations.list()[0]->coordinate;
+  EXPECT_NEAR(marker.latitude, -33.8568, 1e-9);
+  EXPECT_NEAR(marker.longitude, -151.2155, 1e-9);
+  EXPECT_EQ(gga.map_path.list()[0], marker);
+  const auto dot = gga.time_annotation();
+  EXPECT_EQ(std::tuple(dot->title, dot->coordinate), std::tuple("12:00:00"s, marker)) << "the position dot too";
+  EXPECT_NE(dot, gga.map_annotations.list()[0]) << "a new marker each time";
   auto r = valid_pvt();
   r.headMot = 100;
   gga.update_pvt(r);
