@@ -48,49 +48,35 @@ TEST(records, a_frame_is_sync_image_and_fletcher_checksum) {
 }
 
 TEST(records, plausibility_checks_each_range) {
+  using change_t = void (*)(gps_pvt_t&);
   const struct {
-    const char* name;
-    void (*change)(gps_pvt_t&);
-    bool valid;
-  } cases[] = {
-      {"as is", [](gps_pvt_t&) {}, true},
-      {"numSV 36", [](gps_pvt_t& r) { r.numSV = 36; }, true},
-      {"numSV 37", [](gps_pvt_t& r) { r.numSV = 37; }, false},
-      {"pDOP 9999", [](gps_pvt_t& r) { r.pDOP = 9999; }, true},
-      {"pDOP 10000", [](gps_pvt_t& r) { r.pDOP = 10000; }, false},
-      {"fixType 5", [](gps_pvt_t& r) { r.fixType = 5; }, true},
-      {"fixType 6", [](gps_pvt_t& r) { r.fixType = 6; }, false},
-      {"lat 90", [](gps_pvt_t& r) { r.lat = 900000000; }, true},
-      {"lat -90", [](gps_pvt_t& r) { r.lat = -900000000; }, true},
-      {"lat 90.0000001", [](gps_pvt_t& r) { r.lat = 900000001; }, false},
-      {"lat -90.0000001", [](gps_pvt_t& r) { r.lat = -900000001; }, false},
-      {"lon 180", [](gps_pvt_t& r) { r.lon = 1800000000; }, true},
-      {"lon -180", [](gps_pvt_t& r) { r.lon = -1800000000; }, true},
-      {"lon 180.0000001", [](gps_pvt_t& r) { r.lon = 1800000001; }, false},
-      {"lon -180.0000001", [](gps_pvt_t& r) { r.lon = -1800000001; }, false},
-      {"month 1", [](gps_pvt_t& r) { r.month = 1; }, true},
-      {"month 12", [](gps_pvt_t& r) { r.month = 12; }, true},
-      {"month 0", [](gps_pvt_t& r) { r.month = 0; }, false},
-      {"month 13", [](gps_pvt_t& r) { r.month = 13; }, false},
-      {"day 1", [](gps_pvt_t& r) { r.day = 1; }, true},
-      {"day 31", [](gps_pvt_t& r) { r.day = 31; }, true},
-      {"day 0", [](gps_pvt_t& r) { r.day = 0; }, false},
-      {"day 32", [](gps_pvt_t& r) { r.day = 32; }, false},
-      {"hour 23", [](gps_pvt_t& r) { r.hour = 23; }, true},
-      {"hour 24", [](gps_pvt_t& r) { r.hour = 24; }, false},
-      {"min 59", [](gps_pvt_t& r) { r.min = 59; }, true},
-      {"min 60", [](gps_pvt_t& r) { r.min = 60; }, false},
-      {"sec 59", [](gps_pvt_t& r) { r.sec = 59; }, true},
-      {"sec 60", [](gps_pvt_t& r) { r.sec = 60; }, false},
-  };
-  for (const auto& c : cases) {
-    auto r = valid_pvt();
-    c.change(r);
-    EXPECT_EQ(r.is_plausible(), c.valid) << c.name;
-    gps_posllh_t p;
-    p.lat = r.lat;
-    p.lon = r.lon;
-    EXPECT_EQ(p.is_plausible(), c.valid || (r.lat == valid_pvt().lat && r.lon == valid_pvt().lon)) << c.name;
+    change_t edge;    // the last value taken
+    change_t beyond;  // the first value refused
+  } bounds[] = {{[](gps_pvt_t& r) { r.numSV = 36; }, [](gps_pvt_t& r) { r.numSV = 37; }},
+                {[](gps_pvt_t& r) { r.pDOP = 9999; }, [](gps_pvt_t& r) { r.pDOP = 10000; }},
+                {[](gps_pvt_t& r) { r.fixType = 5; }, [](gps_pvt_t& r) { r.fixType = 6; }},
+                {[](gps_pvt_t& r) { r.lat = 900000000; }, [](gps_pvt_t& r) { r.lat = 900000001; }},
+                {[](gps_pvt_t& r) { r.lat = -900000000; }, [](gps_pvt_t& r) { r.lat = -900000001; }},
+                {[](gps_pvt_t& r) { r.lon = 1800000000; }, [](gps_pvt_t& r) { r.lon = 1800000001; }},
+                {[](gps_pvt_t& r) { r.lon = -1800000000; }, [](gps_pvt_t& r) { r.lon = -1800000001; }},
+                {[](gps_pvt_t& r) { r.month = 1; }, [](gps_pvt_t& r) { r.month = 0; }},
+                {[](gps_pvt_t& r) { r.month = 12; }, [](gps_pvt_t& r) { r.month = 13; }},
+                {[](gps_pvt_t& r) { r.day = 1; }, [](gps_pvt_t& r) { r.day = 0; }},
+                {[](gps_pvt_t& r) { r.day = 31; }, [](gps_pvt_t& r) { r.day = 32; }},
+                {[](gps_pvt_t& r) { r.hour = 23; }, [](gps_pvt_t& r) { r.hour = 24; }},
+                {[](gps_pvt_t& r) { r.min = 59; }, [](gps_pvt_t& r) { r.min = 60; }},
+                {[](gps_pvt_t& r) { r.sec = 59; }, [](gps_pvt_t& r) { r.sec = 60; }}};
+  for (std::size_t row = 0; row < std::size(bounds); ++row) {
+    for (const bool taken : {true, false}) {
+      auto r = valid_pvt();
+      (taken ? bounds[row].edge : bounds[row].beyond)(r);
+      EXPECT_EQ(r.is_plausible(), taken) << "row " << row;
+      gps_posllh_t p;
+      p.lat = r.lat;
+      p.lon = r.lon;
+      const bool moved = r.lat != valid_pvt().lat || r.lon != valid_pvt().lon;
+      EXPECT_EQ(p.is_plausible(), taken || !moved) << "row " << row << ": NAV-POSLLH checks the position only";
+    }
   }
 }
 
