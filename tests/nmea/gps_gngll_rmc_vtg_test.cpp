@@ -144,25 +144,20 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
   gps_gnrmc_t rmc;
   gps_gnvtg_t vtg;
   gps_gngll_t gll;
-  auto r = pvt_record();
+  auto r = valid_pvt();  // 2017-07-19 08:50:05
+  r.lat = r.lon = 0;
   r.gSpeed = 1000;
   r.headVeh = 100000;
   r.magDec = -250;
-  r.year = 2024;
-  r.month = 3;
-  r.day = 5;
-  r.hour = 1;
-  r.min = 2;
-  r.sec = 3;
   rmc.update_pvt(r);
   vtg.update_pvt(r);
   gll.update_pvt(r);
   const double knots = 1000 / 514.444444;
   EXPECT_EQ(state(vtg), std::tuple(0.0, 0.0, knots, 3.6));
-  EXPECT_EQ(state(rmc), std::tuple(time_hms_t{1, 2, 3, 0}, date_ymd_t{2024, 3, 5}, 0.0, 0.0, "N"sv, "E"sv, "A"sv, knots,
-                                   1.0, -2.5, std::size_t{0}))
+  EXPECT_EQ(state(rmc), std::tuple(time_hms_t{8, 50, 5, 0}, date_ymd_t{2017, 7, 19}, 0.0, 0.0, "N"sv, "E"sv, "A"sv,
+                                   knots, 1.0, -2.5, std::size_t{0}))
       << "lat 0: time and motion only";
-  EXPECT_EQ(gll.time, (time_hms_t{1, 2, 3, 0}));
+  EXPECT_EQ(gll.time, (time_hms_t{8, 50, 5, 0}));
 
   r.lat = 10'000'000;
   r.lon = -20'000'000;
@@ -181,7 +176,7 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
   p.lon = 40'000'000;
   rmc.update_posllh(p);
   gll.update_posllh(p);
-  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2024-03-05") << "the date keeps its last value";
+  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2017-07-19") << "the date keeps its last value";
   EXPECT_EQ(gll.map_annotations.list()[0]->title, "00:01:01");
   EXPECT_EQ(std::tuple(rmc.lat.get(), gll.lat.get(), gll.lon.get()), std::tuple(1e-7, 1e-7, 4.0))
       << "a latitude of 1e-7 degree is a position";
