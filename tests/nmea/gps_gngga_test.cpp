@@ -195,15 +195,9 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   gga.update_pvt(r);
   EXPECT_FALSE(gga.pvt_mode) << "an unknown fix type is ignored";
 
-  r = pvt_record();
-  r.fixType = 5;
+  // class, id, length, iTOW, date, time, valid, tAcc, nano, fixType, flags, flags2, numSV, lon, lat, height, hMSL
+  r = {1, 7, 92, 0, 0, 0, 0, 7, 8, 9, 0, 0, 0, 5, 0, 0, 11, 0, 0, 12345, -500};
   r.pDOP = 250;
-  r.numSV = 11;
-  r.hour = 7;
-  r.min = 8;
-  r.sec = 9;
-  r.height = 12345;
-  r.hMSL = -500;
   gga.update_pvt(r);
   EXPECT_EQ(state(gga), std::tuple(time_hms_t{7, 8, 9, 0}, 0.0, 0.0, "N"sv, "E"sv, 5, 11, 2.5, 12.345, -0.5, true))
       << "lat 0: no position";
@@ -236,11 +230,8 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
 TEST(gga, nav_posllh_records) {
   gps_gngga_t gga;
   gga.pvt_mode = true;
-  auto r = posllh_record();
-  r.iTOW = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
-  r.height = 1000;
-  r.hMSL = 2000;
-  r.lat = 481173000;
+  const std::uint32_t wednesday_13_05_07_250 = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
+  gps_posllh_t r{1, 2, 28, wednesday_13_05_07_250, 0, 481173000, 1000, 2000};  // lon 0
   gga.update_posllh(r);
   EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false))
       << "lon 0: no position";

@@ -170,10 +170,7 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
     EXPECT_EQ(gll.map_annotations.list().size(), markers);
   }
 
-  auto p = posllh_record();
-  p.iTOW = 61'000;
-  p.lat = 1;
-  p.lon = 40'000'000;
+  gps_posllh_t p{1, 2, 28, 61'000, 40'000'000, 1};  // class, id, length, iTOW, lon, lat
   rmc.update_posllh(p);
   gll.update_posllh(p);
   EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2017-07-19") << "the date keeps its last value";

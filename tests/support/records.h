@@ -5,20 +5,22 @@
 
 #include "ubx/records.h"
 
-// Records with the header of a decoded frame and the fields a test sets.
+// Records with the header of a decoded frame and the fields a test sets. Their fields stand in wire
+// order, so an initialiser lists them as a frame does.
 inline gps_pvt_t pvt_record() {
-  gps_pvt_t r;
-  r.cls = ubx_class_nav;
-  r.id = gps_pvt_t::message_id;
-  r.length = gps_pvt_t::payload_length;
-  return r;
+  return {ubx_class_nav, gps_pvt_t::message_id, gps_pvt_t::payload_length};
 }
 
 inline gps_posllh_t posllh_record() {
-  gps_posllh_t r;
-  r.cls = ubx_class_nav;
-  r.id = gps_posllh_t::message_id;
-  r.length = gps_posllh_t::payload_length;
+  return {ubx_class_nav, gps_posllh_t::message_id, gps_posllh_t::payload_length};
+}
+
+// A plausible NAV-PVT: Adelaide, 3D fix, 14 satellites, 2017-07-19 08:50:05, pDOP 1.45.
+inline gps_pvt_t valid_pvt() {
+  constexpr std::uint8_t cls = ubx_class_nav, id = gps_pvt_t::message_id, length = gps_pvt_t::payload_length;
+  // class, id, length, iTOW, date, time, valid, tAcc, nano, fixType, flags, flags2, numSV, lon, lat, ...
+  auto r = gps_pvt_t{cls, id, length, 291023400, 2017, 7, 19, 8, 50, 5, 0, 0, 0, 3, 0, 0, 14, 1386081181, -349062349};
+  r.pDOP = 145;
   return r;
 }
 
@@ -33,21 +35,3 @@ public:
   image_writer_t& u32(std::uint32_t v) { return u16(v).u16(v >> 16); }
   std::vector<std::uint8_t> bytes;
 };
-
-// A plausible NAV-PVT: Adelaide, 3D fix, 14 satellites, 2017-07-19 08:50:05.
-inline gps_pvt_t valid_pvt() {
-  auto r = pvt_record();
-  r.iTOW = 291023400;
-  r.year = 2017;
-  r.month = 7;
-  r.day = 19;
-  r.hour = 8;
-  r.min = 50;
-  r.sec = 5;
-  r.fixType = 3;
-  r.numSV = 14;
-  r.lat = -349062349;
-  r.lon = 1386081181;
-  r.pDOP = 145;
-  return r;
-}

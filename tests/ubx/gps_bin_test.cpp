@@ -36,10 +36,7 @@ bytes_t operator+(bytes_t a, const bytes_t& b) {
 }
 
 gps_posllh_t valid_posllh() {
-  auto r = posllh_record();
-  r.lat = 481234567;
-  r.lon = -1225000000;
-  return r;
+  return {ubx_class_nav, gps_posllh_t::message_id, gps_posllh_t::payload_length, 0, -1225000000, 481234567};
 }
 
 class gps_bin_test : public ::testing::Test {
