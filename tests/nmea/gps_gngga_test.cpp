@@ -242,6 +242,7 @@ TEST(gga, nav_posllh_records) {
   EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
   EXPECT_EQ(gga.map_annotations.list().size(), 1u);
   EXPECT_EQ(gga.map_path.list().size(), 1u);
+  EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{48.1173, 11.5166666}));
   EXPECT_EQ(gga.time_annotation()->coordinate, gga.map_path.list()[0]);
   EXPECT_GT(gga.magnitude_history[0], 5e6) << "measured from the last position";
 }
