@@ -5,8 +5,8 @@
 #include <memory>
 #include <thread>
 
-#include "app/sim_engine.h"
-#include "app/sim_server.h"
+#include "sim/sim_engine.h"
+#include "sim/sim_server.h"
 
 // The demo's receiver: the simulator serving a walk at 10 Hz on a free port of 127.0.0.1, on a
 // thread of its own, until the demo ends.

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr int usage_error = 2;                // exit status for a bad command line
+constexpr int usage_error = 2;  // exit status for a bad command line
 
 void print_summary(const connection_t& hub) {
   std::printf("messages %llu, good %llu, acknowledged %s, binary %s", static_cast<unsigned long long>(hub.msg_count),
@@ -68,8 +68,9 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, connectio
   std::unique_ptr<qsettings_store_t> store;
   std::unique_ptr<config_connection_t> settings;
   if (options.connect_saved) {
-    store = options.settings_file.empty() ? std::make_unique<qsettings_store_t>()
-                                          : std::make_unique<qsettings_store_t>(QString::fromStdString(options.settings_file));
+    store = options.settings_file.empty()
+                ? std::make_unique<qsettings_store_t>()
+                : std::make_unique<qsettings_store_t>(QString::fromStdString(options.settings_file));
     settings = std::make_unique<config_connection_t>(*store, console);
     connect_or_disconnect(*settings, hub);
   } else {
@@ -95,7 +96,8 @@ int main(int argc, char** argv) {
     std::fputs(cli_usage, stdout);
     return 0;
   }
-  if (!options.replay_file.empty() && options.replay_file != "-" && !std::ifstream(options.replay_file, std::ios::binary)) {
+  if (!options.replay_file.empty() && options.replay_file != "-" &&
+      !std::ifstream(options.replay_file, std::ios::binary)) {
     std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
     return usage_error;
   }

@@ -68,7 +68,7 @@ void write_annotations(json_writer_t& w, const annotations_t& annotations) {
   w.end_array();
 }
 
-void write_coordinates(json_writer_t& w, std::string_view name, const newest_first_t<geo_coordinate_t>& list) {
+void write_coordinates(json_writer_t& w, std::string_view name, const ring_t<geo_coordinate_t>& list) {
   w.key(name);
   w.begin_array();
   for (std::size_t i = 0; i < list.size(); ++i) {

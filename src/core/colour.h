@@ -17,5 +17,3 @@ enum class colour_t : std::uint8_t {
   fill,        // the system's fill for tracks and gauges
   background,  // the system's background
 };
-
-const char* colour_name(colour_t c);

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "nmea/word_scan.h"
+#include "core/word_scan.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/word_scan.h"
 #include "nmea/sentence.h"
-#include "nmea/word_scan.h"
 #include "ubx/record_text.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include "core/console.h"
 #include "core/main_queue.h"
 #include "core/observable.h"
-#include "core/string_ring.h"
+#include "core/ring.h"
 #include "link/chunk_splitter.h"
 #include "link/link_factory.h"
 #include "nmea/gps_gngga.h"

@@ -8,7 +8,7 @@ namespace {
 // Bytes asked of the stream per read: many chunks at once, so a large capture costs few system
 // calls. fread fills the whole request unless the stream ends or fails, so the chunks cut from it
 // are exactly those that reading chunk_size bytes at a time would give.
-constexpr std::size_t read_block = 256 * 1024;
+constexpr std::size_t read_block = std::size_t{256} * 1024;
 
 }  // namespace
 

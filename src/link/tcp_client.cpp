@@ -174,7 +174,7 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
   if (error > 0 && wanted && enabled_) report_error(error);
 }
 
-void tcp_client_t::receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd) {
+void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd) {
   std::array<std::uint8_t, recv_size> buffer{};
   bool closing = false;
   int error = 0;

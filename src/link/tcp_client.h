@@ -42,7 +42,7 @@ public:
 
 private:
   void connect_task(std::string host, std::uint16_t port, std::uint64_t generation);
-  void receive_loop(std::string host, std::uint16_t port, std::uint64_t generation, int fd);
+  void receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd);
   bool current(std::uint64_t generation) const { return generation_ == generation; }
   bool claim_connection(std::uint64_t generation, int fd);
   bool release_connection(std::uint64_t generation, int fd);

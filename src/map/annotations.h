@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/ring.h"
 #include "map/geo.h"
-#include "map/newest_first.h"
 
 // A map marker. Lists hold it by reference: a marker that a list drops is removed from the map as
 // that same object.
@@ -35,8 +35,8 @@ public:
   annotation_ref_t add_annotation(annotation_ref_t a);
   void clear() { list_.clear(); }
 
-  const newest_first_t<annotation_ref_t>& list() const { return list_; }
+  const ring_t<annotation_ref_t>& list() const { return list_; }
 
 private:
-  newest_first_t<annotation_ref_t> list_;
+  ring_t<annotation_ref_t> list_;
 };

@@ -1,10 +1,15 @@
 #include "map/map_path.h"
 
-double map_path_t::spacing(double hdop) {
-  if (hdop >= 2.0) return max_spacing;
-  if (hdop >= 0.7) return add_distance * hdop;
-  return min_spacing;
+namespace {
+
+// The spacing a new fixed point needs from the newest fixed one at this HDOP.
+double spacing(double hdop) {
+  if (hdop >= 2.0) return map_path_t::max_spacing;
+  if (hdop >= 0.7) return map_path_t::add_distance * hdop;
+  return map_path_t::min_spacing;
 }
+
+}  // namespace
 
 std::optional<geo_coordinate_t> map_path_t::add_point(double latitude, double longitude, double hdop) {
   const geo_coordinate_t c{latitude, longitude};

@@ -38,7 +38,7 @@ void map_view_t::make(std::optional<geo_coordinate_t> device_location) {
   view_.set_shows_user_location(false);
 }
 
-void map_view_t::update(const geo_coordinate_t& position, const newest_first_t<geo_coordinate_t>& track,
+void map_view_t::update(const geo_coordinate_t& position, const ring_t<geo_coordinate_t>& track,
                         const annotation_ref_t& marker) {
   if (lock_region_) return;
 
@@ -84,7 +84,7 @@ void map_view_t::update(const geo_coordinate_t& position, const newest_first_t<g
 
 // The position dot keeps the same size on screen at every zoom level: not an accuracy circle.
 // The new overlays go in before the old ones leave, so the map never shows none.
-void map_view_t::draw_overlays(const geo_coordinate_t& position, const newest_first_t<geo_coordinate_t>& track) {
+void map_view_t::draw_overlays(const geo_coordinate_t& position, const ring_t<geo_coordinate_t>& track) {
   double f = std::min(view_.frame_width(), view_.frame_height());
   if (f == 0.0) f = default_frame;
   const auto r = view_.visible_map_rect();

@@ -4,10 +4,10 @@
 
 #include "core/main_queue.h"
 #include "core/observable.h"
+#include "core/ring.h"
 #include "map/annotations.h"
 #include "map/geo.h"
 #include "map/map_widget_api.h"
-#include "map/newest_first.h"
 
 // What the main screen's buttons ask of the map; the screen observes it, and so redraws when the
 // map asks for a new update.
@@ -40,14 +40,13 @@ public:
   void make(std::optional<geo_coordinate_t> device_location);
   // On every redraw: reset, map type, placement and recentring, overlays, markers. The track is
   // newest first; the marker stands at the position.
-  void update(const geo_coordinate_t& position, const newest_first_t<geo_coordinate_t>& track,
-              const annotation_ref_t& marker);
+  void update(const geo_coordinate_t& position, const ring_t<geo_coordinate_t>& track, const annotation_ref_t& marker);
 
   void region_will_change(bool animated) override;
   void region_did_change(bool animated) override;
 
 private:
-  void draw_overlays(const geo_coordinate_t& position, const newest_first_t<geo_coordinate_t>& track);
+  void draw_overlays(const geo_coordinate_t& position, const ring_t<geo_coordinate_t>& track);
   void show_marker(const annotation_ref_t& marker);
 
   map_cfg_t& cfg_;

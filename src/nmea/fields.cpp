@@ -7,7 +7,9 @@
 
 namespace {
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
+bool is_digit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // The value of a run of decimal digits, or false when the field holds anything else. At most 19
 // digits, so the value cannot overflow; longer fields take the general path.
@@ -207,8 +209,4 @@ std::optional<double> parse_coordinate(std::string_view field, int degree_digits
   const auto minutes = parse_double(field.substr(static_cast<std::size_t>(degree_digits)));
   if (!degrees || !minutes) return std::nullopt;
   return *degrees + *minutes / 60.0;
-}
-
-double signed_coordinate(double magnitude, std::string_view hemisphere) {
-  return hemisphere == "S" || hemisphere == "W" ? -magnitude : magnitude;
 }

@@ -84,6 +84,3 @@ std::string_view pick_letter(std::string_view field, std::string_view first, std
 // ddmm.mmmm (degree_digits 2) or dddmm.mmmm (3) as degrees, with no sign applied. An empty field
 // reads as 0.0.
 std::optional<double> parse_coordinate(std::string_view field, int degree_digits);
-
-// A coordinate magnitude turned into the map's signed form: negative for "S" and "W".
-double signed_coordinate(double magnitude, std::string_view hemisphere);

@@ -1,19 +1,26 @@
 #include "nmea/gps_gngga.h"
 
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 #include "nmea/fields.h"
+#include "nmea/position.h"
 #include "nmea/record_units.h"
 
-const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size] = {
-    "invalid", "GPS", "DGPS", "PPS", "Real Time Kinematic", "Float RTK", "estimated (dead reckoning)",
-    "Manual input mode", "Simulation mode"};
-const std::string_view gga_fix_pvt[gps_gngga_t::fix_table_size] = {
-    "no fix", "dead reckoning", "2D fix", "3D fix", "GNSS + dead reckoning", "time only fix",
-    "unknown 6", "unknown 7", "unknown 8"};
-
 namespace {
+
+// GGA fix qualities 0 to 8.
+constexpr std::string_view gga_fix_arr[] = {"invalid",
+                                            "GPS",
+                                            "DGPS",
+                                            "PPS",
+                                            "Real Time Kinematic",
+                                            "Float RTK",
+                                            "estimated (dead reckoning)",
+                                            "Manual input mode",
+                                            "Simulation mode"};
+constexpr auto fix_quality_count = static_cast<std::int64_t>(std::size(gga_fix_arr));
 
 // A decimal with its unit field ("M"): an empty unit skips the pair; any other unit stops the
 // update; a value written without a point stops it; an unreadable value keeps the target.
@@ -30,8 +37,9 @@ bool read_with_unit(std::string_view value, std::string_view unit, double& targe
 }  // namespace
 
 std::string_view gps_gngga_t::fix_text() const {
-  if (fix_i < 0 || fix_i >= static_cast<std::int64_t>(fix_table_size)) return "invalid";
-  return (pvt_mode ? gga_fix_pvt : gga_fix_arr)[fix_i];
+  const auto table = pvt_mode ? std::span<const std::string_view>(ubx_fix_type_text) : std::span(gga_fix_arr);
+  if (fix_i < 0 || fix_i >= static_cast<std::int64_t>(table.size())) return "invalid";
+  return table[static_cast<std::size_t>(fix_i)];
 }
 
 void gps_gngga_t::reset() {
@@ -54,7 +62,7 @@ void gps_gngga_t::reset() {
 
 annotation_ref_t gps_gngga_t::time_annotation() const {
   annotation_ref_t none;
-  return make_annotation(hms_text(time), map_fix, none);
+  return make_annotation(hms_chars(time).view(), map_fix, none);
 }
 
 // $GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77
@@ -67,7 +75,7 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
 
   if (f[6].empty()) return;
   const auto fix = parse_int(f[6]);
-  if (!fix || *fix < 0 || *fix >= static_cast<std::int64_t>(fix_table_size)) return;
+  if (!fix || *fix < 0 || *fix >= fix_quality_count) return;
 
   const auto sats = parse_int(f[7].empty() ? std::string_view("0") : f[7]);
   if (!sats || *sats < 0 || *sats > sat_count_max) return;
@@ -78,28 +86,20 @@ void gps_gngga_t::update(std::span<const std::string_view> f) {
   if (!read_with_unit(f[9], f[10], alt_d)) return;
   if (!read_with_unit(f[11], f[12], mean_sea_level_d)) return;
 
-  const auto ns = pick_letter(f[3], "N", "S", lat_dir);
-  const auto ew = pick_letter(f[5], "E", "W", lon_dir);
-  const double previous_lat = lat;
-  const double previous_lon = lon;
-
-  const auto la = parse_coordinate(f[2], 2);
-  if (!la || *la < -90.0 || *la > 90.0) return;
-  const auto lo = parse_coordinate(f[4], 3);
-  if (!lo || *lo < -180.0 || *lo > 180.0) return;
+  const auto position = read_position(f.subspan(2, 4), lat_dir, lon_dir);
+  if (!position) return;
 
   pvt_mode = false;
   fix_i = *fix;
   sat_count_i = *sats;
   hdop_d = *hdop;
 
-  if (f[2].empty() || f[4].empty()) return;
-  lat_dir = ns;
-  lon_dir = ew;
-  lat = *la;
-  lon = *lo;
+  if (!position->given) return;
+  const double previous_lat = lat;
+  const double previous_lon = lon;
+  store_position(*this, *position);
   push_motion(previous_lat, previous_lon);
-  map_fix = {signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)};
+  map_fix = position->map_coordinate();
   if (*hdop < hdop_no_marker) place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
@@ -111,17 +111,17 @@ void gps_gngga_t::update_posllh(const gps_posllh_t& r) {
   time.set_from_itow(r.iTOW);
   alt_d = r.height / 1000.0;
   mean_sea_level_d = r.hMSL / 1000.0;
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
   push_motion(previous_lat, previous_lon);
-  map_fix = {lat, lon};
+  map_fix = *position;
   place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }
 
 void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
-  if (r.fixType >= fix_table_size) return;
+  if (r.fixType >= std::size(ubx_fix_type_text)) return;
   pvt_mode = true;
   fix_i = r.fixType;
   sat_count_i = r.numSV;
@@ -130,10 +130,10 @@ void gps_gngga_t::update_pvt(const gps_pvt_t& r) {
   mean_sea_level_d = r.hMSL / 1000.0;
   hdop_d = r.pDOP / 100.0;
   if (r.headMot != 0) push_history(direction_history, r.headMot * 1e-5 * std::numbers::pi / 180.0);
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
-  map_fix = {lat, lon};
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
+  map_fix = *position;
   if (r.pDOP < pdop_no_marker) place_marker();
   map_path.add_point(map_fix.latitude, map_fix.longitude, hdop_d);
 }

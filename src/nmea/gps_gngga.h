@@ -14,7 +14,6 @@
 // two short histories of movement, the fix markers and the system's one track.
 class gps_gngga_t final : public gps_decoder_t {
 public:
-  static constexpr std::size_t fix_table_size = 9;
   static constexpr double hdop_max = 99.99;       // largest readable HDOP
   static constexpr double hdop_no_marker = 99.0;  // from this HDOP on no marker is placed
   static constexpr std::int64_t sat_count_max = 36;
@@ -54,7 +53,3 @@ private:
 
   annotation_ref_t spare_marker_;
 };
-
-// "invalid", "GPS", ... for a GGA fix quality; "no fix", "3D fix", ... for a NAV-PVT fix type.
-extern const std::string_view gga_fix_arr[gps_gngga_t::fix_table_size];
-extern const std::string_view gga_fix_pvt[gps_gngga_t::fix_table_size];

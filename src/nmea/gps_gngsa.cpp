@@ -1,7 +1,7 @@
 #include "nmea/gps_gngsa.h"
 
-#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "nmea/fields.h"
 
@@ -9,23 +9,20 @@ namespace {
 
 std::string_view nmea_fix_type(std::uint8_t t) {
   switch (t) {
-    case 1: return "no fix";
-    case 2: return "2D fix";
-    case 3: return "3D fix";
-    default: return {};
+    case 1:
+      return "no fix";
+    case 2:
+      return "2D fix";
+    case 3:
+      return "3D fix";
+    default:
+      return {};
   }
 }
 
+// The NAV-PVT fix type's text, or empty when there is none.
 std::string_view pvt_fix_type(std::uint8_t t) {
-  switch (t) {
-    case 0: return "no fix";
-    case 1: return "dead reckoning";
-    case 2: return "2D fix";
-    case 3: return "3D fix";
-    case 4: return "GNSS + dead reckoning";
-    case 5: return "time only fix";
-    default: return {};
-  }
+  return t < std::size(ubx_fix_type_text) ? ubx_fix_type_text[t] : "";
 }
 
 // The text of a field before "*", with empty pieces dropped: "1.54*10" gives "1.54", "*10" gives
@@ -65,7 +62,7 @@ void gps_gngsa_t::reset() {
   fix_mode_c = "A";
   fix_type_i = 1;
   PRN_arr.modify([](auto& prns) { prns.clear(); });
-  oldest_listed_ = std::numeric_limits<double>::infinity();
+  ageing_.clear();
   pdop_d = 0.0;
   hdop_d = 0.0;
   vdop_d = 0.0;
@@ -92,20 +89,7 @@ void gps_gngsa_t::update(std::span<const std::string_view> f) {
   pvt_mode = false;
 
   const double now = clock_.now_s();
-  if (oldest_listed_ < now - PRN_valid_periode) {
-    double oldest = std::numeric_limits<double>::infinity();
-    for (auto it = PRN_arr->begin(); it != PRN_arr->end();) {
-      if (it->second < now - PRN_valid_periode) {
-        const auto prn = it->first;
-        ++it;
-        PRN_arr.modify([prn](auto& prns) { prns.erase(prn); });
-      } else {
-        oldest = std::min(oldest, it->second);
-        ++it;
-      }
-    }
-    oldest_listed_ = oldest;
-  }
+  ageing_.expire(PRN_arr, now, [](double listed) { return listed; });
 
   if (!store_decimal(f[15], dop_max, pdop_d)) return;
   if (!store_decimal(f[16], dop_max, hdop_d)) return;
@@ -117,7 +101,7 @@ void gps_gngsa_t::update(std::span<const std::string_view> f) {
     if (!prn) continue;
     if (*prn >= prn_limit) break;
     PRN_arr.modify([&](auto& prns) { prns[static_cast<std::uint8_t>(*prn)] = now; });
-    oldest_listed_ = std::min(oldest_listed_, now);
+    ageing_.reported(now);
   }
 }
 

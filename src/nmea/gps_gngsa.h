@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -9,6 +8,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "nmea/gps_protocol.h"
+#include "nmea/report_ageing.h"
 
 // GSA: fix mode, fix type, the PRNs used in the solution (each kept until it has gone unreported
 // for 10 s) and the three DOP values.
@@ -16,7 +16,7 @@ class gps_gngsa_t final : public gps_decoder_t {
 public:
   static constexpr double PRN_valid_periode = 10.0;  // s a PRN stays without a new report
   static constexpr double dop_max = 99.99;
-  static constexpr std::uint8_t prn_limit = 100;     // PRNs from here on end the PRN fields
+  static constexpr std::uint8_t prn_limit = 100;  // PRNs from here on end the PRN fields
 
   explicit gps_gngsa_t(const time_source_t& clock) : clock_(clock) {}
 
@@ -42,7 +42,5 @@ public:
 
 private:
   const time_source_t& clock_;
-  // No PRN in PRN_arr was listed before this time (infinity when it is empty). While it is within
-  // the valid period nothing can expire, and the list is not walked.
-  double oldest_listed_ = std::numeric_limits<double>::infinity();
+  report_ageing_t ageing_{PRN_valid_periode};
 };

@@ -1,6 +1,7 @@
 #include "nmea/gps_gnrmc.h"
 
 #include "nmea/fields.h"
+#include "nmea/position.h"
 #include "nmea/record_units.h"
 
 void gps_gnrmc_t::reset() {
@@ -29,9 +30,6 @@ void gps_gnrmc_t::update(std::span<const std::string_view> f) {
   if (f[2] != "A" && f[2] != "V") return;
   const std::string_view status = f[2] == "A" ? "A" : "V";
 
-  const auto ns = pick_letter(f[4], "N", "S", lat_dir);
-  const auto ew = pick_letter(f[6], "E", "W", lon_dir);
-
   if (!store_decimal(f[7], speed_max, speed_knots)) return;
   if (!store_decimal(f[8], track_max, track_angle)) return;
   if (f[11] == "E" || f[11] == "W") {
@@ -40,26 +38,21 @@ void gps_gnrmc_t::update(std::span<const std::string_view> f) {
     return;
   }
 
-  const auto la = parse_coordinate(f[3], 2);
-  if (!la || *la < -90.0 || *la > 90.0) return;
-  const auto lo = parse_coordinate(f[5], 3);
-  if (!lo || *lo < -180.0 || *lo > 180.0) return;
+  const auto position = read_position(f.subspan(3, 4), lat_dir, lon_dir);
+  if (!position) return;
 
   data_status = status;
-  if (f[3].empty() || f[5].empty()) return;
-  lat_dir = ns;
-  lon_dir = ew;
-  lat = *la;
-  lon = *lo;
-  place_marker({signed_coordinate(lat, lat_dir), signed_coordinate(lon, lon_dir)});
+  if (!position->given) return;
+  store_position(*this, *position);
+  place_marker(position->map_coordinate());
 }
 
 void gps_gnrmc_t::update_posllh(const gps_posllh_t& r) {
   time.set_from_itow(r.iTOW);
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
-  place_marker({lat, lon});
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
+  place_marker(*position);
 }
 
 void gps_gnrmc_t::update_pvt(const gps_pvt_t& r) {
@@ -68,11 +61,10 @@ void gps_gnrmc_t::update_pvt(const gps_pvt_t& r) {
   magnetic_variation = r.magDec / 100.0;
   time.set(r.hour, r.min, r.sec, 0);
   date.set(r.year, r.month, r.day);
-  if (r.lat == 0 || r.lon == 0) return;
-  lat = record_degrees(r.lat);
-  lon = record_degrees(r.lon);
-  if (r.pDOP >= pdop_no_marker) return;
-  place_marker({lat, lon});
+  const auto position = record_position(r.lat, r.lon);
+  if (!position) return;
+  store_position(*this, *position);
+  if (r.pDOP < pdop_no_marker) place_marker(*position);
 }
 
 void gps_gnrmc_t::place_marker(geo_coordinate_t where) {

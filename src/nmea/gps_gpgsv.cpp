@@ -1,6 +1,5 @@
 #include "nmea/gps_gpgsv.h"
 
-#include <algorithm>
 #include <cstdio>
 
 #include "nmea/fields.h"
@@ -8,9 +7,9 @@
 
 std::string gps_gpgsv_satellite_t::description() const {
   char text[64];
-  const int n = std::snprintf(text, sizeof text, "%2u  elevation %2u  azimuth %3u  SNR %2u", static_cast<unsigned>(prn),
-                              static_cast<unsigned>(elevation), static_cast<unsigned>(azimuth),
-                              static_cast<unsigned>(snr));
+  const int n =
+      std::snprintf(text, sizeof text, "%2u  elevation %2u  azimuth %3u  SNR %2u", static_cast<unsigned>(prn),
+                    static_cast<unsigned>(elevation), static_cast<unsigned>(azimuth), static_cast<unsigned>(snr));
   return std::string(text, static_cast<std::size_t>(n));
 }
 
@@ -19,7 +18,7 @@ void gps_gpgsv_t::reset() {
   sentence_last = 0;
   satellites_in_view = 0;
   satellite_arr.modify([](auto& table) { table.clear(); });
-  oldest_report_ = std::numeric_limits<double>::infinity();
+  ageing_.clear();
 }
 
 // $GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00*74
@@ -42,21 +41,7 @@ void gps_gpgsv_t::update(std::span<const std::string_view> f) {
   }
 
   const double now = clock_.now_s();
-  if (oldest_report_ < now - satellite_valid_periode) {
-    double oldest = std::numeric_limits<double>::infinity();
-    for (auto it = satellite_arr->begin(); it != satellite_arr->end();) {
-      const auto prn = it->first;
-      const double time = it->second->time;
-      const bool expired = time < now - satellite_valid_periode;
-      ++it;
-      if (expired) {
-        satellite_arr.modify([prn](auto& table) { table.erase(prn); });
-      } else {
-        oldest = std::min(oldest, time);
-      }
-    }
-    oldest_report_ = oldest;
-  }
+  ageing_.expire(satellite_arr, now, [](const satellite_ref_t& s) { return s->time; });
 
   for (std::size_t g = 1; g <= 4; ++g) {
     const std::size_t at = 4 * g;
@@ -88,7 +73,7 @@ void gps_gpgsv_t::update(std::span<const std::string_view> f) {
 }
 
 void gps_gpgsv_t::enter(const gps_gpgsv_satellite_t& report) {
-  oldest_report_ = std::min(oldest_report_, report.time);
+  ageing_.reported(report.time);
   satellite_arr.modify([&](auto& table) {
     auto& slot = table[report.prn];
     if (slot && slot.use_count() == 1) {
@@ -100,4 +85,6 @@ void gps_gpgsv_t::enter(const gps_gpgsv_satellite_t& report) {
   });
 }
 
-void gps_gpgsv_t::update_pvt(const gps_pvt_t& r) { satellites_in_view = r.numSV; }
+void gps_gpgsv_t::update_pvt(const gps_pvt_t& r) {
+  satellites_in_view = r.numSV;
+}

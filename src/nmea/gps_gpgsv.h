@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -10,6 +9,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "nmea/gps_protocol.h"
+#include "nmea/report_ageing.h"
 
 // One report of one satellite. Readers may keep it: it never changes while anyone else holds it.
 struct gps_gpgsv_satellite_t {
@@ -32,9 +32,9 @@ public:
   static constexpr std::uint8_t sentence_count_max = 9;
   static constexpr std::uint8_t in_view_max = 36;
   static constexpr std::uint8_t prn_limit = 100;
-  static constexpr std::uint8_t elevation_max = 90;   // degrees
-  static constexpr std::uint16_t azimuth_max = 360;   // degrees
-  static constexpr std::uint8_t snr_limit = 100;      // dB-Hz
+  static constexpr std::uint8_t elevation_max = 90;  // degrees
+  static constexpr std::uint16_t azimuth_max = 360;  // degrees
+  static constexpr std::uint8_t snr_limit = 100;     // dB-Hz
 
   explicit gps_gpgsv_t(const time_source_t& clock) : clock_(clock) {}
 
@@ -53,7 +53,5 @@ private:
   void enter(const gps_gpgsv_satellite_t& report);
 
   const time_source_t& clock_;
-  // No satellite in satellite_arr was reported before this time (infinity when it is empty).
-  // While it is within the valid period nothing can expire, and the table is not walked.
-  double oldest_report_ = std::numeric_limits<double>::infinity();
+  report_ageing_t ageing_{satellite_valid_periode};
 };

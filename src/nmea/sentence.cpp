@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "nmea/word_scan.h"
+#include "core/word_scan.h"
 
 namespace {
 
@@ -14,7 +14,9 @@ int hex_value(char c) {
   return -1;
 }
 
-std::uint8_t byte_at(std::string_view text, std::size_t i) { return static_cast<std::uint8_t>(text[i]); }
+std::uint8_t byte_at(std::string_view text, std::size_t i) {
+  return static_cast<std::uint8_t>(text[i]);
+}
 
 // A checksum can only be valid with its one "*" third from the end, so the scan looks for a "*"
 // anywhere else (a second one, or one in the wrong place) and for the XOR of the whole line;
@@ -57,31 +59,24 @@ private:
   bool stray_star_ = false;
 };
 
-struct no_fields_t {
-  static constexpr bool wanted = false;
-  void operator()(const char*, std::size_t) {}
-};
-
-struct vector_fields_t {
-  static constexpr bool wanted = true;
-  std::vector<std::string_view>& fields;
-  void operator()(const char* text, std::size_t size) { fields.emplace_back(text, size); }
-};
-
-struct span_fields_t {
-  static constexpr bool wanted = true;
-  std::span<std::string_view> fields;
-  std::size_t count = 0;
+// Stores the fields that fit and counts them all.
+class field_store_t {
+public:
+  explicit field_store_t(std::span<std::string_view> fields) : fields_(fields) {}
   void operator()(const char* text, std::size_t size) {
-    if (count < fields.size()) fields[count] = std::string_view(text, size);
-    ++count;
+    if (count_ < fields_.size()) fields_[count_] = std::string_view(text, size);
+    ++count_;
   }
+  std::size_t count() const { return count_; }
+
+private:
+  std::span<std::string_view> fields_;
+  std::size_t count_ = 0;
 };
 
-// The one pass behind the public functions, eight bytes at a time where word_scan allows. Each
-// caller switches on only what it needs; the rest compiles away.
-template <bool count_chars, bool check_sum, class Fields>
-void scan(std::string_view line, std::size_t& characters, checksum_scan_t& checksum, Fields& fields) {
+// The one pass over a line, eight bytes at a time where word_scan allows: characters, checksum
+// and fields together.
+void scan(std::string_view line, std::size_t& characters, checksum_scan_t& checksum, field_store_t& fields) {
   const char* text = line.data();
   const std::size_t size = line.size();
   std::size_t continuation = 0;
@@ -92,65 +87,60 @@ void scan(std::string_view line, std::size_t& characters, checksum_scan_t& check
     for (; i + 8 <= size; i += 8) {
       const auto w = word_scan::load(text + i);
       // A continuation byte is 10xxxxxx; ASCII words have none.
-      if (count_chars && (w & word_scan::high) != 0)
-        continuation += static_cast<std::size_t>(std::popcount(word_scan::bytes_equal(w & top_two, static_cast<char>(0x80))));
-      if (check_sum) checksum.word(i, w);
-      if constexpr (Fields::wanted) {
-        for (auto commas = word_scan::bytes_equal(w, ','); commas != 0; commas &= commas - 1) {
-          const std::size_t at = i + word_scan::first_marked(commas);
-          fields(text + start, at - start);
-          start = at + 1;
-        }
+      if ((w & word_scan::high) != 0)
+        continuation +=
+            static_cast<std::size_t>(std::popcount(word_scan::bytes_equal(w & top_two, static_cast<char>(0x80))));
+      checksum.word(i, w);
+      for (auto commas = word_scan::bytes_equal(w, ','); commas != 0; commas &= commas - 1) {
+        const std::size_t at = i + word_scan::first_marked(commas);
+        fields(text + start, at - start);
+        start = at + 1;
       }
     }
   }
   for (; i < size; ++i) {
     const auto b = static_cast<std::uint8_t>(text[i]);
-    if (count_chars) continuation += (b & 0xC0) == 0x80 ? 1 : 0;
-    if (check_sum) checksum.byte(i, b);
-    if (Fields::wanted && b == ',') {
+    continuation += (b & 0xC0) == 0x80 ? 1 : 0;
+    checksum.byte(i, b);
+    if (b == ',') {
       fields(text + start, i - start);
       start = i + 1;
     }
   }
-  if constexpr (Fields::wanted) fields(text + start, size - start);
+  fields(text + start, size - start);
   characters = size - continuation;
 }
 
 }  // namespace
 
-std::size_t count_characters(std::string_view text) {
-  std::size_t characters = 0;
-  checksum_scan_t checksum(text);
-  no_fields_t fields;
-  scan<true, false>(text, characters, checksum, fields);
-  return characters;
-}
-
-bool checksum_valid(std::string_view line) {
-  std::size_t characters = 0;
-  checksum_scan_t checksum(line);
-  no_fields_t fields;
-  scan<false, true>(line, characters, checksum, fields);
-  return checksum.valid();
-}
-
-void split_fields(std::string_view line, std::vector<std::string_view>& fields) {
-  fields.clear();
-  std::size_t characters = 0;
-  checksum_scan_t checksum(line);
-  vector_fields_t out{fields};
-  scan<false, false>(line, characters, checksum, out);
-}
-
 sentence_scan_t scan_sentence(std::string_view line, std::span<std::string_view> fields) {
   sentence_scan_t result;
   checksum_scan_t checksum(line);
-  span_fields_t out{fields};
-  scan<true, true>(line, result.characters, checksum, out);
+  field_store_t store(fields);
+  scan(line, result.characters, checksum, store);
   result.checksum_ok = checksum.valid();
-  result.field_count = out.count;
+  result.field_count = store.count();
   return result;
+}
+
+std::size_t count_characters(std::string_view text) {
+  return scan_sentence(text, {}).characters;
+}
+
+std::uint8_t body_checksum(std::string_view body) {
+  std::uint8_t sum = 0;
+  for (const char c : body) sum ^= static_cast<std::uint8_t>(c);
+  return sum;
+}
+
+std::string with_checksum(std::string_view sentence) {
+  constexpr std::string_view hex_digits = "0123456789ABCDEF";
+  const auto sum = body_checksum(sentence.substr(sentence.empty() ? 0 : 1));
+  std::string out(sentence);
+  out += '*';
+  out += hex_digits[sum >> 4];
+  out += hex_digits[sum & 0xF];
+  return out;
 }
 
 std::string_view strip_checksum(std::string_view field) {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 // UTC time of day as the receiver reports it. A decoder keeps one for its whole life and changes
@@ -38,17 +37,14 @@ struct date_ymd_t {
   bool operator==(const date_ymd_t&) const = default;
 };
 
-// "12:35:19", the time of a fix as markers and screens show it.
-std::string hms_text(const time_hms_t& t);
-// "2024-03-23", the date of a fix as markers and screens show it.
-std::string ymd_text(const date_ymd_t& d);
-
-// The same texts in a buffer of their own, for the marker titles made for every fix without
-// building a string first.
+// The time or date of a fix as markers and screens show it, in a buffer of its own: the marker
+// titles are made for every fix without building a string first.
 struct fix_text_t {
   char text[32];
   std::size_t size;
   std::string_view view() const { return {text, size}; }
 };
+// "12:35:19"
 fix_text_t hms_chars(const time_hms_t& t);
+// "2024-03-23"
 fix_text_t ymd_chars(const date_ymd_t& d);

@@ -5,15 +5,24 @@
 
 std::string_view text(gps_bin_return_t result) {
   switch (result) {
-    case gps_bin_return_t::need_more_data: return "need more data";
-    case gps_bin_return_t::ok: return "ok";
-    case gps_bin_return_t::chk_ignored: return "checksum ignored";
-    case gps_bin_return_t::chk_invalid: return "checksum invalid";
-    case gps_bin_return_t::invalid_size: return "invalid size";
-    case gps_bin_return_t::invalid_length: return "invalid length";
-    case gps_bin_return_t::invalid_data: return "invalid data";
-    case gps_bin_return_t::unsupported_type: return "unsupported type";
-    case gps_bin_return_t::malformed: return "malformed";
+    case gps_bin_return_t::need_more_data:
+      return "need more data";
+    case gps_bin_return_t::ok:
+      return "ok";
+    case gps_bin_return_t::chk_ignored:
+      return "checksum ignored";
+    case gps_bin_return_t::chk_invalid:
+      return "checksum invalid";
+    case gps_bin_return_t::invalid_size:
+      return "invalid size";
+    case gps_bin_return_t::invalid_length:
+      return "invalid length";
+    case gps_bin_return_t::invalid_data:
+      return "invalid data";
+    case gps_bin_return_t::unsupported_type:
+      return "unsupported type";
+    case gps_bin_return_t::malformed:
+      return "malformed";
   }
   return "malformed";
 }
@@ -44,10 +53,10 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
     if (h == 0) {
       std::size_t at = i;
       if (n - i >= long_run) {
-        const auto* sync = static_cast<const std::uint8_t*>(std::memchr(bytes + i, header_ubx[0], n - i));
+        const auto* sync = static_cast<const std::uint8_t*>(std::memchr(bytes + i, ubx_sync[0], n - i));
         at = sync == nullptr ? n : static_cast<std::size_t>(sync - bytes);
       } else {
-        while (at < n && bytes[at] != header_ubx[0]) ++at;
+        while (at < n && bytes[at] != ubx_sync[0]) ++at;
       }
       if (at > i) abandon();
       i = at;
@@ -58,7 +67,7 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
     }
     // The second sync byte: a byte that breaks the sequence is dropped, not tried as a first one.
     if (h == 1) {
-      if (bytes[i] == header_ubx[1]) {
+      if (bytes[i] == ubx_sync[1]) {
         h = 2;
       } else {
         abandon();
@@ -81,22 +90,21 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
       continue;
     }
 
+    // The class and id, or a checksum byte: the image between them is copied above.
     const std::uint8_t b = bytes[i++];
     if (d < size_data) data[static_cast<std::size_t>(d)] = b;
     ++d;
     if (d == 2) {
-      if (data[0] == header_posllh[0] && data[1] == header_posllh[1]) {
+      if (data[0] == ubx_class_nav && data[1] == gps_posllh_t::message_id) {
         type = gps_bin_format_t::posllh;
         size_data = gps_posllh_t::image_size;
-      } else if (data[0] == header_pvt[0] && data[1] == header_pvt[1]) {
+      } else if (data[0] == ubx_class_nav && data[1] == gps_pvt_t::message_id) {
         type = gps_bin_format_t::pvt;
         size_data = gps_pvt_t::image_size;
       } else {
         abandon();
         result = gps_bin_return_t::unsupported_type;
       }
-    } else if (d == size_data) {
-      checksum();
     } else if (d == size_data + 1) {
       if (b != chk[0]) {
         if (chk_ignore) {
@@ -116,44 +124,31 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
         abandon();
         result = gps_bin_return_t::chk_invalid;
       }
-    } else if (d > size_data + 2) {
-      abandon();
     }
   }
   return result;
 }
 
-// The Fletcher checksum of the record image, from its class byte to the end of its payload.
-// Both sums are kept wider than a byte and cut at the end: only their low eight bits count.
 void gps_bin_t::checksum() {
-  std::uint32_t ck_a = 0;
-  std::uint32_t ck_b = 0;
-  const auto size = static_cast<std::size_t>(size_data);
-  for (std::size_t i = 0; i < size; ++i) {
-    ck_a += data[i];
-    ck_b += ck_a;
-  }
-  chk = {static_cast<std::uint8_t>(ck_a), static_cast<std::uint8_t>(ck_b)};
+  chk = ubx_checksum(std::span(data).first(static_cast<std::size_t>(size_data)));
 }
 
-gps_bin_return_t gps_bin_t::decode_frame() {
-  const auto image = std::span<const std::uint8_t>(data).first(static_cast<std::size_t>(size_data));
-  if (type == gps_bin_format_t::none) return gps_bin_return_t::malformed;
-  h = 0;
-  d = 0;
-  if (type == gps_bin_format_t::posllh) {
-    if (image.size() != gps_posllh_t::image_size) return gps_bin_return_t::invalid_size;
-    posllh = gps_posllh_t::from_image(image.first<gps_posllh_t::image_size>());
-    if (posllh.length + 4u != gps_posllh_t::image_size) return gps_bin_return_t::invalid_length;
-    if (!posllh.is_plausible()) return gps_bin_return_t::invalid_data;
-    for (auto* receiver : arr_update) receiver->update_posllh(posllh);
-  } else {
-    if (image.size() != gps_pvt_t::image_size) return gps_bin_return_t::invalid_size;
-    pvt = gps_pvt_t::from_image(image.first<gps_pvt_t::image_size>());
-    if (pvt.length + 4u != gps_pvt_t::image_size) return gps_bin_return_t::invalid_length;
-    if (!pvt.is_valid()) return gps_bin_return_t::invalid_data;
-    for (auto* receiver : arr_update) receiver->update_pvt(pvt);
-  }
+// The length field and the plausibility rules are checked after the checksum; a record that passes
+// them reaches every receiver in list order.
+template <class Record>
+gps_bin_return_t gps_bin_t::pass_on(Record& record, void (gps_protocol_bin_t::*update)(const Record&)) {
+  record = Record::from_image(std::span(data).template first<Record::image_size>());
+  if (record.length != Record::payload_length) return gps_bin_return_t::invalid_length;
+  if (!record.is_plausible()) return gps_bin_return_t::invalid_data;
+  for (auto* receiver : arr_update) (receiver->*update)(record);
   decoded_type = type;
   return chk_ignored ? gps_bin_return_t::chk_ignored : gps_bin_return_t::ok;
+}
+
+// The frame's kind was set from its class and id, so the image has that record's size.
+gps_bin_return_t gps_bin_t::decode_frame() {
+  h = 0;
+  d = 0;
+  if (type == gps_bin_format_t::posllh) return pass_on(posllh, &gps_protocol_bin_t::update_posllh);
+  return pass_on(pvt, &gps_protocol_bin_t::update_pvt);
 }

@@ -6,24 +6,23 @@
 #include <string_view>
 #include <vector>
 
-#include "core/observable.h"
 #include "ubx/gps_protocol_bin.h"
 #include "ubx/records.h"
 
-// The kind of a record, by its UBX message id.
-enum class gps_bin_format_t : std::uint8_t { none = 0, posllh = 2, pvt = 7 };
+// The kind of a record.
+enum class gps_bin_format_t : std::uint8_t { none, posllh, pvt };
 
 // The result of decoding one chunk: that of the last frame-level event in it.
 enum class gps_bin_return_t : std::int8_t {
-  need_more_data = -1,  // no frame ended in this chunk
-  ok = 0,               // a record was decoded and delivered
-  chk_ignored = 1,      // as ok, but a checksum byte did not match and chk_ignore was on
-  chk_invalid = 2,      // a checksum byte did not match; frame dropped
-  invalid_size = 3,     // the record image does not have the record's size
-  invalid_length = 4,   // the length field is not the record's payload length
-  invalid_data = 5,     // the record failed its plausibility check
-  unsupported_type = 6, // neither NAV-POSLLH nor NAV-PVT; frame skipped
-  malformed = 7,        // a frame completed without a known record kind
+  need_more_data = -1,   // no frame ended in this chunk
+  ok = 0,                // a record was decoded and delivered
+  chk_ignored = 1,       // as ok, but a checksum byte did not match and chk_ignore was on
+  chk_invalid = 2,       // a checksum byte did not match; frame dropped
+  invalid_size = 3,      // the record image does not have the record's size
+  invalid_length = 4,    // the length field is not the record's payload length
+  invalid_data = 5,      // the record failed its plausibility check
+  unsupported_type = 6,  // neither NAV-POSLLH nor NAV-PVT; frame skipped
+  malformed = 7,         // a frame completed without a known record kind
 };
 
 std::string_view text(gps_bin_return_t result);
@@ -32,12 +31,8 @@ std::string_view text(gps_bin_return_t result);
 // hands NAV-POSLLH and NAV-PVT records that pass their checks to the receivers, in list order.
 // The end of a frame follows from the record size that class and id fix; the length field is only
 // checked after the checksum.
-class gps_bin_t final : public observable_t {
+class gps_bin_t final {
 public:
-  static constexpr std::array<std::uint8_t, 2> header_ubx = {0xB5, 0x62};
-  static constexpr std::array<std::uint8_t, 2> header_posllh = {0x01, 0x02};
-  static constexpr std::array<std::uint8_t, 2> header_pvt = {0x01, 0x07};
-
   explicit gps_bin_t(std::vector<gps_protocol_bin_t*> receivers) : arr_update(std::move(receivers)) {}
 
   // Consumes the whole chunk; state carries over to the next call.
@@ -60,5 +55,7 @@ public:
 private:
   void abandon();
   void checksum();
+  template <class Record>
+  gps_bin_return_t pass_on(Record& record, void (gps_protocol_bin_t::*update)(const Record&));
   gps_bin_return_t decode_frame();
 };

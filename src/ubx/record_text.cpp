@@ -92,11 +92,16 @@ private:
 
 // The record's name by its id alone, whatever its class.
 std::string_view label(std::uint8_t id) {
+  constexpr std::uint8_t posecef_id = 0x01;
   switch (id) {
-    case 1: return "POSECEF";
-    case 2: return "POSLLH";
-    case 7: return "PVT";
-    default: return "?";
+    case posecef_id:
+      return "POSECEF";
+    case gps_posllh_t::message_id:
+      return "POSLLH";
+    case gps_pvt_t::message_id:
+      return "PVT";
+    default:
+      return "?";
   }
 }
 
@@ -163,16 +168,4 @@ void append_text(std::string& out, const gps_pvt_t& r) {
   w.text("heading of vehicle ").fixed(r.headVeh, deg_1e5, 4).text("  nano sec").number(r.nano, 11);
   w.text("  UTC ").number(r.year, 4).text("-").zero_padded(r.month, 2).text("-").zero_padded(r.day, 2);
   w.text(" ").zero_padded(r.hour, 2).text(":").zero_padded(r.min, 2).text(":").zero_padded(r.sec, 2).text("\n");
-}
-
-std::string text(const gps_posllh_t& record) {
-  std::string out;
-  append_text(out, record);
-  return out;
-}
-
-std::string text(const gps_pvt_t& record) {
-  std::string out;
-  append_text(out, record);
-  return out;
 }

@@ -6,9 +6,6 @@
 
 // The multi-line display text of a record, as the log shows it: a header line with class, id,
 // label, length, iTOW and the GPS weekday and time, then the record's values in fixed columns.
-// Each line ends in a newline. The append forms write into a buffer the caller reuses.
+// Each line ends in a newline. The text is appended to a buffer the caller reuses.
 void append_text(std::string& out, const gps_posllh_t& record);
 void append_text(std::string& out, const gps_pvt_t& record);
-
-std::string text(const gps_posllh_t& record);
-std::string text(const gps_pvt_t& record);

@@ -1,103 +1,129 @@
 #include "ubx/records.h"
 
+#include <algorithm>
+#include <concepts>
 #include <iterator>
+#include <type_traits>
 
 namespace {
+
+// Each record's fields in wire order. This is the one statement of each layout: from_image reads
+// by it and image_of writes by it. Each field takes as many bytes as its type.
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_posllh_t>
+void for_each_field(R& r, F&& f) {
+  f(r.cls), f(r.id), f(r.length), f(r.iTOW), f(r.lon), f(r.lat), f(r.height), f(r.hMSL), f(r.hAcc), f(r.vAcc);
+}
+
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_pvt_t>
+void for_each_field(R& r, F&& f) {
+  f(r.cls), f(r.id), f(r.length), f(r.iTOW), f(r.year), f(r.month), f(r.day), f(r.hour), f(r.min), f(r.sec);
+  f(r.valid), f(r.tAcc), f(r.nano), f(r.fixType), f(r.flags), f(r.flags2), f(r.numSV), f(r.lon), f(r.lat);
+  f(r.height), f(r.hMSL), f(r.hAcc), f(r.vAcc), f(r.velN), f(r.velE), f(r.velD), f(r.gSpeed), f(r.headMot);
+  f(r.sAcc), f(r.headAcc), f(r.pDOP), f(r.flags3), f(r.reserved1), f(r.headVeh), f(r.magDec), f(r.magAcc);
+}
 
 // Reads little-endian fields one after another from a record image.
 class image_reader_t {
 public:
   explicit image_reader_t(std::span<const std::uint8_t> image) : image_(image) {}
 
-  std::uint8_t u8() { return image_[at_++]; }
-  std::uint16_t u16() {
-    const auto lo = u8();
-    return static_cast<std::uint16_t>(lo | (u8() << 8));
+  template <std::integral T>
+  void operator()(T& field) {
+    std::uint32_t v = 0;
+    for (std::size_t k = 0; k < sizeof(T); ++k) v |= std::uint32_t{image_[at_++]} << (8 * k);
+    field = static_cast<T>(static_cast<std::make_unsigned_t<T>>(v));
   }
-  std::uint32_t u32() {
-    const std::uint32_t lo = u16();
-    return lo | (static_cast<std::uint32_t>(u16()) << 16);
-  }
-  std::int16_t i16() { return static_cast<std::int16_t>(u16()); }
-  std::int32_t i32() { return static_cast<std::int32_t>(u32()); }
 
 private:
   std::span<const std::uint8_t> image_;
   std::size_t at_ = 0;
 };
 
+// Writes little-endian fields one after another into a record image.
+class image_writer_t {
+public:
+  explicit image_writer_t(std::span<std::uint8_t> image) : image_(image) {}
+
+  template <std::integral T>
+  void operator()(T field) {
+    const std::uint32_t v = static_cast<std::make_unsigned_t<T>>(field);
+    for (std::size_t k = 0; k < sizeof(T); ++k) image_[at_++] = static_cast<std::uint8_t>(v >> (8 * k));
+  }
+
+private:
+  std::span<std::uint8_t> image_;
+  std::size_t at_ = 0;
+};
+
+template <class Record>
+Record read_image(std::span<const std::uint8_t> image) {
+  Record r;
+  for_each_field(r, image_reader_t(image));
+  return r;
+}
+
+template <class Record>
+std::array<std::uint8_t, Record::image_size> write_image(const Record& r) {
+  std::array<std::uint8_t, Record::image_size> image{};
+  for_each_field(r, image_writer_t(image));
+  return image;
+}
+
+bool within(std::int32_t value, std::int32_t limit) {
+  return value >= -limit && value <= limit;
+}
+
 }  // namespace
 
 gps_posllh_t gps_posllh_t::from_image(std::span<const std::uint8_t, image_size> image) {
-  image_reader_t r(image);
-  gps_posllh_t p;
-  p.cls = r.u8();
-  p.id = r.u8();
-  p.length = r.u16();
-  p.iTOW = r.u32();
-  p.lon = r.i32();
-  p.lat = r.i32();
-  p.height = r.i32();
-  p.hMSL = r.i32();
-  p.hAcc = r.u32();
-  p.vAcc = r.u32();
-  return p;
+  return read_image<gps_posllh_t>(image);
 }
 
 gps_pvt_t gps_pvt_t::from_image(std::span<const std::uint8_t, image_size> image) {
-  image_reader_t r(image);
-  gps_pvt_t p;
-  p.cls = r.u8();
-  p.id = r.u8();
-  p.length = r.u16();
-  p.iTOW = r.u32();
-  p.year = r.u16();
-  p.month = r.u8();
-  p.day = r.u8();
-  p.hour = r.u8();
-  p.min = r.u8();
-  p.sec = r.u8();
-  p.valid = r.u8();
-  p.tAcc = r.u32();
-  p.nano = r.i32();
-  p.fixType = r.u8();
-  p.flags = r.u8();
-  p.flags2 = r.u8();
-  p.numSV = r.u8();
-  p.lon = r.i32();
-  p.lat = r.i32();
-  p.height = r.i32();
-  p.hMSL = r.i32();
-  p.hAcc = r.u32();
-  p.vAcc = r.u32();
-  p.velN = r.i32();
-  p.velE = r.i32();
-  p.velD = r.i32();
-  p.gSpeed = r.i32();
-  p.headMot = r.i32();
-  p.sAcc = r.u32();
-  p.headAcc = r.u32();
-  p.pDOP = r.u16();
-  p.flags3 = r.u16();
-  p.reserved1 = r.u32();
-  p.headVeh = r.i32();
-  p.magDec = r.i16();
-  p.magAcc = r.u16();
-  return p;
+  return read_image<gps_pvt_t>(image);
+}
+
+std::array<std::uint8_t, gps_posllh_t::image_size> image_of(const gps_posllh_t& record) {
+  return write_image(record);
+}
+
+std::array<std::uint8_t, gps_pvt_t::image_size> image_of(const gps_pvt_t& record) {
+  return write_image(record);
+}
+
+// Both sums are kept wider than a byte and cut at the end: only their low eight bits count.
+std::array<std::uint8_t, 2> ubx_checksum(std::span<const std::uint8_t> image) {
+  std::uint32_t ck_a = 0;
+  std::uint32_t ck_b = 0;
+  for (const auto byte : image) {
+    ck_a += byte;
+    ck_b += ck_a;
+  }
+  return {static_cast<std::uint8_t>(ck_a), static_cast<std::uint8_t>(ck_b)};
+}
+
+std::vector<std::uint8_t> frame_of(std::span<const std::uint8_t> image) {
+  const auto checksum = ubx_checksum(image);
+  std::vector<std::uint8_t> frame(ubx_sync.size() + image.size() + checksum.size());
+  auto at = std::copy(ubx_sync.begin(), ubx_sync.end(), frame.begin());
+  at = std::copy(image.begin(), image.end(), at);
+  std::copy(checksum.begin(), checksum.end(), at);
+  return frame;
 }
 
 bool gps_posllh_t::is_plausible() const {
-  return lat >= -lat_limit && lat <= lat_limit && lon >= -lon_limit && lon <= lon_limit;
+  return within(lat, lat_limit) && within(lon, lon_limit);
 }
 
-bool gps_pvt_t::is_valid() const {
+bool gps_pvt_t::is_plausible() const {
   constexpr unsigned max_satellites = 36;
   constexpr unsigned max_pdop = 9999;  // 0.01 units
   if (numSV > max_satellites) return false;
   if (pDOP > max_pdop) return false;
   if (fixType >= std::size(ubx_fix_type_text)) return false;
-  if (lat < -lat_limit || lat > lat_limit) return false;
-  if (lon < -lon_limit || lon > lon_limit) return false;
+  if (!within(lat, lat_limit) || !within(lon, lon_limit)) return false;
   if (month < 1 || month > 12) return false;
   if (day < 1 || day > 31) return false;
   if (hour > 23) return false;

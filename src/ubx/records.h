@@ -1,28 +1,36 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 // The two UBX navigation records, each the image of a frame from its class byte to the end of its
-// payload. Multi-byte fields are little-endian on the wire and are read as such on any host.
+// payload. Multi-byte fields are little-endian on the wire and are read and written as such on
+// any host.
+
+// A frame: the two sync bytes, the record image, then the image's Fletcher checksum.
+inline constexpr std::array<std::uint8_t, 2> ubx_sync = {0xB5, 0x62};
+inline constexpr std::uint8_t ubx_class_nav = 0x01;
 
 // NAV-POSLLH: geodetic position. 32-byte image, payload length 28.
 struct gps_posllh_t {
   static constexpr std::size_t image_size = 32;
+  static constexpr std::uint16_t payload_length = image_size - 4;
   static constexpr std::uint8_t message_id = 0x02;
 
   std::uint8_t cls = 0;
   std::uint8_t id = 0;
   std::uint16_t length = 0;
-  std::uint32_t iTOW = 0;    // GPS time of week, ms
-  std::int32_t lon = 0;      // 1e-7 degree
-  std::int32_t lat = 0;      // 1e-7 degree
-  std::int32_t height = 0;   // above the ellipsoid, mm
-  std::int32_t hMSL = 0;     // above mean sea level, mm
-  std::uint32_t hAcc = 0;    // mm
-  std::uint32_t vAcc = 0;    // mm
+  std::uint32_t iTOW = 0;   // GPS time of week, ms
+  std::int32_t lon = 0;     // 1e-7 degree
+  std::int32_t lat = 0;     // 1e-7 degree
+  std::int32_t height = 0;  // above the ellipsoid, mm
+  std::int32_t hMSL = 0;    // above mean sea level, mm
+  std::uint32_t hAcc = 0;   // mm
+  std::uint32_t vAcc = 0;   // mm
 
   static gps_posllh_t from_image(std::span<const std::uint8_t, image_size> image);
   // Latitude within +-90 and longitude within +-180 degrees; nothing else is checked.
@@ -33,22 +41,23 @@ struct gps_posllh_t {
 // NAV-PVT: position, velocity, time, fix type and DOP. 96-byte image, payload length 92.
 struct gps_pvt_t {
   static constexpr std::size_t image_size = 96;
+  static constexpr std::uint16_t payload_length = image_size - 4;
   static constexpr std::uint8_t message_id = 0x07;
 
   std::uint8_t cls = 0;
   std::uint8_t id = 0;
   std::uint16_t length = 0;
-  std::uint32_t iTOW = 0;     // GPS time of week, ms
-  std::uint16_t year = 0;     // UTC
-  std::uint8_t month = 0;     // 1..12
-  std::uint8_t day = 0;       // 1..31
-  std::uint8_t hour = 0;      // 0..23
-  std::uint8_t min = 0;       // 0..59
-  std::uint8_t sec = 0;       // 0..59
-  std::uint8_t valid = 0;     // validity flags of date and time
-  std::uint32_t tAcc = 0;     // ns
-  std::int32_t nano = 0;      // fraction of the second, ns
-  std::uint8_t fixType = 0;   // index into ubx_fix_type_text
+  std::uint32_t iTOW = 0;    // GPS time of week, ms
+  std::uint16_t year = 0;    // UTC
+  std::uint8_t month = 0;    // 1..12
+  std::uint8_t day = 0;      // 1..31
+  std::uint8_t hour = 0;     // 0..23
+  std::uint8_t min = 0;      // 0..59
+  std::uint8_t sec = 0;      // 0..59
+  std::uint8_t valid = 0;    // validity flags of date and time
+  std::uint32_t tAcc = 0;    // ns
+  std::int32_t nano = 0;     // fraction of the second, ns
+  std::uint8_t fixType = 0;  // index into ubx_fix_type_text
   std::uint8_t flags = 0;
   std::uint8_t flags2 = 0;
   std::uint8_t numSV = 0;     // satellites used
@@ -68,22 +77,31 @@ struct gps_pvt_t {
   std::uint16_t pDOP = 0;     // 0.01
   std::uint16_t flags3 = 0;
   std::uint32_t reserved1 = 0;
-  std::int32_t headVeh = 0;   // 1e-5 degree
-  std::int16_t magDec = 0;    // 0.01 degree
-  std::uint16_t magAcc = 0;   // 0.01 degree
+  std::int32_t headVeh = 0;  // 1e-5 degree
+  std::int16_t magDec = 0;   // 0.01 degree
+  std::uint16_t magAcc = 0;  // 0.01 degree
 
   static gps_pvt_t from_image(std::span<const std::uint8_t, image_size> image);
   // Satellites, DOP, fix type, position and the UTC date and time within their ranges, checked in
   // that order. The validity flags are not consulted.
-  bool is_valid() const;
+  bool is_plausible() const;
   bool operator==(const gps_pvt_t&) const = default;
 };
 
-inline constexpr std::int32_t lat_limit = 900'000'000;   // 1e-7 degree
-inline constexpr std::int32_t lon_limit = 1'800'000'000; // 1e-7 degree
+// The image of a record, the inverse of from_image.
+std::array<std::uint8_t, gps_posllh_t::image_size> image_of(const gps_posllh_t& record);
+std::array<std::uint8_t, gps_pvt_t::image_size> image_of(const gps_pvt_t& record);
+
+// CK_A and CK_B of a record image, from its class byte to the end of its payload.
+std::array<std::uint8_t, 2> ubx_checksum(std::span<const std::uint8_t> image);
+// The whole frame of a record image: sync bytes, the image, its checksum.
+std::vector<std::uint8_t> frame_of(std::span<const std::uint8_t> image);
+
+inline constexpr std::int32_t lat_limit = 900'000'000;    // 1e-7 degree
+inline constexpr std::int32_t lon_limit = 1'800'000'000;  // 1e-7 degree
 
 // NAV-PVT fix types: 0 "no fix" to 5 "time only fix".
-inline constexpr std::string_view ubx_fix_type_text[] = {"no fix", "dead reckoning", "2D fix",
+inline constexpr std::string_view ubx_fix_type_text[] = {"no fix", "dead reckoning",        "2D fix",
                                                          "3D fix", "GNSS + dead reckoning", "time only fix"};
 // Days of the GPS week, which starts on Sunday.
 inline constexpr std::string_view ubx_weekday_text[] = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};

@@ -93,10 +93,10 @@ void gps_sky_view::refresh() {
 // The keyboard reaches the plot through its shortcut alone: a button's own key handling would
 // also click on a space bar held with modifiers.
 void gps_sky_view::keyPressEvent(QKeyEvent* event) {
-  QWidget::keyPressEvent(event);
+  QWidget::keyPressEvent(event);  // NOLINT(bugprone-parent-virtual-call): the button's handling is skipped
 }
 void gps_sky_view::keyReleaseEvent(QKeyEvent* event) {
-  QWidget::keyReleaseEvent(event);
+  QWidget::keyReleaseEvent(event);  // NOLINT(bugprone-parent-virtual-call): as for the press
 }
 
 void gps_sky_view::changeEvent(QEvent* event) {
@@ -154,9 +154,9 @@ void gps_sky_view::paint_letters(QPainter& painter) const {
   const QFontMetricsF metrics(letter_font);
   // Each letter in its padded box against the rim, on the axis it names.
   struct letter_t {
-    const char* text;
+    const char* text = nullptr;
     QPointF direction;
-    colour_t colour;
+    colour_t colour = colour_t::primary;
   };
   const letter_t letters[] = {
       {"N", {0, -1}, colour_t::primary},

@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-
 #include <string>
 
-#include "core/string_ring.h"
+#include "core/ring.h"
 
 namespace {
 
@@ -14,45 +13,31 @@ struct model_t : observable_t {
   published_t<int> value{*this, 0};
 };
 
-TEST(observable, notice_comes_before_the_assignment) {
+TEST(observable, every_assignment_notifies_before_it_stores_even_with_the_same_value) {
   model_t m;
   std::vector<int> seen;
   auto sub = m.subscribe([&] { seen.push_back(m.value); });
   m.value = 1;
-  m.value = 2;
-  EXPECT_EQ(seen, (std::vector<int>{0, 1}));
-  EXPECT_EQ(m.value.get(), 2);
-}
-
-TEST(observable, every_assignment_notifies_even_with_the_same_value) {
-  model_t m;
-  int notices = 0;
-  auto sub = m.subscribe([&] { ++notices; });
-  m.value = 0;
-  m.value = 0;
+  m.value = 1;
   m.value.modify([](int& v) { v += 3; });
-  EXPECT_EQ(notices, 3);
+  EXPECT_EQ(seen, (std::vector<int>{0, 1, 1}));
+  EXPECT_EQ(m.value.get(), 4);
 }
 
-TEST(observable, a_destroyed_subscription_stops_the_notices) {
-  model_t m;
+TEST(observable, a_destroyed_subscription_stops_the_notices_and_may_outlive_the_observable) {
+  subscription_t outliving;
   int notices = 0;
-  {
-    auto sub = m.subscribe([&] { ++notices; });
-    m.value = 1;
-  }
-  m.value = 2;
-  EXPECT_EQ(notices, 1);
-}
-
-TEST(observable, subscription_may_outlive_the_observable) {
-  subscription_t sub;
   {
     model_t m;
-    sub = m.subscribe([] {});
+    outliving = m.subscribe([] {});
+    {
+      auto sub = m.subscribe([&] { ++notices; });
+      m.value = 1;
+    }
+    m.value = 2;
   }
-  sub.cancel();
-  SUCCEED();
+  outliving.cancel();
+  EXPECT_EQ(notices, 1);
 }
 
 TEST(observable, observers_may_subscribe_and_cancel_during_a_notice) {
@@ -84,17 +69,31 @@ TEST(observable, an_observer_may_destroy_the_observable_during_a_notice) {
   EXPECT_EQ(after, 1);
 }
 
-TEST(string_ring, keeps_the_newest_entries_in_order) {
-  string_ring_t ring(3);
-  for (const char* s : {"a", "b", "c", "d", "e"}) ring.push_back(s);
-  ASSERT_EQ(ring.size(), 3u);
-  EXPECT_EQ(ring[0], "c");
-  EXPECT_EQ(ring[2], "e");
-  ring.pop_front();
-  EXPECT_EQ(ring[0], "d");
-  EXPECT_EQ(ring.back(), "e");
-  ring.clear();
-  EXPECT_TRUE(ring.empty());
+TEST(ring, keeps_the_newest_entries_at_either_end_and_releases_what_leaves) {
+  string_ring_t log(3);
+  for (const char* s : {"a", "b", "c", "d", "e"}) log.push_back(s);
+  EXPECT_EQ(std::vector<std::string>({log[0], log[1], log.back()}), std::vector<std::string>({"c", "d", "e"}));
+  log.pop_front();
+  EXPECT_EQ(log.size(), 2u);
+  EXPECT_EQ(log[0], "d");
+  log.clear();
+  EXPECT_TRUE(log.empty());
+  log.pop_front();
+  EXPECT_EQ(log.size(), 0u) << "nothing to remove";
+
+  const auto held = std::make_shared<int>(1);
+  ring_t<std::shared_ptr<int>> refs(2);
+  refs.push_front(held);
+  refs.push_front(std::make_shared<int>(2));
+  refs.push_front(std::make_shared<int>(3));
+  EXPECT_EQ(*refs[0], 3);
+  EXPECT_EQ(*refs[1], 2);
+  EXPECT_EQ(held.use_count(), 1) << "the entry pushed out at the back is released";
+  refs.push_front(held);
+  EXPECT_EQ(*refs.pop_back(), 3);
+  EXPECT_EQ(refs.size(), 1u);
+  refs.clear();
+  EXPECT_EQ(held.use_count(), 1);
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ protected:
   // One redraw of the main screen with the receiver at `at` and the track, newest first; then the
   // deferred writes it posted.
   void redraw(geo_coordinate_t at, const std::vector<geo_coordinate_t>& track = {}) {
-    newest_first_t<geo_coordinate_t> list(track.size() + 1);
+    ring_t<geo_coordinate_t> list(track.size() + 1);
     for (auto p = track.rbegin(); p != track.rend(); ++p) list.push_front(*p);
     annotation_ref_t none;
     map.update(at, list, make_annotation("12:00:00", at, none));
@@ -67,7 +67,7 @@ TEST_F(map_view_test, a_position_the_map_cannot_place_places_nothing_but_reset_a
 TEST_F(map_view_test, the_first_fix_places_the_map_and_overlays_follow_after_40_ms) {
   widget.window = false;
   annotation_ref_t none;
-  map.update(home, newest_first_t<geo_coordinate_t>(1), make_annotation("", home, none));
+  map.update(home, ring_t<geo_coordinate_t>(1), make_annotation("", home, none));
   EXPECT_FALSE(cfg.region_set) << "the write is deferred until after the update";
   queue.run_pending();
   EXPECT_TRUE(cfg.region_set);
@@ -143,7 +143,7 @@ TEST_F(map_view_test, updates_wait_while_the_user_drags_and_recentring_rests_5_s
   int notices = 0;
   auto sub = cfg.subscribe([&] { ++notices; });
   annotation_ref_t none;
-  map.update(north(100000), newest_first_t<geo_coordinate_t>(1), make_annotation("", north(100000), none));
+  map.update(north(100000), ring_t<geo_coordinate_t>(1), make_annotation("", north(100000), none));
   EXPECT_TRUE(widget.markers.empty()) << "unlocked only after the current update";
   queue.run_pending();
   EXPECT_EQ(notices, 1) << "the screen redraws";

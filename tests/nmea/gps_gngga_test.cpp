@@ -2,25 +2,32 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
 #include <string>
+#include <tuple>
 
 #include "support/records.h"
 #include "support/sentences.h"
 
 namespace {
 
+using namespace std::literals;
 constexpr double pi = std::numbers::pi;
 const std::string good = "$GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77";
 
 // The good sentence with field i replaced.
-std::string with_field(int i, const std::string& value) {
-  std::vector<std::string_view> f;
-  split_fields(good, f);
+std::string with_field(std::size_t i, const std::string& value) {
+  std::array<std::string_view, 20> f;
+  const auto n = scan_sentence(good, f).field_count;
   std::string out;
-  for (int k = 0; k < static_cast<int>(f.size()); ++k) out += (k ? "," : "") + (k == i ? value : std::string(f[k]));
+  for (std::size_t k = 0; k < n; ++k) out += (k ? "," : "") + (k == i ? value : std::string(f[k]));
   return out;
+}
+
+// The fix state, compared whole: time, position, letters, fix, satellites, HDOP, heights, table.
+auto state(const gps_gngga_t& g) {
+  return std::tuple(g.time, g.lat.get(), g.lon.get(), g.lat_dir, g.lon_dir, g.fix_i, g.sat_count_i, g.hdop_d, g.alt_d,
+                    g.mean_sea_level_d, g.pvt_mode);
 }
 
 TEST(gga, decodes_the_worked_example) {
@@ -28,18 +35,9 @@ TEST(gga, decodes_the_worked_example) {
   int notices = 0;
   auto sub = gga.subscribe([&] { ++notices; });
   feed(gga, good);
-  EXPECT_EQ(gga.time, (time_hms_t{12, 35, 19, 0}));
-  EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
-  EXPECT_DOUBLE_EQ(gga.lon, 11.0 + 31.0 / 60.0);
-  EXPECT_EQ(gga.lat_dir, "N");
-  EXPECT_EQ(gga.lon_dir, "E");
-  EXPECT_EQ(gga.fix_i, 1);
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 19, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 1, 8, 0.9, 545.4,
+                                   46.9, false));
   EXPECT_EQ(gga.fix_text(), "GPS");
-  EXPECT_EQ(gga.sat_count_i, 8);
-  EXPECT_EQ(gga.hdop_d, 0.9);
-  EXPECT_EQ(gga.alt_d, 545.4);
-  EXPECT_EQ(gga.mean_sea_level_d, 46.9);
-  EXPECT_FALSE(gga.pvt_mode);
   EXPECT_EQ(notices, 2) << "lat and lon are the published fields";
   ASSERT_EQ(gga.map_annotations.list().size(), 1u);
   EXPECT_EQ(gga.map_annotations.list()[0]->title, "12:35:19");
@@ -48,30 +46,61 @@ TEST(gga, decodes_the_worked_example) {
   EXPECT_EQ(gga.magnitude_history[1], 0.0);
 }
 
+TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
+  const struct {
+    std::string line;
+    bool taken;
+  } cases[] = {{good, true},
+               {good.substr(0, good.rfind(',')) + "*77", true},
+               {good + ",x", true},
+               {"$GPGGA" + good.substr(6), true},
+               {good.substr(0, good.rfind(',', good.rfind(',') - 1)) + "*77", false},
+               {good + ",x,y", false},
+               {"$GLGGA" + good.substr(6), false}};
+  for (const auto& c : cases) {
+    gps_gngga_t gga;
+    feed(gga, c.line);
+    EXPECT_EQ(gga.time.hh == 12, c.taken) << c.line;
+  }
+  gps_gngga_t gga;
+  feed(gga, "$GNGGA,123519.00,9000.0000,N,18000.0000,E,8,36,99.99,545.4,M,46.9,M,,*77");
+  EXPECT_EQ(std::tuple(gga.fix_text(), gga.sat_count_i, gga.hdop_d, gga.lat.get(), gga.lon.get()),
+            std::tuple("Simulation mode"sv, 36, 99.99, 90.0, 180.0));
+  feed(gga, "$GNGGA,123519.00,-9-4.86e3,N,-99-4.86e3,E,8,36,99.99,545.4,M,46.9,M,,*77");
+  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-90.0, -180.0));
+}
+
 TEST(gga, a_failed_check_keeps_what_earlier_steps_stored) {
   const struct {
     const char* name;
     int field;
     std::string value;
     bool alt_changed;
-  } only_time_changes[] = {
-      {"fix quality 9", 6, "9", false},        {"fix quality empty", 6, "", false},
-      {"fix quality -1", 6, "-1", false},      {"37 satellites", 7, "37", false},
-      {"HDOP without point", 8, "1", false},   {"HDOP 100.0", 8, "100.0", false},
-      {"HDOP empty", 8, "", false},            {"altitude unit F", 10, "F", false},
-      {"altitude without point", 9, "545", false}, {"geoid unit F", 12, "F", true},
-      {"latitude unreadable", 2, "48x7.038", true}, {"latitude above 90", 2, "9107.0380", true},
-      {"longitude 3-digit latitude", 4, "1131.000", true},
-  };
+  } only_time_changes[] = {{"fix quality 9", 6, "9", false},
+                           {"fix quality empty", 6, "", false},
+                           {"fix quality -1", 6, "-1", false},
+                           {"37 satellites", 7, "37", false},
+                           {"-1 satellites", 7, "-1", false},
+                           {"HDOP without point", 8, "1", false},
+                           {"HDOP 100.0", 8, "100.0", false},
+                           {"HDOP -0.5", 8, "-0.5", false},
+                           {"HDOP empty", 8, "", false},
+                           {"altitude unit F", 10, "F", false},
+                           {"altitude without point", 9, "545", false},
+                           {"geoid unit F", 12, "F", true},
+                           {"latitude unreadable", 2, "48x7.038", true},
+                           {"latitude above 90", 2, "9107.0380", true},
+                           {"latitude below -90", 2, "-9-9.e999", true},
+                           {"longitude above 180", 4, "18107.0380", true},
+                           {"longitude below -180", 4, "-99-9.e999", true},
+                           {"longitude 3-digit latitude", 4, "1131.000", true}};
   for (const auto& c : only_time_changes) {
     gps_gngga_t gga;
     gga.alt_d = -1.0;
     feed(gga, with_field(c.field, c.value));
-    EXPECT_EQ(gga.time, (time_hms_t{12, 35, 19, 0})) << c.name;
-    EXPECT_EQ(gga.fix_i, 0) << c.name;
-    EXPECT_EQ(gga.hdop_d, 0.0) << c.name;
-    EXPECT_EQ(gga.lat, 0.0) << c.name;
-    EXPECT_EQ(gga.alt_d, c.alt_changed ? 545.4 : -1.0) << c.name;
+    EXPECT_EQ(std::tuple(gga.time, gga.fix_i, gga.hdop_d, gga.lat.get(), gga.alt_d),
+              std::tuple(time_hms_t{12, 35, 19, 0}, 0, 0.0, 0.0, c.alt_changed ? 545.4 : -1.0))
+        << c.name;
     EXPECT_TRUE(gga.map_path.list().empty()) << c.name;
   }
 }
@@ -79,9 +108,9 @@ TEST(gga, a_failed_check_keeps_what_earlier_steps_stored) {
 TEST(gga, fields_that_read_as_absent_keep_their_value) {
   gps_gngga_t gga;
   gga.alt_d = 7.0;
-  feed(gga, with_field(10, ""));  // no unit: the altitude pair is skipped
-  EXPECT_EQ(gga.alt_d, 7.0);
-  EXPECT_EQ(gga.lat, 48.1173);
+  feed(gga, with_field(10, ""));    // no unit: the altitude pair is skipped
+  feed(gga, with_field(9, "x.5"));  // an unreadable value with its unit keeps the altitude
+  EXPECT_EQ(std::tuple(gga.alt_d, gga.lat.get()), std::tuple(7.0, 48.1173));
   feed(gga, with_field(7, ""));
   EXPECT_EQ(gga.sat_count_i, 0) << "an empty satellite count is 0";
   gga.lat_dir = "S";
@@ -90,28 +119,18 @@ TEST(gga, fields_that_read_as_absent_keep_their_value) {
 }
 
 TEST(gga, a_sentence_without_position_keeps_fix_state_only) {
-  gps_gngga_t gga;
-  feed(gga, good);
-  const auto history = gga.direction_history;
-  feed(gga, "$GPGGA,123520.00,,,,,0,00,99.99,,,,,,*61");
-  EXPECT_EQ(gga.time, (time_hms_t{12, 35, 20, 0}));
-  EXPECT_EQ(gga.fix_text(), "invalid");
-  EXPECT_EQ(gga.sat_count_i, 0);
-  EXPECT_EQ(gga.hdop_d, 99.99);
-  EXPECT_EQ(gga.lat, 48.1173);
-  EXPECT_EQ(gga.direction_history, history);
-  EXPECT_EQ(gga.map_path.list().size(), 1u);
-}
-
-TEST(gga, ignores_other_tags_and_field_counts) {
-  for (const std::string& line : {std::string("$GLGGA") + good.substr(6), good + ",x,y", with_field(13, "").substr(0, 60)}) {
+  for (const std::string& line : {std::string("$GPGGA,123520.00,,,,,0,00,99.99,,,,,,*61"),
+                                  std::string("$GPGGA,123520.00,4807.03800,N,,,0,00,99.99,,,,,,*61")}) {
     gps_gngga_t gga;
+    feed(gga, good);
+    const auto history = gga.direction_history;
     feed(gga, line);
-    EXPECT_EQ(gga.time, time_hms_t{}) << line;
+    EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 20, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 0, 0, 99.99,
+                                     545.4, 46.9, false));
+    EXPECT_EQ(gga.fix_text(), "invalid");
+    EXPECT_EQ(gga.direction_history, history);
+    EXPECT_EQ(gga.map_path.list().size(), 1u);
   }
-  gps_gngga_t gga;
-  feed(gga, "$GPGGA" + good.substr(6));
-  EXPECT_EQ(gga.lat, 48.1173);
 }
 
 TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
@@ -120,12 +139,11 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
     const char* second;
     double bearing;
     double distance;
-  } cases[] = {
-      {"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
-      {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
-      {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
-      {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
-  };
+  } cases[] = {{"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
+               {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
+               {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
+               {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
+               {"4807.038,N,01131.000,E", "4807.098,N,01131.060,E", 0.7870773829016747, 157.16584063686295}};
   for (const auto& c : cases) {
     gps_gngga_t gga;
     feed(gga, std::string("$GPGGA,120000,") + c.first + ",1,08,0.9,1.0,M,1.0,M,,*00");
@@ -135,98 +153,98 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
   }
 }
 
-TEST(gga, southern_and_western_fixes_are_placed_with_their_sign) {
+TEST(gga, markers_below_an_hdop_of_99) {
+  for (const auto& [hdop, marked] : {std::pair{"98.99", 1u}, {"99.0", 0u}, {"99.5", 0u}}) {
+    gps_gngga_t gga;
+    feed(gga, with_field(8, hdop));
+    EXPECT_EQ(gga.map_annotations.list().size(), marked) << hdop;
+    EXPECT_EQ(gga.map_path.list().size(), 1u) << hdop;
+  }
+}
+
+TEST(gga, southern_fixes_are_placed_signed_and_reset_clears_all_a_fix_left) {
   gps_gngga_t gga;
-  feed(gga, "$GPGGA,120000,3351.4080,S,15112.9300,W,1,08,0.9,1.0,M,1.0,M,,*00");
+  for (int i = 0; i < 12; ++i) feed(gga, "$GPGGA,120000,3351.4080,S,15112.9300,W,4,08,0.9,1.0,M,1.0,M,,*00");
+  EXPECT_EQ(gga.magnitude_history[9], 0.0) << "the first, large step has left the history";
   EXPECT_NEAR(gga.lat, 33.8568, 1e-9) << "published as a magnitude";
-  EXPECT_EQ(gga.lat_dir, "S");
+  EXPECT_EQ(std::tuple(gga.lat_dir, gga.lon_dir), std::tuple("S"sv, "W"sv));
   const auto marker = gga.map_annotations.list()[0]->coordinate;
   EXPECT_NEAR(marker.latitude, -33.8568, 1e-9);
   EXPECT_NEAR(marker.longitude, -151.2155, 1e-9);
-  EXPECT_NEAR(gga.map_path.list()[0].latitude, -33.8568, 1e-9);
-  EXPECT_NEAR(gga.map_path.list()[0].longitude, -151.2155, 1e-9);
+  EXPECT_EQ(gga.map_path.list()[0], marker);
   const auto dot = gga.time_annotation();
-  EXPECT_EQ(dot->title, "12:00:00");
-  EXPECT_NEAR(dot->coordinate.latitude, -33.8568, 1e-9) << "the map's position dot lies in the south too";
+  EXPECT_EQ(std::tuple(dot->title, dot->coordinate), std::tuple("12:00:00"s, marker)) << "the position dot too";
   EXPECT_NE(dot, gga.map_annotations.list()[0]) << "a new marker each time";
-}
-
-TEST(gga, no_marker_from_an_hdop_of_99) {
-  gps_gngga_t gga;
-  feed(gga, with_field(8, "99.5"));
-  EXPECT_EQ(gga.lat, 48.1173);
-  EXPECT_TRUE(gga.map_annotations.list().empty());
-  EXPECT_EQ(gga.map_path.list().size(), 1u);
-}
-
-TEST(gga, histories_shift_and_stay_ten_long) {
-  gps_gngga_t gga;
-  for (int i = 0; i < 12; ++i) feed(gga, good);
-  EXPECT_EQ(gga.magnitude_history.size(), 10u);
-  EXPECT_EQ(gga.magnitude_history[9], 0.0) << "the first, large step has left the history";
+  auto r = valid_pvt();
+  r.headMot = 100;
+  gga.update_pvt(r);
   gga.reset();
-  EXPECT_EQ(gga.lat, 0.0);
-  EXPECT_EQ(gga.magnitude_history, motion_history_t{});
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 0.0, 0.0, true));
+  EXPECT_EQ(std::tuple(gga.direction_history, gga.magnitude_history),
+            std::tuple(motion_history_t{}, motion_history_t{}));
+  EXPECT_TRUE(gga.map_annotations.list().empty());
   EXPECT_TRUE(gga.map_path.list().empty());
-  EXPECT_EQ(gga.lat_dir, "N");
+  EXPECT_TRUE(gga.map_path.history().empty());
+  EXPECT_EQ(gga.time_annotation()->coordinate, geo_coordinate_t{});
 }
 
-TEST(gga, nav_pvt_records) {
+TEST(gga, nav_pvt_records_and_back_to_sentences) {
   gps_gngga_t gga;
   auto r = pvt_record();
-  r.fixType = 9;
+  r.fixType = 6;
   gga.update_pvt(r);
   EXPECT_FALSE(gga.pvt_mode) << "an unknown fix type is ignored";
 
-  r = pvt_record();
-  r.fixType = 3;
+  // class, id, length, iTOW, date, time, valid, tAcc, nano, fixType, flags, flags2, numSV, lon, lat, height, hMSL
+  r = {1, 7, 92, 0, 0, 0, 0, 7, 8, 9, 0, 0, 0, 5, 0, 0, 11, 0, 0, 12345, -500};
   r.pDOP = 250;
-  r.numSV = 11;
-  r.hour = 7;
-  r.height = 12345;
-  r.hMSL = -500;
   gga.update_pvt(r);
-  EXPECT_TRUE(gga.pvt_mode);
-  EXPECT_EQ(gga.fix_text(), "3D fix");
-  EXPECT_EQ(gga.hdop_d, 2.5);
-  EXPECT_EQ(gga.sat_count_i, 11);
-  EXPECT_EQ(gga.time, (time_hms_t{7, 0, 0, 0}));
-  EXPECT_EQ(gga.alt_d, 12.345);
-  EXPECT_EQ(gga.mean_sea_level_d, -0.5);
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{7, 8, 9, 0}, 0.0, 0.0, "N"sv, "E"sv, 5, 11, 2.5, 12.345, -0.5, true))
+      << "lat 0: no position";
+  EXPECT_EQ(gga.fix_text(), "time only fix");
   EXPECT_EQ(gga.direction_history, motion_history_t{}) << "headMot 0 pushes nothing";
-  EXPECT_EQ(gga.lat, 0.0) << "lat 0: no position";
 
   r.headMot = 9000000;
   r.lat = -338568000;
-  r.lon = 1512155000;
+  r.lon = 1;
   r.pDOP = 9999;
   gga.update_pvt(r);
   EXPECT_NEAR(gga.direction_history[0], pi / 2, 1e-12);
-  EXPECT_DOUBLE_EQ(gga.lat, -33.8568) << "records are signed";
+  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-33.8568, 1e-7)) << "records are signed";
   EXPECT_TRUE(gga.map_annotations.list().empty()) << "pDOP 9999: no marker";
-  EXPECT_EQ(gga.map_path.list().size(), 1u);
-  EXPECT_DOUBLE_EQ(gga.map_path.list()[0].latitude, -33.8568);
+  r.pDOP = 9998;
+  r.lon = -1;
+  gga.update_pvt(r);
+  EXPECT_EQ(gga.map_annotations.list().size(), 1u);
+  EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{-33.8568, -1e-7}));
+
+  feed(gga, with_field(6, "5"));
+  EXPECT_FALSE(gga.pvt_mode);
+  EXPECT_EQ(gga.fix_text(), "Float RTK") << "a sentence brings back the GGA table";
+  for (const std::int64_t outside : {9, -1}) {
+    gga.fix_i = outside;
+    EXPECT_EQ(gga.fix_text(), "invalid");
+  }
 }
 
 TEST(gga, nav_posllh_records) {
   gps_gngga_t gga;
-  auto r = posllh_record();
-  r.iTOW = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
-  r.height = 1000;
-  r.hMSL = 2000;
+  gga.pvt_mode = true;
+  const std::uint32_t wednesday_13_05_07_250 = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
+  gps_posllh_t r{1, 2, 28, wednesday_13_05_07_250, 0, 481173000, 1000, 2000};  // lon 0
   gga.update_posllh(r);
-  EXPECT_EQ(gga.time, (time_hms_t{13, 5, 7, 250}));
-  EXPECT_EQ(gga.alt_d, 1.0);
-  EXPECT_EQ(gga.mean_sea_level_d, 2.0);
-  EXPECT_TRUE(gga.map_path.list().empty()) << "lat 0: no position, no marker, no track";
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false))
+      << "lon 0: no position";
+  EXPECT_TRUE(gga.map_path.list().empty());
 
-  r.lat = 481173000;
   r.lon = 115166666;
   gga.update_posllh(r);
   EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
   EXPECT_EQ(gga.map_annotations.list().size(), 1u);
   EXPECT_EQ(gga.map_path.list().size(), 1u);
-  EXPECT_FALSE(gga.pvt_mode);
+  EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{48.1173, 11.5166666}));
+  EXPECT_EQ(gga.time_annotation()->coordinate, gga.map_path.list()[0]);
+  EXPECT_GT(gga.magnitude_history[0], 5e6) << "measured from the last position";
 }
 
 }  // namespace

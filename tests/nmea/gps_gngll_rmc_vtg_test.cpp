@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "nmea/gps_gngll.h"
 #include "nmea/gps_gnrmc.h"
@@ -10,143 +11,177 @@
 
 namespace {
 
-TEST(gll, decodes_and_marks_whatever_the_status) {
-  for (const char* status : {"A", "V"}) {
-    gps_gngll_t gll;
-    feed(gll, std::string("$GNGLL,4807.03800,N,01131.00000,E,123519.00,") + status + ",A*78");
-    EXPECT_EQ(gll.time, (time_hms_t{12, 35, 19, 0}));
-    EXPECT_DOUBLE_EQ(gll.lat, 48.1173);
-    EXPECT_EQ(gll.data_status, status);
-    ASSERT_EQ(gll.map_annotations.list().size(), 1u);
-    EXPECT_EQ(gll.map_annotations.list()[0]->title, "12:35:19");
-  }
+using namespace std::string_view_literals;
+
+// Feeds the line and counts the change notices it sends.
+template <class Decoder>
+int notices_of(Decoder& decoder, const std::string& line) {
+  int notices = 0;
+  auto sub = decoder.subscribe([&] { ++notices; });
+  feed(decoder, line);
+  return notices;
 }
 
-TEST(gll, a_bad_status_or_field_count_changes_little_or_nothing) {
-  for (const char* status : {"X", "", "AA"}) {
-    gps_gngll_t gll;
-    feed(gll, std::string("$GNGLL,4807.03800,N,01131.00000,E,123519.00,") + status + ",A*78");
-    EXPECT_EQ(gll.time, (time_hms_t{12, 35, 19, 0})) << status;
-    EXPECT_EQ(gll.lat, 0.0) << status;
-    EXPECT_EQ(gll.data_status, "A") << status;
-  }
-  gps_gngll_t gll;
-  feed(gll, "$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78");
-  EXPECT_EQ(gll.time, time_hms_t{});
+auto state(const gps_gngll_t& g) {
+  return std::tuple(g.time, g.lat.get(), g.lon.get(), g.lat_dir, g.lon_dir, g.data_status,
+                    g.map_annotations.list().size());
 }
 
-TEST(gll, southern_western_markers_are_signed) {
-  gps_gngll_t gll;
-  feed(gll, "$GPGLL,3351.4080,S,15112.9300,W,120000,A,A*00");
-  EXPECT_GT(gll.lat, 0.0);
-  EXPECT_LT(gll.map_annotations.list()[0]->coordinate.latitude, 0.0);
-  EXPECT_LT(gll.map_annotations.list()[0]->coordinate.longitude, 0.0);
+auto state(const gps_gnrmc_t& r) {
+  return std::tuple(r.time, r.date, r.lat.get(), r.lon.get(), r.lat_dir, r.lon_dir, r.data_status, r.speed_knots.get(),
+                    r.track_angle, r.magnetic_variation, r.map_annotations.list().size());
 }
 
-const std::string rmc_good = "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,0.022,84.4,230394,,,A*78";
-
-TEST(rmc, decodes_the_worked_example) {
-  gps_gnrmc_t rmc;
-  rmc.magnetic_variation = 7.0;
-  feed(rmc, rmc_good);
-  EXPECT_EQ(rmc.time, (time_hms_t{12, 35, 19, 0}));
-  EXPECT_EQ(rmc.date, (date_ymd_t{1994, 3, 23}));
-  EXPECT_EQ(rmc.speed_knots, 0.022);
-  EXPECT_EQ(rmc.track_angle, 84.4);
-  EXPECT_EQ(rmc.magnetic_variation, 7.0);
-  EXPECT_DOUBLE_EQ(rmc.lat, 48.1173);
-  ASSERT_EQ(rmc.map_annotations.list().size(), 1u);
-  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "1994-03-23");
+auto state(const gps_gnvtg_t& v) {
+  return std::tuple(v.true_track_mode_deg.get(), v.magnetic_track_mode_deg.get(), v.speed_knots.get(),
+                    v.speed_kph.get());
 }
 
-TEST(rmc, stops_where_a_field_fails) {
+constexpr time_hms_t fix_time{12, 35, 19, 0};
+
+TEST(gll, decodes_whatever_the_status_and_stops_at_a_bad_field) {
   const struct {
-    const char* name;
     std::string line;
-    bool date_set, speed_set, track_set, position_set;
-    double variation;
+    int notices;
+    decltype(state(gps_gngll_t{})) expected;
   } cases[] = {
-      {"variation E", "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,0.022,84.4,230394,3.1,E,A*11", true, true, true,
-       true, 3.1},
-      {"variation X", "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,0.022,84.4,230394,3.1,X,A*11", true, true, true,
-       false, 0.0},
-      {"date 320394", "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,0.022,84.4,320394,,,A*78", false, false, false,
-       false, 0.0},
-      {"speed 12", "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,12,84.4,230394,,,A*78", true, false, false, false,
-       0.0},
-      {"track 360.5", "$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,0.022,360.5,230394,,,A*78", true, true, false,
-       false, 0.0},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 2, {fix_time, 48.1173, 11 + 31 / 60.0, "N", "E", "A", 1}},
+      {"$GPGLL,3351.4080,S,15112.9300,W,123519.00,V,A*00", 2, {fix_time, 33.8568, 151.2155, "S", "W", "V", 1}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,X,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,AA,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,9107.03800,N,01131.00000,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "V", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GLGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}}};
+  for (const auto& c : cases) {
+    gps_gngll_t gll;
+    EXPECT_EQ(notices_of(gll, c.line), c.notices) << c.line;
+    EXPECT_EQ(state(gll), c.expected) << c.line;
+  }
+  gps_gngll_t gll;
+  feed(gll, cases[1].line);
+  EXPECT_EQ(gll.map_annotations.list()[0]->title, "12:35:19");
+  EXPECT_EQ(gll.map_annotations.list()[0]->coordinate, (geo_coordinate_t{-33.8568, -151.2155}));
+  gll.reset();
+  EXPECT_EQ(state(gll), state(gps_gngll_t{}));
+}
+
+TEST(rmc, decodes_and_stops_where_a_field_fails) {
+  const auto line = [](const char* status, const char* speed, const char* track, const char* date, const char* var) {
+    return "$GNRMC,123519.00," + std::string(status) + ",4807.03800,S,01131.00000,W," + speed + "," + track + "," +
+           date + "," + var + ",A*78";
   };
+  const date_ymd_t date{1994, 3, 23};
+  const struct {
+    std::string line;
+    decltype(state(gps_gnrmc_t{})) expected;
+  } cases[] = {
+      {line("A", "0.022", "84.4", "230394", ","),
+       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
+      {line("V", "999.9", "360.0", "230394", "999.9,W"),
+       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "V", 999.9, 360.0, 999.9, 1}},
+      {line("A", "1.0", "1.0", "230394", "3.1,E"),
+       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 1.0, 1.0, 3.1, 1}},
+      {line("A", "1.0", "1.0", "230394", "3.1,"),
+       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 1.0, 1.0, 0.0, 1}},
+      {line("A", "1.0", "1.0", "230394", "3.1,X"), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
+      {line("A", "1.0", "1.0", "230394", "1000.0,E"), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
+      {line("A", "1.0", "360.5", "230394", ","), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 0.0, 0.0, 0}},
+      {line("A", "1000.0", "1.0", "230394", ","), {fix_time, date, 0.0, 0.0, "N", "E", "A", 0.0, 0.0, 0.0, 0}},
+      {line("A", "12", "1.0", "230394", ","), {fix_time, date, 0.0, 0.0, "N", "E", "A", 0.0, 0.0, 0.0, 0}},
+      {line("X", "1.0", "1.0", "230394", ","), {fix_time, date, 0.0, 0.0, "N", "E", "A", 0.0, 0.0, 0.0, 0}},
+      {"$GNRMC,123519.00,V,9107.03800,N,01131.00000,E,1.0,1.0,230394,,,A*78",
+       {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
+      {line("A", "1.0", "1.0", "320394", ","), {fix_time, {}, 0.0, 0.0, "N", "E", "A", 0.0, 0.0, 0.0, 0}},
+      {line("A", "0.022", "84.4", "230394", ",,x"),
+       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
+      {line("A", "1.0", "1.0", "230394", ",,x,y"), state(gps_gnrmc_t{})},
+      {"$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,*78", state(gps_gnrmc_t{})},
+      {"$GLRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,,A*78", state(gps_gnrmc_t{})}};
   for (const auto& c : cases) {
     gps_gnrmc_t rmc;
-    feed(rmc, c.line);
-    EXPECT_EQ(rmc.time, (time_hms_t{12, 35, 19, 0})) << c.name;
-    EXPECT_EQ(rmc.date.y != 0, c.date_set) << c.name;
-    EXPECT_EQ(rmc.speed_knots != 0.0, c.speed_set) << c.name;
-    EXPECT_EQ(rmc.track_angle != 0.0, c.track_set) << c.name;
-    EXPECT_EQ(rmc.lat != 0.0, c.position_set) << c.name;
-    EXPECT_EQ(rmc.magnetic_variation, c.variation) << c.name;
+    EXPECT_EQ(notices_of(rmc, c.line), std::get<2>(c.expected) ? 3 : std::get<7>(c.expected) ? 1 : 0) << c.line;
+    EXPECT_EQ(state(rmc), c.expected) << c.line;
   }
+  gps_gnrmc_t rmc;
+  feed(rmc, cases[0].line);
+  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "1994-03-23");
+  rmc.reset();
+  EXPECT_EQ(state(rmc), state(gps_gnrmc_t{}));
 }
 
 TEST(vtg, reads_each_value_from_its_own_field) {
+  const std::string first = "$GNVTG,84.4,T,5.0,M,0.022,N,0.041,K,A*2E";
+  const std::tuple kept{84.4, 5.0, 0.022, 0.041};
+  const struct {
+    std::string line;
+    int notices;
+    decltype(kept) expected;
+  } cases[] = {{"$GPVTG,360.0,T,999.9,M,999.9,N,999.9,K,A*2E", 4, {360.0, 999.9, 999.9, 999.9}},
+               {"$GNVTG,1.0,T,,M,1.0,N,,K,A*2E", 2, {1.0, 5.0, 1.0, 0.041}},
+               {"$GNVTG,1.0,T,1000.0,M,1.0,N,1.0,K,A*2E", 1, {1.0, 5.0, 0.022, 0.041}},
+               {"$GNVTG,1.0,T,1.0,M,1000.0,N,1.0,K,A*2E", 2, {1.0, 1.0, 0.022, 0.041}},
+               {"$GNVTG,1.0,T,1.0,M,1.0,N,1000.0,K,A*2E", 3, {1.0, 1.0, 1.0, 0.041}},
+               {"$GNVTG,360.1,T,1.0,M,1.0,N,1.0,K,A*2E", 0, kept},
+               {"$GNVTG,10.0,t,,M,1.0,N,1.0,K,A*2E", 0, kept},
+               {"$GNVTG,10.0,T,,m,1.0,N,1.0,K,A*2E", 0, kept},
+               {"$GNVTG,10.0,T,,M,1.0,n,1.0,K,A*2E", 0, kept},
+               {"$GNVTG,10.0,T,,M,1.0,N,1.0,k,A*2E", 0, kept},
+               {"$GLVTG,10.0,T,,M,1.0,N,1.0,K,A*2E", 0, kept},
+               {"$GNVTG,10.0,T,,M,1.0,N,1.0,K*2E", 0, kept}};
+  for (const auto& c : cases) {
+    gps_gnvtg_t vtg;
+    feed(vtg, first);
+    EXPECT_EQ(notices_of(vtg, c.line), c.notices) << c.line;
+    EXPECT_EQ(state(vtg), c.expected) << c.line;
+  }
   gps_gnvtg_t vtg;
-  vtg.magnetic_track_mode_deg = 5.0;
-  feed(vtg, "$GNVTG,84.4,T,,M,0.022,N,0.041,K,A*2E");
-  EXPECT_EQ(vtg.true_track_mode_deg, 84.4);
-  EXPECT_EQ(vtg.magnetic_track_mode_deg, 5.0);
-  EXPECT_EQ(vtg.speed_knots, 0.022);
-  EXPECT_EQ(vtg.speed_kph, 0.041);
-  feed(vtg, "$GNVTG,84.4,T,400.0,M,0.022,N,0.041,K,A*2E");
-  EXPECT_EQ(vtg.magnetic_track_mode_deg, 400.0) << "the magnetic bound is 999.9";
-  feed(vtg, "$GNVTG,10.0,t,,M,1.0,N,1.0,K,A*2E");
-  EXPECT_EQ(vtg.true_track_mode_deg, 84.4) << "a lower-case unit letter changes nothing";
-  feed(vtg, "$GNVTG,360.1,T,,M,1.0,N,1.0,K,A*2E");
-  EXPECT_EQ(vtg.speed_knots, 0.022) << "a true track above 360 stops before the speeds";
+  feed(vtg, first);
+  vtg.reset();
+  EXPECT_EQ(state(vtg), std::tuple(0.0, 0.0, 0.0, 0.0));
 }
 
-TEST(records, speeds_track_and_variation_from_nav_pvt) {
+TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
   gps_gnrmc_t rmc;
   gps_gnvtg_t vtg;
   gps_gngll_t gll;
-  auto r = pvt_record();
+  auto r = valid_pvt();  // 2017-07-19 08:50:05
+  r.lat = r.lon = 0;
   r.gSpeed = 1000;
-  r.headVeh = 9000000;
+  r.headVeh = 100000;
   r.magDec = -250;
-  r.year = 2024;
-  r.month = 3;
-  r.day = 5;
-  r.hour = 1;
   rmc.update_pvt(r);
   vtg.update_pvt(r);
   gll.update_pvt(r);
-  EXPECT_NEAR(rmc.speed_knots, 1.943844, 1e-6);
-  EXPECT_NEAR(vtg.speed_knots, 1.943844, 1e-6);
-  EXPECT_NEAR(vtg.speed_kph, 3.6, 1e-12);
-  EXPECT_DOUBLE_EQ(rmc.track_angle, 90.0);
-  EXPECT_EQ(rmc.magnetic_variation, -2.5);
-  EXPECT_EQ(rmc.date, (date_ymd_t{2024, 3, 5}));
-  EXPECT_EQ(gll.time, (time_hms_t{1, 0, 0, 0}));
-  EXPECT_EQ(rmc.lat, 0.0) << "lat 0: time and motion only";
-  EXPECT_EQ(gll.lat, 0.0);
+  const double knots = 1000 / 514.444444;
+  EXPECT_EQ(state(vtg), std::tuple(0.0, 0.0, knots, 3.6));
+  EXPECT_EQ(state(rmc), std::tuple(time_hms_t{8, 50, 5, 0}, date_ymd_t{2017, 7, 19}, 0.0, 0.0, "N"sv, "E"sv, "A"sv,
+                                   knots, 1.0, -2.5, std::size_t{0}))
+      << "lat 0: time and motion only";
+  EXPECT_EQ(gll.time, (time_hms_t{8, 50, 5, 0}));
 
   r.lat = 10'000'000;
   r.lon = -20'000'000;
-  r.pDOP = 9999;
-  rmc.update_pvt(r);
-  gll.update_pvt(r);
-  EXPECT_EQ(rmc.lat, 1.0);
-  EXPECT_EQ(gll.lon, -2.0);
-  EXPECT_TRUE(rmc.map_annotations.list().empty()) << "no marker above a position DOP of 99.98";
-  r.pDOP = 9998;
-  gll.update_pvt(r);
-  EXPECT_EQ(gll.map_annotations.list().size(), 1u);
+  for (const auto& [pdop, markers] : {std::pair{9999, 0u}, {9998, 1u}}) {
+    r.pDOP = static_cast<std::uint16_t>(pdop);
+    rmc.update_pvt(r);
+    gll.update_pvt(r);
+    EXPECT_EQ(std::tuple(rmc.lat.get(), rmc.lon.get(), gll.lat.get(), gll.lon.get()), std::tuple(1.0, -2.0, 1.0, -2.0));
+    EXPECT_EQ(rmc.map_annotations.list().size(), markers) << "no marker above a position DOP of 99.98";
+    EXPECT_EQ(gll.map_annotations.list().size(), markers);
+  }
 
-  auto p = posllh_record();
-  p.lat = 10'000'000;
-  p.lon = 20'000'000;
+  gps_posllh_t p{1, 2, 28, 61'000, 40'000'000, 1};  // class, id, length, iTOW, lon, lat
   rmc.update_posllh(p);
-  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2024-03-05") << "the date keeps its last value";
+  gll.update_posllh(p);
+  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2017-07-19") << "the date keeps its last value";
+  EXPECT_EQ(gll.map_annotations.list()[0]->title, "00:01:01");
+  EXPECT_EQ(std::tuple(rmc.lat.get(), gll.lat.get(), gll.lon.get()), std::tuple(1e-7, 1e-7, 4.0))
+      << "a latitude of 1e-7 degree is a position";
+  p.lon = 0;
+  gll.update_posllh(p);
+  EXPECT_EQ(gll.lon, 4.0) << "lon 0: no position";
 }
 
 }  // namespace

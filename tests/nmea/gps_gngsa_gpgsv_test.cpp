@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "nmea/gps_gngsa.h"
 #include "nmea/gps_gpgsv.h"
@@ -10,7 +11,7 @@
 
 namespace {
 
-const std::string gsa_good = "$GNGSA,A,3,05,13,15,,,,,,,,,,1.85,1.02,1.54*10";
+using namespace std::literals;
 
 std::vector<int> prns(const gps_gngsa_t& gsa) {
   std::vector<int> out;
@@ -18,81 +19,98 @@ std::vector<int> prns(const gps_gngsa_t& gsa) {
   return out;
 }
 
-TEST(gsa, decodes_the_worked_example_with_or_without_system_id) {
-  for (const std::string& line : {gsa_good, std::string("$GNGSA,A,3,05,13,15,,,,,,,,,,1.85,1.02,1.54,1*10")}) {
-    test_queue_t clock;
-    gps_gngsa_t gsa(clock);
-    feed(gsa, line);
-    EXPECT_EQ(gsa.fix_mode_c, "A");
-    EXPECT_EQ(gsa.fix_type_i, 3);
-    EXPECT_EQ(prns(gsa), (std::vector<int>{5, 13, 15}));
-    EXPECT_EQ(gsa.pdop_d, 1.85);
-    EXPECT_EQ(gsa.hdop_d, 1.02);
-    EXPECT_EQ(gsa.vdop_d, 1.54);
-    EXPECT_EQ(gsa.PRN_text(), " 5 13 15");
-    EXPECT_EQ(gsa.fix_type_text(), "3D fix");
-  }
+auto state(const gps_gngsa_t& g) {
+  return std::tuple(g.fix_mode_c, int{g.fix_type_i}, g.pdop_d, g.hdop_d, g.vdop_d, prns(g));
 }
 
-TEST(gsa, stops_where_a_field_fails) {
+TEST(gsa, decodes_or_stops_where_a_field_fails) {
   const struct {
-    const char* name;
     std::string line;
-    std::string mode;
-    int type;
-    double pdop;
-    std::vector<int> prns;
-  } cases[] = {
-      {"17 fields", "$GNGSA,M,2,05,13,15,,,,,,,,,1.85,1.02,1.54*10", "A", 1, 0.0, {}},
-      {"mode X", "$GNGSA,X,2,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", "A", 1, 0.0, {}},
-      {"type 4", "$GNGSA,M,4,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", "M", 1, 0.0, {}},
-      {"PDOP without point", "$GNGSA,M,2,05,13,15,,,,,,,,,,2,1.02,1.54*10", "M", 2, 0.0, {}},
-      {"PDOP empty", "$GNGSA,M,2,05,13,15,,,,,,,,,,,1.02,1.54*10", "M", 2, 0.0, {5, 13, 15}},
-      {"PRN 120 ends the PRNs", "$GNGSA,M,2,05,120,07,,,,,,,,,,1.85,1.02,1.54*10", "M", 2, 1.85, {5}},
-      {"unreadable PRNs are skipped", "$GNGSA,M,2,x,-1,07,,,,,,,,,,1.85,1.02,1.54*10", "M", 2, 1.85, {7}},
-      {"long mode is left alone", "$GNGSA,MM,22,05,,,,,,,,,,,,1.85,1.02,1.54*10", "A", 1, 1.85, {5}},
-  };
+    decltype(state(std::declval<gps_gngsa_t>())) expected;
+  } cases[] = {{"$GNGSA,A,3,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"A", 3, 1.85, 1.02, 1.54, {5, 13, 15}}},
+               {"$GPGSA,M,2,05,13,15,,,,,,,,,,99.99,99.99,99.99,1*10", {"M", 2, 99.99, 99.99, 99.99, {5, 13, 15}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,1.85,1.02,1.54*10", {"A", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,1.85,1.02,1.54,1,2*10", {"A", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GLGSA,M,2,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"A", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,X,2,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"A", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,4,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"M", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,0,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"M", 1, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,2,1.02,1.54*10", {"M", 2, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,100.0,1.02,1.54*10", {"M", 2, 0.0, 0.0, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,1.85,100.0,1.54*10", {"M", 2, 1.85, 0.0, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,1.85,1.02,100.0*10", {"M", 2, 1.85, 1.02, 0.0, {}}},
+               {"$GNGSA,M,2,05,13,15,,,,,,,,,,,1.02,1.54*10", {"M", 2, 0.0, 1.02, 1.54, {5, 13, 15}}},
+               {"$GNGSA,M,1,05,,,,,,,,,,,,1.85,1.02,*2.5*10", {"M", 1, 1.85, 1.02, 2.5, {5}}},
+               {"$GNGSA,M,2,05,120,07,,,,,,,,,,1.85,1.02,1.54*10", {"M", 2, 1.85, 1.02, 1.54, {5}}},
+               {"$GNGSA,M,2,99,x,-1,07,,,,,,,,,1.85,1.02,1.54*10", {"M", 2, 1.85, 1.02, 1.54, {7, 99}}},
+               {"$GNGSA,MM,22,,,,,,,,,,,,05,1.85,1.02,1.54*10", {"A", 1, 1.85, 1.02, 1.54, {5}}}};
   for (const auto& c : cases) {
     test_queue_t clock;
     gps_gngsa_t gsa(clock);
+    int notices = 0;
+    auto sub = gsa.subscribe([&] { ++notices; });
     feed(gsa, c.line);
-    EXPECT_EQ(gsa.fix_mode_c, c.mode) << c.name;
-    EXPECT_EQ(gsa.fix_type_i, c.type) << c.name;
-    EXPECT_EQ(gsa.pdop_d, c.pdop) << c.name;
-    EXPECT_EQ(prns(gsa), c.prns) << c.name;
+    EXPECT_EQ(state(gsa), c.expected) << c.line;
+    EXPECT_EQ(notices, static_cast<int>(std::get<5>(c.expected).size())) << "one for each PRN entered";
   }
-}
-
-TEST(gsa, prns_age_out_after_ten_seconds) {
   test_queue_t clock;
   gps_gngsa_t gsa(clock);
-  feed(gsa, "$GNGSA,A,3,05,,,,,,,,,,,,1.0,1.0,1.0*10");
-  clock.advance(1.0);
-  feed(gsa, "$GNGSA,A,3,07,,,,,,,,,,,,1.0,1.0,1.0*10");
-  clock.advance(9.0);  // PRN 5 exactly 10 s old: stays
-  feed(gsa, "$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0*10");
-  EXPECT_EQ(prns(gsa), (std::vector<int>{5, 7}));
-  clock.advance(0.5);  // PRN 5 10.5 s old: goes; PRN 7 9.5 s: stays
-  feed(gsa, "$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0*10");
-  EXPECT_EQ(prns(gsa), (std::vector<int>{7}));
+  feed(gsa, cases[0].line);
+  EXPECT_EQ(std::tuple(gsa.fix_mode_text(), gsa.fix_type_text(), gsa.PRN_text()),
+            std::tuple("Auto"sv, "3D fix"sv, " 5 13 15"s));
+  feed(gsa, cases[1].line);
+  EXPECT_EQ(std::tuple(gsa.fix_mode_text(), gsa.fix_type_text()), std::tuple("Manual"sv, "2D fix"sv));
+  gsa.fix_mode_c = "X";
+  EXPECT_EQ(gsa.fix_mode_text(), "invalid");
+  gsa.reset();
+  EXPECT_EQ(state(gsa), state(gps_gngsa_t{clock}));
 }
 
-TEST(gsa, records_set_the_fix_type_table) {
+TEST(gsa, records_set_the_fix_type_table_and_a_sentence_sets_it_back) {
   test_queue_t clock;
   gps_gngsa_t gsa(clock);
   auto r = pvt_record();
   r.fixType = 4;
   r.pDOP = 156;
   gsa.update_pvt(r);
-  EXPECT_EQ(gsa.fix_type_text(), "GNSS + dead reckoning");
-  EXPECT_EQ(gsa.pdop_d, 1.56);
-  feed(gsa, gsa_good);
-  EXPECT_EQ(gsa.fix_type_text(), "3D fix");
+  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d),
+            std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
+  feed(gsa, "$GNGSA,A,,05,,,,,,,,,,,,1.0,1.0,1.0*10");
+  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "invalid"sv)) << "no type 4 in GSA";
+  gsa.update_pvt(r);
   gsa.update_posllh(posllh_record());
-  EXPECT_EQ(gsa.fix_type_text(), "no fix");
+  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "no fix"sv));
   r.fixType = 6;
   gsa.update_pvt(r);
   EXPECT_FALSE(gsa.pvt_mode);
+  r.fixType = 5;
+  gsa.update_pvt(r);
+  EXPECT_EQ(gsa.fix_type_text(), "time only fix");
+}
+
+// An entry reported at 0 s and another at 1 s; at 11 s the first has gone unreported for more than
+// 10 s, so the table is walked, and the second, exactly 10 s old, stays.
+TEST(gsa, prns_age_out_after_ten_seconds) {
+  test_queue_t clock;
+  gps_gngsa_t gsa(clock);
+  const auto listing = [&](const char* prn) {
+    feed(gsa, "$GNGSA,A,3," + std::string(prn) + ",,,,,,,,,,,,1.0,1.0,1.0*10");
+  };
+  listing("05");
+  clock.advance(1.0);
+  listing("07");
+  clock.advance(9.0);
+  listing("");
+  EXPECT_EQ(prns(gsa), (std::vector<int>{5, 7})) << "PRN 5 is exactly 10 s old";
+  clock.advance(1.0);
+  int notices = 0;
+  auto sub = gsa.subscribe([&] { ++notices; });
+  listing("");
+  EXPECT_EQ(prns(gsa), (std::vector<int>{7}));
+  EXPECT_EQ(notices, 1);
+  clock.advance(0.5);
+  listing("");
+  EXPECT_TRUE(prns(gsa).empty());
 }
 
 std::vector<std::string> table(const gps_gpgsv_t& gsv) {
@@ -102,46 +120,63 @@ std::vector<std::string> table(const gps_gpgsv_t& gsv) {
 }
 
 TEST(gsv, enters_the_satellites_of_a_sentence) {
+  const std::string s3 = " 3  elevation  3  azimuth 111  SNR  0", s4 = " 4  elevation 15  azimuth 270  SNR  0",
+                    s6 = " 6  elevation  1  azimuth  10  SNR  0", s7 = " 7  elevation 45  azimuth  23  SNR 38";
   const struct {
-    const char* name;
     std::string line;
     std::vector<std::string> table;
-  } cases[] = {
-      {"21 fields, four satellites",
-       "$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00,1*74",
-       {" 3  elevation  3  azimuth 111  SNR  0", " 4  elevation 15  azimuth 270  SNR  0",
-        " 6  elevation  1  azimuth  10  SNR  0", "13  elevation  6  azimuth 292  SNR  0"}},
-      {"20 fields: the fourth SNR is read before the checksum",
-       "$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,42*74",
-       {" 3  elevation  3  azimuth 111  SNR  0", " 4  elevation 15  azimuth 270  SNR  0",
-        " 6  elevation  1  azimuth  10  SNR  0", "13  elevation  6  azimuth 292  SNR 42"}},
-      {"20 fields, the fourth SNR empty: it stops there",
-       "$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,*74",
-       {" 3  elevation  3  azimuth 111  SNR  0", " 4  elevation 15  azimuth 270  SNR  0",
-        " 6  elevation  1  azimuth  10  SNR  0"}},
-      {"17 fields, three groups", "$GPGSV,3,3,11,22,42,067,42,24,14,311,43,27,05,244,00,1*4D",
-       {"22  elevation 42  azimuth  67  SNR 42", "24  elevation 14  azimuth 311  SNR 43",
-        "27  elevation  5  azimuth 244  SNR  0"}},
-      {"16 fields are ignored", "$GPGSV,3,3,11,22,42,067,42,24,14,311,43,27,05,244,00*4D", {}},
-      {"no elevation and azimuth: 0, 0, invalid", "$GPGSV,1,1,01,07,,,38,,,,,,,,,,,,*00",
-       {" 7  elevation  0  azimuth   0  SNR 38 (invalid)"}},
-      {"one-digit elevation stops", "$GPGSV,1,1,02,07,45,023,38,08,5,023,38,,,,,,,,*00",
-       {" 7  elevation 45  azimuth  23  SNR 38"}},
-      {"an empty SNR stops", "$GPGSV,1,1,02,07,45,023,,08,45,023,38,,,,,,,,*00", {}},
-      {"an empty PRN skips its group", "$GPGSV,1,1,02,,45,023,38,08,45,023,38,,,,,,,,*00",
-       {" 8  elevation 45  azimuth  23  SNR 38"}},
-      {"PRN 100 stops", "$GPGSV,1,1,02,100,45,023,38,08,45,023,38,,,,,,,,*00", {}},
-      {"azimuth 361 stops", "$GPGSV,1,1,02,07,45,361,38,,,,,,,,,,,,*00", {}},
-      {"ten sentences stop before anything", "$GPGSV,10,1,02,07,45,023,38,,,,,,,,,,,,*00", {}},
-      {"sentence number above the count stops", "$GPGSV,1,2,02,07,45,023,38,,,,,,,,,,,,*00", {}},
-      {"another talker is ignored", "$GLGSV,1,1,01,07,45,023,38,,,,,,,,,,,,*00", {}},
-  };
+  } cases[] = {{"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00,1*74",
+                {s3, s4, s6, "13  elevation  6  azimuth 292  SNR  0"}},
+               {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,42*74",
+                {s3, s4, s6, "13  elevation  6  azimuth 292  SNR 42"}},
+               {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,*74", {s3, s4, s6}},
+               {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00,1*4D", {s3, s4, s6}},
+               {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00*4D", {}},
+               {"$GPGSV,9,9,36,99,90,360,99,,,,,,,,,,,,*00", {"99  elevation 90  azimuth 360  SNR 99"}},
+               {"$GPGSV,1,1,01,07,,023,38,,,,,,,,,,,,*00", {" 7  elevation  0  azimuth  23  SNR 38 (invalid)"}},
+               {"$GPGSV,1,1,01,07,45,,38,,,,,,,,,,,,*00", {" 7  elevation 45  azimuth   0  SNR 38 (invalid)"}},
+               {"$GPGSV,1,1,02,07,45,023,38,08,5,023,38,,,,,,,,*00", {s7}},
+               {"$GPGSV,1,1,02,,45,023,38,07,45,023,38,,,,,,,,*00", {s7}},
+               {"$GPGSV,1,1,01,07,4x,023,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,01,07,91,023,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,01,07,45,23,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,02,07,45,361,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,02,07,45,0x3,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,02,07,45,023,100,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,02,07,45,023,,08,45,023,38,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,02,100,45,023,38,08,45,023,38,,,,,,,,*00", {}},
+               {"$GPGSV,1,1,37,07,45,023,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,10,1,02,07,45,023,38,,,,,,,,,,,,*00", {}},
+               {"$GPGSV,1,2,02,07,45,023,38,,,,,,,,,,,,*00", {}},
+               {"$GLGSV,1,1,01,07,45,023,38,,,,,,,,,,,,*00", {}}};
   for (const auto& c : cases) {
     test_queue_t clock;
     gps_gpgsv_t gsv(clock);
     feed(gsv, c.line);
-    EXPECT_EQ(table(gsv), c.table) << c.name;
+    EXPECT_EQ(table(gsv), c.table) << c.line;
   }
+}
+
+TEST(gsv, counts_notices_and_reset) {
+  test_queue_t clock;
+  gps_gpgsv_t gsv(clock);
+  int notices = 0;
+  auto sub = gsv.subscribe([&] { ++notices; });
+  feed(gsv, "$GPGSV,3,2,11,07,45,023,38,08,45,023,38,,,,,,,,*00");
+  EXPECT_EQ(notices, 3) << "the count in view and two satellites";
+  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get()), std::tuple(3, 2, 11));
+  feed(gsv, "$GPGSV,,,,07,45,023,38,,,,,,,,,,,,*00");
+  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get()), std::tuple(3, 2, 11))
+      << "empty counts keep their values";
+  auto r = pvt_record();
+  r.numSV = 14;
+  gsv.update_pvt(r);
+  gsv.update_posllh(posllh_record());
+  EXPECT_EQ(gsv.satellites_in_view, 14);
+  EXPECT_EQ(gsv.satellite_arr->size(), 2u) << "a record sets the count only";
+  gsv.reset();
+  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get(), gsv.satellite_arr->size()),
+            std::tuple(0, 0, 0, 0u));
 }
 
 TEST(gsv, satellites_age_out_and_readers_keep_their_report) {
@@ -150,31 +185,19 @@ TEST(gsv, satellites_age_out_and_readers_keep_their_report) {
   feed(gsv, "$GPGSV,1,1,02,07,45,023,38,08,45,023,38,,,,,,,,*00");
   const satellite_ref_t held = gsv.satellite_arr->at(7);
   clock.advance(1.0);
-  feed(gsv, "$GPGSV,1,1,02,08,46,024,39,,,,,,,,,,,,*00");
-  clock.advance(9.0);
-  feed(gsv, "$GPGSV,1,1,02,07,50,023,20,,,,,,,,,,,,*00");  // PRN 8 is 9 s old: stays
+  feed(gsv, "$GPGSV,1,1,02,08,46,024,39,09,46,024,39,,,,,,,,*00");
+  feed(gsv, "$GPGSV,1,1,02,07,50,023,20,,,,,,,,,,,,*00");
   EXPECT_EQ(held->elevation, 45) << "a report a reader holds never changes";
   EXPECT_EQ(gsv.satellite_arr->at(7)->elevation, 50);
-  EXPECT_EQ(gsv.satellite_arr->size(), 2u);
-  clock.advance(2.0);  // PRN 8 is 11 s old
-  feed(gsv, "$GPGSV,1,1,00,,,,,,,,,,,,,,,,*00");
-  EXPECT_EQ(gsv.satellite_arr->size(), 1u);
-  EXPECT_EQ(gsv.satellite_arr->count(8), 0u);
-  EXPECT_EQ(gsv.satellites_in_view, 0);
-}
-
-TEST(gsv, nav_pvt_sets_the_count_only) {
-  test_queue_t clock;
-  gps_gpgsv_t gsv(clock);
-  feed(gsv, "$GPGSV,1,1,01,07,45,023,38,,,,,,,,,,,,*00");
-  auto r = pvt_record();
-  r.numSV = 14;
-  gsv.update_pvt(r);
-  EXPECT_EQ(gsv.satellites_in_view, 14);
-  EXPECT_EQ(gsv.satellite_arr->size(), 1u);
-  gsv.reset();
-  EXPECT_TRUE(gsv.satellite_arr->empty());
-  EXPECT_EQ(gsv.sentence_count, 0);
+  const auto empty = [&](double seconds) {
+    clock.advance(seconds);
+    feed(gsv, "$GPGSV,1,1,00,,,,,,,,,,,,,,,,*00");
+    return gsv.satellite_arr->size();
+  };
+  EXPECT_EQ(empty(10.0), 3u) << "each exactly 10 s old";
+  EXPECT_EQ(empty(0.5), 0u);
+  feed(gsv, "$GPGSV,1,1,02,07,45,023,38,,,,,,,,,,,,*00");
+  EXPECT_EQ(empty(10.0), 1u) << "exactly 10 s old without a walk";
 }
 
 }  // namespace

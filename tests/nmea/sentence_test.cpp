@@ -3,95 +3,61 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
 
-const char* const gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47";
+const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47";
+const std::string gga_body = gga.substr(0, gga.size() - 3);
 
-TEST(checksum_valid, accepts_exactly_two_hex_digits_that_match) {
+std::vector<std::string_view> fields_of(std::string_view line, std::size_t room = 100) {
+  std::vector<std::string_view> fields(room);
+  const auto scan = scan_sentence(line, fields);
+  fields.resize(std::min(scan.field_count, room));
+  return fields;
+}
+
+TEST(scan_sentence, accepts_exactly_two_hex_digits_that_match) {
+  for (const std::string& line : {gga, std::string("$*00"), std::string("*00"), std::string("$A*41"),
+                                  std::string("$GPAAA,1*4B"), std::string("$GPAAA,1*4b")})
+    EXPECT_TRUE(scan_sentence(line, {}).checksum_ok) << line;
+  // A second "*" among the scanned words, or one in the wrong place; digits that are no hex digits.
+  for (const std::string& line :
+       {gga_body + "*48", gga_body + "*4", gga_body + "*470", gga_body.substr(0, gga_body.size() - 1) + "*,*47",
+        gga_body, std::string("$GPGGA,1*2*00"), std::string("$GPRMC,1*4f"), std::string("$A*+1"), std::string("$A* 41"),
+        std::string("$GPAAA,1*4G"), std::string("$GPAAA,1*G4"), std::string("$GPAAA,1*:B"), std::string("$GPAAA,1*4@"),
+        std::string("$GPAAA,2*4b"), std::string("$GPAAA,1*4g")})
+    EXPECT_FALSE(scan_sentence(line, {}).checksum_ok) << line;
+}
+
+TEST(scan_sentence, cuts_fields_and_counts_code_points) {
+  const auto f = fields_of(gga);
+  ASSERT_EQ(f.size(), 15u);
+  EXPECT_EQ(f[0], "$GPGGA");
+  EXPECT_EQ(f[13], "");
+  EXPECT_EQ(f[14], "*47");
+  EXPECT_EQ(fields_of("$X,,"), (std::vector<std::string_view>{"$X", "", ""}));
+  const std::string commas = "$GPGSV" + std::string(90, ',') + "*00";
+  std::vector<std::string_view> room(80);
+  EXPECT_EQ(scan_sentence(commas, room).field_count, 91u) << "all counted";
+  EXPECT_EQ(fields_of(commas, 80).size(), 80u) << "only those that fit stored";
   const struct {
-    std::string line;
-    bool valid;
-  } cases[] = {
-      {gga, true},
-      {"$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*48", false},
-      {"$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*4", false},
-      {"$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*470", false},
-      {"$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,*,*47", false},
-      {"$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", false},
-      {"$GPRMC,1*4f", false},
-      {"$*00", true},
-      {"*00", true},
-      {"$A*41", true},
-      {"$A*+1", false},
-      {"$A* 41", false},
-  };
-  for (const auto& c : cases) EXPECT_EQ(checksum_valid(c.line), c.valid) << c.line;
-}
-
-TEST(checksum_valid, hex_letters_in_either_case) {
-  // The XOR of "GPAAA,1" is 0x4B.
-  EXPECT_TRUE(checksum_valid("$GPAAA,1*4B"));
-  EXPECT_TRUE(checksum_valid("$GPAAA,1*4b"));
-  EXPECT_FALSE(checksum_valid("$GPAAA,1*4G"));
-}
-
-TEST(split_fields, keeps_empty_fields_and_the_checksum_on_the_last) {
-  std::vector<std::string_view> fields;
-  split_fields(gga, fields);
-  ASSERT_EQ(fields.size(), 15u);
-  EXPECT_EQ(fields[0], "$GPGGA");
-  EXPECT_EQ(fields[13], "");
-  EXPECT_EQ(fields[14], "*47");
-  split_fields("$X,,", fields);
-  EXPECT_EQ(fields, (std::vector<std::string_view>{"$X", "", ""}));
+    std::string text;
+    std::size_t characters;
+  } texts[] = {
+      {"abc", 3}, {"\xC3\xA9t\xC3\xA9", 3}, {"\xF0\x9F\x9B\xB0", 1}, {"$GP\xC3\xA9\xC3\xA9,1,2*00", 12}, {gga, 65}};
+  for (const auto& t : texts) EXPECT_EQ(scan_sentence(t.text, {}).characters, t.characters) << t.text;
   EXPECT_EQ(strip_checksum("12*47"), "12");
   EXPECT_EQ(strip_checksum("12"), "12");
 }
 
-TEST(count_characters, counts_code_points) {
-  EXPECT_EQ(count_characters("abc"), 3u);
-  EXPECT_EQ(count_characters("\xC3\xA9t\xC3\xA9"), 3u);          // été
-  EXPECT_EQ(count_characters("\xF0\x9F\x9B\xB0"), 1u);            // one satellite
-}
-
-}  // namespace
-
-namespace {
-
-// The one-pass scan says of every line what the three separate steps say.
-TEST(scan_sentence, agrees_with_counting_checking_and_splitting) {
-  const std::string long_line = "$GPGSV" + std::string(90, ',') + "*00";
-  const std::string commas = "$" + std::string(79, ',');
-  const std::vector<std::string> lines = {
-      gga,
-      "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*48",
-      "$A*41",
-      "$*00",
-      "$GPAAA,1*4b",
-      "$GPGGA,1*2*00",
-      "$GP\xc3\xa9\xc3\xa9,1,2*00",
-      "$,,,*2C",
-      long_line,
-      commas,
-      "$GPTXT,01,01,02,u-blox ag - www.u-blox.com*50",
-  };
-  std::vector<std::string_view> fields(80);
-  for (const auto& line : lines) {
-    const auto scan = scan_sentence(line, fields);
-    EXPECT_EQ(scan.characters, count_characters(line)) << line;
-    EXPECT_EQ(scan.checksum_ok, checksum_valid(line)) << line;
-    std::vector<std::string_view> expected;
-    split_fields(line, expected);
-    EXPECT_EQ(scan.field_count, expected.size()) << line;
-    const std::size_t stored = std::min(scan.field_count, fields.size());
-    EXPECT_EQ(std::vector<std::string_view>(fields.begin(), fields.begin() + static_cast<std::ptrdiff_t>(stored)),
-              std::vector<std::string_view>(expected.begin(), expected.begin() + static_cast<std::ptrdiff_t>(stored)))
-        << line;
-  }
+TEST(with_checksum, appends_the_body_checksum_in_upper_case) {
+  EXPECT_EQ(body_checksum("GPAAA,1"), 0x4B);
+  EXPECT_EQ(with_checksum("$GPAAA,1"), "$GPAAA,1*4B");
+  EXPECT_EQ(with_checksum(gga_body), gga);
+  EXPECT_EQ(with_checksum("$"), "$*00");
 }
 
 }  // namespace

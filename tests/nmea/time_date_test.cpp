@@ -9,9 +9,10 @@ TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction) {
     const char* text;
     time_hms_t expected;
   } good[] = {
-      {"123519", {12, 35, 19, 0}},     {"123519.00", {12, 35, 19, 0}},   {"123519.5", {12, 35, 19, 5}},
-      {"123519.50", {12, 35, 19, 50}}, {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
-      {"000000", {0, 0, 0, 0}},        {"+1+2+3", {1, 2, 3, 0}},
+      {"123519", {12, 35, 19, 0}},       {"123519.00", {12, 35, 19, 0}},    {"123519.5", {12, 35, 19, 5}},
+      {"123519.50", {12, 35, 19, 50}},   {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
+      {"000000", {0, 0, 0, 0}},          {"+1+2+3", {1, 2, 3, 0}},          {"23+159", {23, 1, 59, 0}},
+      {"+15959.+999", {1, 59, 59, 999}},
   };
   for (const auto& c : good) {
     time_hms_t t{1, 1, 1, 1};
@@ -21,8 +22,9 @@ TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction) {
 }
 
 TEST(time_hms, a_failed_parse_changes_nothing) {
-  for (const char* text : {"123519.", "1235.19", "12351", "123519.1.2", "240000", "126000", "123560",
-                           "123519.1000", "", "12a519", "-12519", "123519.-1", "1235190"}) {
+  for (const char* text : {"123519.", "1235.19", "12351", "123519.1.2", "240000", "126000", "123560", "123519.1000", "",
+                           "12a519", "-12519", "123519.-1", "1235190", "+24+00+00", "+1+60+0", "+1+0+60", "+1+0+0.1000",
+                           "123519.1234567890123456789"}) {
     time_hms_t t{1, 2, 3, 4};
     EXPECT_FALSE(t.parse(text)) << text;
     EXPECT_EQ(t, (time_hms_t{1, 2, 3, 4})) << text;
@@ -33,8 +35,8 @@ TEST(time_hms, gps_time_of_day_from_a_week_millisecond) {
   time_hms_t t;
   t.set_from_itow(3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u);  // Wednesday 13:05:07.250
   EXPECT_EQ(t, (time_hms_t{13, 5, 7, 250}));
-  t.set_from_itow(0xFFFFFFFFu);
-  EXPECT_EQ(t, (time_hms_t{(0xFFFFFFFFu / 3'600'000u) % 24, (0xFFFFFFFFu / 60'000u) % 60, (0xFFFFFFFFu / 1000u) % 60, 295}));
+  t.set_from_itow(0xFFFFFFFFu);  // 49 days, 17:02:47.295
+  EXPECT_EQ(t, (time_hms_t{17, 2, 47, 295}));
 }
 
 TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
@@ -50,16 +52,21 @@ TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
     EXPECT_TRUE(d.parse(c.text)) << c.text;
     EXPECT_EQ(d, c.expected) << c.text;
   }
-  for (const char* text : {"000124", "011324", "3201245", "320124", "01012", "", "0a0124", "01-124"}) {
+  for (const char* text :
+       {"000124", "011324", "010024", "3201245", "320124", "01012", "", "0a0124", "01-124", "0101-1"}) {
     date_ymd_t d{1, 2, 3};
     EXPECT_FALSE(d.parse(text)) << text;
     EXPECT_EQ(d, (date_ymd_t{1, 2, 3})) << text;
   }
 }
 
-TEST(time_date_text, formats_with_leading_zeros) {
-  EXPECT_EQ(hms_text({1, 2, 3, 400}), "01:02:03");
-  EXPECT_EQ(ymd_text({2024, 3, 5}), "2024-03-05");
+TEST(time_date_text, pads_with_zeros_and_widens_for_large_values) {
+  EXPECT_EQ(hms_chars({1, 2, 3, 400}).view(), "01:02:03");
+  EXPECT_EQ(hms_chars({123, 2, 3, 0}).view(), "123:02:03");
+  EXPECT_EQ(hms_chars({1, 100, 3, 0}).view(), "01:100:03");
+  EXPECT_EQ(ymd_chars({2024, 3, 5}).view(), "2024-03-05");
+  EXPECT_EQ(ymd_chars({65535, 12, 100}).view(), "65535-12-100");
+  EXPECT_EQ(ymd_chars({7, 1, 1}).view(), "0007-01-01");
 }
 
 }  // namespace

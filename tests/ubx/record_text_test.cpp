@@ -6,15 +6,17 @@
 
 namespace {
 
+template <class Record>
+std::string text(const Record& r) {
+  std::string out = "kept:";
+  append_text(out, r);
+  return out.substr(5);
+}
+
+// Records are written in wire order, as a frame lists their fields.
 TEST(record_text, posllh_in_fixed_columns) {
-  auto r = posllh_record();
-  r.iTOW = 0;
-  r.lon = -1225000000;
-  r.lat = 426912345;
-  r.height = -500;
-  r.hMSL = -1500;
-  r.hAcc = 1500;
-  r.vAcc = 1000000;
+  // class, id, length, iTOW, lon, lat, height, hMSL, hAcc, vAcc
+  const gps_posllh_t r{1, 2, 28, 0, -1225000000, 426912345, -500, -1500, 1500, 1000000};
   EXPECT_EQ(text(r),
             "cls 1  id 2   POSLLH  len 28       iTOW          0         sun  0:00:00.000\n"
             "accuracy H     1.500  [height above elipsoid      -0.500]  lat   42.6912345\n"
@@ -22,38 +24,11 @@ TEST(record_text, posllh_in_fixed_columns) {
 }
 
 TEST(record_text, pvt_in_fixed_columns_with_the_extremes_of_each_type) {
-  auto r = pvt_record();
-  r.iTOW = 604800005;  // a week and more: no weekday
-  r.hAcc = 1500;
-  r.vAcc = 1000000;  // too wide for the space before "["
-  r.height = INT32_MIN;
-  r.hMSL = 27240;
-  r.lat = -349062349;
-  r.lon = 1386081181;
-  r.valid = 0x37;
-  r.flags = 0x03;
-  r.flags2 = 0x0a;
-  r.flags3 = 0xe000;
-  r.velN = -9;
-  r.velE = -15;
-  r.velD = 3;
-  r.magDec = INT16_MIN;
-  r.magAcc = 32768;
-  r.pDOP = 145;
-  r.gSpeed = 17;
-  r.sAcc = 172;
-  r.numSV = 14;
-  r.headMot = 3147178;
-  r.headAcc = 876849;
-  r.fixType = 7;
-  r.headVeh = -5;
-  r.nano = -399901547;
-  r.year = 2017;
-  r.month = 7;
-  r.day = 19;
-  r.hour = 8;
-  r.min = 50;
-  r.sec = 5;
+  // iTOW a week and more: no weekday; vAcc too wide for the space before "[".
+  const gps_pvt_t r{1,          7,         92,     604800005,  2017,    7,    19,   8,         50,
+                    5,          0x37,      0,      -399901547, 7,       0x03, 0x0a, 14,        1386081181,
+                    -349062349, INT32_MIN, 27240,  1500,       1000000, -9,   -15,  3,         17,
+                    3147178,    172,       876849, 145,        0xe000,  0,    -5,   INT16_MIN, 32768};
   EXPECT_EQ(text(r),
             "cls 1  id 7      PVT  len 92              iTOW  604800005    0:00:00.005\n"
             "accuracy H     1.500  [height above elipsoid-2147483.648]  lat  -34.9062349\n"

@@ -4,40 +4,80 @@
 
 #include <array>
 
+#include "support/records.h"
+
 namespace {
 
-TEST(records, posllh_reads_little_endian_fields_at_their_offsets) {
-  std::array<std::uint8_t, 32> image{};
-  const std::uint8_t head[] = {0x01, 0x02, 28, 0,                    // class, id, length
-                               0x10, 0x32, 0x54, 0x76,               // iTOW
-                               0x00, 0x00, 0x00, 0x80,               // lon: most negative
-                               0xFF, 0xFF, 0xFF, 0xFF};              // lat: -1
-  std::copy(std::begin(head), std::end(head), image.begin());
-  image[28] = 0x01;  // vAcc
-  const auto p = gps_posllh_t::from_image(image);
-  EXPECT_EQ(p.cls, 0x01);
-  EXPECT_EQ(p.id, 0x02);
-  EXPECT_EQ(p.length, 28);
-  EXPECT_EQ(p.iTOW, 0x76543210u);
-  EXPECT_EQ(p.lon, INT32_MIN);
-  EXPECT_EQ(p.lat, -1);
-  EXPECT_EQ(p.vAcc, 1u);
-}
-
-TEST(records, pvt_fields_land_at_their_offsets) {
-  std::array<std::uint8_t, 96> image{};
+TEST(records, fields_land_at_their_offsets_and_write_back_the_same) {
+  std::array<std::uint8_t, gps_pvt_t::image_size> image{};
   for (std::size_t i = 0; i < image.size(); ++i) image[i] = static_cast<std::uint8_t>(i);
   const auto p = gps_pvt_t::from_image(image);
+  EXPECT_EQ(p.length, 0x0302);
+  EXPECT_EQ(p.iTOW, 0x07060504u);
   EXPECT_EQ(p.year, 0x0908);
   EXPECT_EQ(p.sec, 14);
+  EXPECT_EQ(p.tAcc, 0x13121110u);
   EXPECT_EQ(p.fixType, 24);
   EXPECT_EQ(p.numSV, 27);
   EXPECT_EQ(p.lon, 0x1F1E1D1C);
+  EXPECT_EQ(p.vAcc, 0x33323130u);
   EXPECT_EQ(p.gSpeed, 0x43424140);
   EXPECT_EQ(p.pDOP, 0x5150);
   EXPECT_EQ(p.headVeh, 0x5B5A5958);
   EXPECT_EQ(p.magDec, 0x5D5C);
   EXPECT_EQ(p.magAcc, 0x5F5E);
+  EXPECT_EQ(image_of(p), image);
+
+  std::array<std::uint8_t, gps_posllh_t::image_size> head{0x01, 0x02, 28,   0,    0x10, 0x32, 0x54, 0x76,
+                                                          0x00, 0x00, 0x00, 0x80, 0xFF, 0xFF, 0xFF, 0xFF};
+  head[28] = 0x01;
+  const auto l = gps_posllh_t::from_image(head);
+  EXPECT_EQ(l.iTOW, 0x76543210u);
+  EXPECT_EQ(l.lon, INT32_MIN);
+  EXPECT_EQ(l.lat, -1);
+  EXPECT_EQ(l.vAcc, 1u);
+  EXPECT_EQ(image_of(l), head);
+}
+
+TEST(records, a_frame_is_sync_image_and_fletcher_checksum) {
+  EXPECT_EQ(frame_of(std::array<std::uint8_t, 3>{0x01, 0x02, 0xFF}),
+            (std::vector<std::uint8_t>{0xB5, 0x62, 0x01, 0x02, 0xFF, 0x02, 0x06}));
+  std::array<std::uint8_t, 300> ones;
+  ones.fill(1);
+  EXPECT_EQ(ubx_checksum(ones), (std::array<std::uint8_t, 2>{300 % 256, (300 * 301 / 2) % 256}));
+}
+
+TEST(records, plausibility_checks_each_range) {
+  using change_t = void (*)(gps_pvt_t&);
+  const struct {
+    change_t edge;    // the last value taken
+    change_t beyond;  // the first value refused
+  } bounds[] = {{[](gps_pvt_t& r) { r.numSV = 36; }, [](gps_pvt_t& r) { r.numSV = 37; }},
+                {[](gps_pvt_t& r) { r.pDOP = 9999; }, [](gps_pvt_t& r) { r.pDOP = 10000; }},
+                {[](gps_pvt_t& r) { r.fixType = 5; }, [](gps_pvt_t& r) { r.fixType = 6; }},
+                {[](gps_pvt_t& r) { r.lat = 900000000; }, [](gps_pvt_t& r) { r.lat = 900000001; }},
+                {[](gps_pvt_t& r) { r.lat = -900000000; }, [](gps_pvt_t& r) { r.lat = -900000001; }},
+                {[](gps_pvt_t& r) { r.lon = 1800000000; }, [](gps_pvt_t& r) { r.lon = 1800000001; }},
+                {[](gps_pvt_t& r) { r.lon = -1800000000; }, [](gps_pvt_t& r) { r.lon = -1800000001; }},
+                {[](gps_pvt_t& r) { r.month = 1; }, [](gps_pvt_t& r) { r.month = 0; }},
+                {[](gps_pvt_t& r) { r.month = 12; }, [](gps_pvt_t& r) { r.month = 13; }},
+                {[](gps_pvt_t& r) { r.day = 1; }, [](gps_pvt_t& r) { r.day = 0; }},
+                {[](gps_pvt_t& r) { r.day = 31; }, [](gps_pvt_t& r) { r.day = 32; }},
+                {[](gps_pvt_t& r) { r.hour = 23; }, [](gps_pvt_t& r) { r.hour = 24; }},
+                {[](gps_pvt_t& r) { r.min = 59; }, [](gps_pvt_t& r) { r.min = 60; }},
+                {[](gps_pvt_t& r) { r.sec = 59; }, [](gps_pvt_t& r) { r.sec = 60; }}};
+  for (std::size_t row = 0; row < std::size(bounds); ++row) {
+    for (const bool taken : {true, false}) {
+      auto r = valid_pvt();
+      (taken ? bounds[row].edge : bounds[row].beyond)(r);
+      EXPECT_EQ(r.is_plausible(), taken) << "row " << row;
+      gps_posllh_t p;
+      p.lat = r.lat;
+      p.lon = r.lon;
+      const bool moved = r.lat != valid_pvt().lat || r.lon != valid_pvt().lon;
+      EXPECT_EQ(p.is_plausible(), taken || !moved) << "row " << row << ": NAV-POSLLH checks the position only";
+    }
+  }
 }
 
 }  // namespace

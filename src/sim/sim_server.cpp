@@ -1,4 +1,4 @@
-#include "app/sim_server.h"
+#include "sim/sim_server.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -10,10 +10,10 @@
 // the duration has passed or `stop` is set. Clients connected longer than drop_after_s are
 // dropped (they may connect again) to test reconnects.
 struct sim_server_config_t {
-  std::uint16_t port = 10110;   // the port registered for NMEA 0183 over TCP
-  double period_s = 1.0;        // s between pieces
-  double duration_s = 0.0;      // 0: until stopped
-  double drop_after_s = 0.0;    // 0: never
+  std::uint16_t port = 10110;  // the port registered for NMEA 0183 over TCP
+  double period_s = 1.0;       // s between pieces
+  double duration_s = 0.0;     // 0: until stopped
+  double drop_after_s = 0.0;   // 0: never
 };
 
 class sim_server_t {

@@ -23,13 +23,19 @@ inline std::uint64_t load(const void* p) {
 
 // 0x80 in every byte of the word that is zero, 0 in every other byte. Exact: no carry crosses
 // from one byte into the next.
-inline std::uint64_t zero_bytes(std::uint64_t w) { return ~(((w & low7) + low7) | w | low7); }
+inline std::uint64_t zero_bytes(std::uint64_t w) {
+  return ~(((w & low7) + low7) | w | low7);
+}
 
 // 0x80 in every byte of the word that equals c.
-inline std::uint64_t bytes_equal(std::uint64_t w, char c) { return zero_bytes(w ^ (ones * static_cast<std::uint8_t>(c))); }
+inline std::uint64_t bytes_equal(std::uint64_t w, char c) {
+  return zero_bytes(w ^ (ones * static_cast<std::uint8_t>(c)));
+}
 
 // The index within the word of the lowest marked byte of a non-zero mask.
-inline std::size_t first_marked(std::uint64_t mask) { return static_cast<std::size_t>(std::countr_zero(mask)) / 8; }
+inline std::size_t first_marked(std::uint64_t mask) {
+  return static_cast<std::size_t>(std::countr_zero(mask)) / 8;
+}
 
 // The index of the first c in text[from, size), or size.
 inline std::size_t find(const char* text, std::size_t from, std::size_t size, char c) {

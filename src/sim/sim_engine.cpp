@@ -1,9 +1,13 @@
-#include "app/sim_engine.h"
+#include "sim/sim_engine.h"
 
 #include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <numbers>
+#include <span>
+
+#include "nmea/sentence.h"
+#include "ubx/records.h"
 
 namespace {
 
@@ -19,42 +23,23 @@ std::string nmea_coordinate(double degrees, int degree_digits) {
   return text;
 }
 
-void put_u8(std::string& out, std::uint32_t v) { out.push_back(static_cast<char>(v & 0xFF)); }
-void put_u16(std::string& out, std::uint32_t v) {
-  put_u8(out, v);
-  put_u8(out, v >> 8);
+// A record's latitude, longitude or other scaled value, rounded to its integer unit.
+std::int32_t record_value(double v) {
+  return static_cast<std::int32_t>(std::lround(v));
 }
-void put_u32(std::string& out, std::uint32_t v) {
-  put_u16(out, v);
-  put_u16(out, v >> 16);
-}
-void put_i32(std::string& out, double v) { put_u32(out, static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(v)))); }
 
-// B5 62, class, id, length, payload, Fletcher checksum over class to payload.
-std::string ubx_frame(std::uint8_t id, const std::string& payload) {
-  std::string body;
-  put_u8(body, 0x01);
-  put_u8(body, id);
-  put_u16(body, static_cast<std::uint32_t>(payload.size()));
-  body += payload;
-  std::uint8_t a = 0;
-  std::uint8_t b = 0;
-  for (const char c : body) {
-    a = static_cast<std::uint8_t>(a + static_cast<std::uint8_t>(c));
-    b = static_cast<std::uint8_t>(b + a);
-  }
-  std::string frame = "\xB5\x62";
-  frame += body;
-  put_u8(frame, a);
-  put_u8(frame, b);
-  return frame;
+void add_frame(std::string& out, std::span<const std::uint8_t> image) {
+  const auto frame = frame_of(image);
+  out.append(frame.begin(), frame.end());
 }
 
 }  // namespace
 
 sim_engine_t::sim_engine_t(const sim_config_t& config) : config_(config), rng_(config.seed) {}
 
-double sim_engine_t::uniform() { return static_cast<double>(rng_() >> 11) * 0x1.0p-53; }
+double sim_engine_t::uniform() {
+  return static_cast<double>(rng_() >> 11) * 0x1.0p-53;
+}
 
 // A loop through the start point, walked at a constant speed.
 sim_engine_t::position_t sim_engine_t::position(double t) const {
@@ -69,14 +54,13 @@ sim_engine_t::position_t sim_engine_t::position(double t) const {
 }
 
 void sim_engine_t::add_sentence(std::string& out, const std::string& body) {
-  unsigned sum = 0;
-  for (const char c : body) sum ^= static_cast<unsigned char>(c);
+  unsigned sum = body_checksum(body);
   if (uniform() < config_.bad_checksum_rate) {
     sum ^= 0x5A;
     ++counts_.bad_checksums;
   }
   char tail[8];
-  std::snprintf(tail, sizeof tail, "*%02X\r\n", sum & 0xFF);
+  std::snprintf(tail, sizeof tail, "*%02X\r\n", sum);
   out += "$" + body + tail;
   ++counts_.sentences;
   if (uniform() < config_.garbage_rate) {
@@ -171,54 +155,59 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
   const std::time_t now = static_cast<std::time_t>(config_.start_utc_s) + static_cast<std::time_t>(t);
   std::tm utc{};
   gmtime_r(&now, &utc);
-  const auto itow = static_cast<std::uint32_t>(((utc.tm_wday * 24 + utc.tm_hour) * 60 + utc.tm_min) * 60 + utc.tm_sec) * 1000u;
+  const auto itow =
+      static_cast<std::uint32_t>(((utc.tm_wday * 24 + utc.tm_hour) * 60 + utc.tm_min) * 60 + utc.tm_sec) * 1000u;
   const double course = p.course_deg * pi / 180.0;
 
   // NAV-POSLLH first: an epoch ends with its NAV-PVT, whose fix type the screens then show.
-  std::string posllh;
-  put_u32(posllh, itow);
-  put_i32(posllh, p.lon * 1e7);
-  put_i32(posllh, p.lat * 1e7);
-  put_i32(posllh, 567000);
-  put_i32(posllh, 520000);
-  put_u32(posllh, 1200);
-  put_u32(posllh, 1800);
-  out += ubx_frame(0x02, posllh);
+  constexpr std::int32_t height_mm = 567000;  // above the ellipsoid
+  constexpr std::int32_t msl_mm = 520000;     // above mean sea level
+  constexpr std::uint32_t h_acc_mm = 1200;
+  constexpr std::uint32_t v_acc_mm = 1800;
+  gps_posllh_t posllh;
+  posllh.cls = ubx_class_nav;
+  posllh.id = gps_posllh_t::message_id;
+  posllh.length = gps_posllh_t::payload_length;
+  posllh.iTOW = itow;
+  posllh.lon = record_value(p.lon * 1e7);
+  posllh.lat = record_value(p.lat * 1e7);
+  posllh.height = height_mm;
+  posllh.hMSL = msl_mm;
+  posllh.hAcc = h_acc_mm;
+  posllh.vAcc = v_acc_mm;
+  add_frame(out, image_of(posllh));
 
-  std::string pvt;
-  put_u32(pvt, itow);
-  put_u16(pvt, static_cast<std::uint32_t>(utc.tm_year + 1900));
-  put_u8(pvt, static_cast<std::uint32_t>(utc.tm_mon + 1));
-  put_u8(pvt, static_cast<std::uint32_t>(utc.tm_mday));
-  put_u8(pvt, static_cast<std::uint32_t>(utc.tm_hour));
-  put_u8(pvt, static_cast<std::uint32_t>(utc.tm_min));
-  put_u8(pvt, static_cast<std::uint32_t>(utc.tm_sec));
-  put_u8(pvt, 0x37);            // date, time and fully resolved
-  put_u32(pvt, 25);             // tAcc, ns
-  put_i32(pvt, 0);              // nano
-  put_u8(pvt, 3);               // 3D fix
-  put_u8(pvt, 0x01);            // gnssFixOK
-  put_u8(pvt, 0x0A);
-  put_u8(pvt, satellite_count - 2);
-  put_i32(pvt, p.lon * 1e7);
-  put_i32(pvt, p.lat * 1e7);
-  put_i32(pvt, 567000);         // height above the ellipsoid, mm
-  put_i32(pvt, 520000);         // above mean sea level, mm
-  put_u32(pvt, 1200);           // hAcc, mm
-  put_u32(pvt, 1800);           // vAcc, mm
-  put_i32(pvt, p.speed_mps * std::cos(course) * 1000);
-  put_i32(pvt, p.speed_mps * std::sin(course) * 1000);
-  put_i32(pvt, 0);
-  put_i32(pvt, p.speed_mps * 1000);
-  put_i32(pvt, p.course_deg * 1e5);
-  put_u32(pvt, 150);            // sAcc, mm/s
-  put_u32(pvt, 500000);         // headAcc, 1e-5 degree
-  put_u16(pvt, 145);            // pDOP, 0.01
-  put_u16(pvt, 0);
-  put_u32(pvt, 0);
-  put_i32(pvt, p.course_deg * 1e5);
-  put_u16(pvt, 0);
-  put_u16(pvt, 0);
-  out += ubx_frame(0x07, pvt);
+  gps_pvt_t pvt;
+  pvt.cls = ubx_class_nav;
+  pvt.id = gps_pvt_t::message_id;
+  pvt.length = gps_pvt_t::payload_length;
+  pvt.iTOW = itow;
+  pvt.year = static_cast<std::uint16_t>(utc.tm_year + 1900);
+  pvt.month = static_cast<std::uint8_t>(utc.tm_mon + 1);
+  pvt.day = static_cast<std::uint8_t>(utc.tm_mday);
+  pvt.hour = static_cast<std::uint8_t>(utc.tm_hour);
+  pvt.min = static_cast<std::uint8_t>(utc.tm_min);
+  pvt.sec = static_cast<std::uint8_t>(utc.tm_sec);
+  pvt.valid = 0x37;  // date, time and fully resolved
+  pvt.tAcc = 25;     // ns
+  pvt.fixType = 3;   // 3D fix
+  pvt.flags = 0x01;  // gnssFixOK
+  pvt.flags2 = 0x0A;
+  pvt.numSV = satellite_count - 2;
+  pvt.lon = posllh.lon;
+  pvt.lat = posllh.lat;
+  pvt.height = height_mm;
+  pvt.hMSL = msl_mm;
+  pvt.hAcc = h_acc_mm;
+  pvt.vAcc = v_acc_mm;
+  pvt.velN = record_value(p.speed_mps * std::cos(course) * 1000);
+  pvt.velE = record_value(p.speed_mps * std::sin(course) * 1000);
+  pvt.gSpeed = record_value(p.speed_mps * 1000);
+  pvt.headMot = record_value(p.course_deg * 1e5);
+  pvt.sAcc = 150;        // mm/s
+  pvt.headAcc = 500000;  // 1e-5 degree
+  pvt.pDOP = 145;        // 0.01
+  pvt.headVeh = pvt.headMot;
+  add_frame(out, image_of(pvt));
   counts_.frames += 2;
 }

@@ -8,23 +8,23 @@
 // What the simulated receiver does.
 struct sim_config_t {
   std::uint64_t seed = 1;
-  double lat = 48.1173;             // degrees, start and centre of the loop; south negative
-  double lon = 11.5167;             // degrees; west negative
-  double loop_radius_m = 150.0;     // m
-  double speed_mps = 1.4;           // m/s, a walk
-  bool ubx = false;                 // NAV-PVT and NAV-POSLLH frames instead of sentences
-  double bad_checksum_rate = 0.0;   // share of sentences sent with a wrong checksum
-  double garbage_rate = 0.0;        // share of sentences followed by a junk line
+  double lat = 48.1173;                   // degrees, start and centre of the loop; south negative
+  double lon = 11.5167;                   // degrees; west negative
+  double loop_radius_m = 150.0;           // m
+  double speed_mps = 1.4;                 // m/s, a walk
+  bool ubx = false;                       // NAV-PVT and NAV-POSLLH frames instead of sentences
+  double bad_checksum_rate = 0.0;         // share of sentences sent with a wrong checksum
+  double garbage_rate = 0.0;              // share of sentences followed by a junk line
   std::int64_t start_utc_s = 1767268800;  // 2026-01-01 12:00:00
-  double epoch_s = 1.0;             // simulated seconds per epoch (1 / rate)
+  double epoch_s = 1.0;                   // simulated seconds per epoch (1 / rate)
 };
 
 // What it has injected so far.
 struct sim_counts_t {
-  std::uint64_t sentences = 0;      // sentences sent, good and bad
+  std::uint64_t sentences = 0;  // sentences sent, good and bad
   std::uint64_t bad_checksums = 0;
   std::uint64_t garbage_lines = 0;
-  std::uint64_t frames = 0;         // UBX frames
+  std::uint64_t frames = 0;  // UBX frames
 };
 
 // A moving receiver: one epoch after another, each the bytes a receiver sends in one second

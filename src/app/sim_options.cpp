@@ -1,0 +1,87 @@
+#include "app/sim_options.h"
+
+#include <cstdint>
+
+#include "nmea/fields.h"
+
+const char* const sim_usage =
+    "Usage: korvid-sim [options]\n"
+    "\n"
+    "A GNSS receiver simulator: serves a moving receiver's NMEA sentences (or UBX frames) to any\n"
+    "number of TCP clients on 127.0.0.1.\n"
+    "\n"
+    "  --port N               port to listen on (default 10110; 0 picks a free one)\n"
+    "  --rate HZ              epochs per second, or lines per second with --replay (default 1)\n"
+    "  --lat DEG --lon DEG    centre of the loop the receiver walks (south and west negative)\n"
+    "  --speed M/S            walking or driving speed (default 1.4)\n"
+    "  --seed N               the same seed gives the same stream\n"
+    "  --ubx                  send NAV-PVT and NAV-POSLLH frames instead of sentences\n"
+    "  --bad-checksum-rate P  share of sentences sent with a wrong checksum, 0 to 1\n"
+    "  --garbage-rate P       share of sentences followed by a line of junk, 0 to 1\n"
+    "  --drop-after S         close each connection S seconds after it was made\n"
+    "  --replay FILE          serve a capture line by line instead\n"
+    "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n";
+
+namespace {
+
+// A number within [low, high]; a missing value reads as no number.
+bool parse_number(std::string_view text, double low, double high, double& out) {
+  const auto v = parse_double(text);
+  if (!v || !(*v >= low && *v <= high)) return false;
+  out = *v;
+  return true;
+}
+
+}  // namespace
+
+sim_parse_t parse_sim(std::span<const std::string_view> args) {
+  sim_options_t options;
+  double rate_hz = 1.0;
+  auto fail = [](std::string message) { return sim_parse_t{std::nullopt, std::move(message)}; };
+
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const auto arg = args[i];
+    const auto value = [&] { return i + 1 < args.size() ? args[++i] : std::string_view(); };
+    const auto number = [&](double low, double high, double& out) { return parse_number(value(), low, high, out); };
+    double v = 0;
+    if (arg == "--help" || arg == "-h") {
+      options.help = true;
+      return {options, {}};
+    } else if (arg == "--port") {
+      if (!number(0, 65535, v) || v != static_cast<int>(v)) return fail("--port takes a port number 0 to 65535");
+      options.server.port = static_cast<std::uint16_t>(v);
+    } else if (arg == "--rate") {
+      if (!number(0.01, 1000, rate_hz)) return fail("--rate takes a number of epochs per second, 0.01 to 1000");
+    } else if (arg == "--lat") {
+      if (!number(-89.9, 89.9, options.receiver.lat)) return fail("--lat takes degrees, -89.9 to 89.9");
+    } else if (arg == "--lon") {
+      if (!number(-180, 180, options.receiver.lon)) return fail("--lon takes degrees, -180 to 180");
+    } else if (arg == "--speed") {
+      if (!number(0, 100, options.receiver.speed_mps)) return fail("--speed takes metres per second, 0 to 100");
+    } else if (arg == "--seed") {
+      const auto seed = parse_unsigned(value(), UINT64_MAX);
+      if (!seed) return fail("--seed takes a whole number");
+      options.receiver.seed = *seed;
+    } else if (arg == "--ubx") {
+      options.receiver.ubx = true;
+    } else if (arg == "--bad-checksum-rate") {
+      if (!number(0, 1, options.receiver.bad_checksum_rate))
+        return fail("--bad-checksum-rate takes a share from 0 to 1");
+    } else if (arg == "--garbage-rate") {
+      if (!number(0, 1, options.receiver.garbage_rate)) return fail("--garbage-rate takes a share from 0 to 1");
+    } else if (arg == "--drop-after") {
+      if (!number(0.01, 1e9, options.server.drop_after_s))
+        return fail("--drop-after takes a positive number of seconds");
+    } else if (arg == "--duration") {
+      if (!number(0.01, 1e9, options.server.duration_s)) return fail("--duration takes a positive number of seconds");
+    } else if (arg == "--replay") {
+      options.replay_file = std::string(value());
+      if (options.replay_file.empty()) return fail("--replay needs a file name");
+    } else {
+      return fail("unknown option '" + std::string(arg) + "'");
+    }
+  }
+  options.server.period_s = 1.0 / rate_hz;
+  options.receiver.epoch_s = options.server.period_s;
+  return {options, {}};
+}

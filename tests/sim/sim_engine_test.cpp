@@ -1,0 +1,105 @@
+#include "sim/sim_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "link/connection.h"
+#include "link/offline_links.h"
+#include "link/replay.h"
+#include "nmea/sentence.h"
+#include "support/recording_console.h"
+#include "support/test_queue.h"
+
+namespace {
+
+std::string epochs(sim_engine_t& sim, int count) {
+  std::string stream;
+  for (int epoch = 0; epoch < count; ++epoch) stream += sim.next_epoch();
+  return stream;
+}
+
+// The whole stream of some epochs through a hub, as a link would deliver it.
+struct decoded_t {
+  test_queue_t queue;
+  recording_console_t console;
+  offline_links_t links;
+  connection_t hub{queue, console, links};
+  explicit decoded_t(const std::string& stream) {
+    replay_chunks(std::vector<std::uint8_t>(stream.begin(), stream.end()), 512, hub.tcp_events());
+  }
+};
+
+TEST(sim_engine, speaks_as_a_receiver_does) {
+  sim_config_t config;
+  config.seed = 7;
+  sim_engine_t sim(config);
+  const auto stream = epochs(sim, 30);
+  std::map<std::string, int> tags;
+  for (std::size_t start = 0, end; start < stream.size(); start = end + 2) {
+    end = stream.find("\r\n", start);
+    const auto line = stream.substr(start, end - start);
+    const auto scan = scan_sentence(line, {});
+    EXPECT_LE(scan.characters, 80u) << line;
+    EXPECT_TRUE(scan.checksum_ok) << line;
+    ++tags[line.substr(0, 6)];
+  }
+  EXPECT_EQ(tags, (std::map<std::string, int>{
+                      {"$GPGGA", 30}, {"$GPGLL", 30}, {"$GPRMC", 30}, {"$GPVTG", 30}, {"$GPGSA", 30}, {"$GPGSV", 90}}));
+  decoded_t d(stream);
+  EXPECT_EQ(d.hub.msg_good + 1, sim.counts().sentences) << "the first valid sentence acknowledges";
+  EXPECT_EQ(d.hub.gsv.satellite_arr->size(), 12u);
+  EXPECT_EQ(d.hub.gsa.PRN_arr->size(), 10u);
+  EXPECT_EQ(d.hub.gga.fix_text(), "GPS");
+  EXPECT_GT(d.hub.gga.map_path.list().size(), 3u) << "the receiver moves";
+}
+
+TEST(sim_engine, the_same_seed_gives_the_same_stream_and_faults_show_in_the_counters) {
+  sim_config_t config;
+  config.seed = 3;
+  config.bad_checksum_rate = 0.1;
+  config.garbage_rate = 0.1;
+  sim_engine_t a(config);
+  sim_engine_t b(config);
+  const auto stream = epochs(a, 100);
+  EXPECT_EQ(stream, epochs(b, 100));
+  config.seed = 4;
+  sim_engine_t c(config);
+  EXPECT_NE(stream, epochs(c, 100));
+  const auto& counts = a.counts();
+  ASSERT_GT(counts.bad_checksums, 0u);
+  ASSERT_GT(counts.garbage_lines, 0u);
+  decoded_t d(stream);
+  // Junk lines never start with "$", so they are not candidates; every sentence is one.
+  EXPECT_EQ(d.hub.msg_count + d.hub.msg_ack_count, counts.sentences);
+  EXPECT_EQ(d.hub.msg_good + 1, counts.sentences - counts.bad_checksums);
+}
+
+TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
+  sim_config_t config;
+  config.lat = -33.8568;
+  config.lon = -151.2155;
+  sim_engine_t sim(config);
+  decoded_t text(epochs(sim, 10));
+  EXPECT_EQ(text.hub.gga.lat_dir, "S");
+  EXPECT_EQ(text.hub.gga.lon_dir, "W");
+  EXPECT_NEAR(text.hub.gga.lat, 33.8568, 0.01);
+  EXPECT_LT(text.hub.gga.map_path.list()[0].latitude, 0.0);
+  EXPECT_LT(text.hub.gga.map_path.list()[0].longitude, 0.0);
+
+  config.ubx = true;
+  sim_engine_t ubx(config);
+  decoded_t binary(epochs(ubx, 5));
+  EXPECT_TRUE(binary.hub.binary());
+  EXPECT_EQ(ubx.counts().frames, 10u);
+  EXPECT_NEAR(binary.hub.gga.lat, -33.8568, 0.01);
+  EXPECT_NEAR(binary.hub.gga.lon, -151.2155, 0.01);
+  EXPECT_EQ(binary.hub.gga.fix_text(), "3D fix");
+  EXPECT_EQ(binary.hub.gsv.satellites_in_view, 10);
+  ASSERT_EQ(binary.hub.arr_rx->size(), 1u);
+  EXPECT_EQ((*binary.hub.arr_rx)[0].rfind("cls 1  id 7      PVT", 0), 0u) << "the last record of the stream";
+}
+
+}  // namespace
