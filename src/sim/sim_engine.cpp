@@ -121,7 +121,8 @@ void sim_engine_t::add_text_epoch(std::string& out, double t) {
     sats[i].prn = 2 + 3 * i;
     sats[i].elevation = static_cast<int>(5 + 80 * std::fabs(std::sin(phase)));
     sats[i].azimuth = static_cast<int>(std::fmod(i * 30.0 + t / 20.0, 360.0));
-    sats[i].snr = static_cast<int>(18 + sats[i].elevation / 3 + 6 * std::sin(t / 7.0 + i));
+    const int snr_of_elevation = sats[i].elevation / 3;  // whole dB-Hz: the stream stays as it was
+    sats[i].snr = static_cast<int>(18 + snr_of_elevation + 6 * std::sin(t / 7.0 + i));
   }
   std::string used = "GPGSA,A,3";
   for (int i = 0; i < satellite_count; ++i) {
