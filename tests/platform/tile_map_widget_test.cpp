@@ -24,27 +24,16 @@ const QColor grid_light(236, 234, 228);
 const QColor system_red(255, 59, 48);
 
 overlay_ref_t polyline(std::vector<geo_coordinate_t> points) {
-  auto line = std::make_shared<map_overlay_t>();
-  line->kind = map_overlay_t::kind_t::polyline;
-  line->points = std::move(points);
-  return line;
+  return std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::polyline, {}, 0.0, std::move(points)});
 }
 
 overlay_ref_t circle(geo_coordinate_t centre, double radius_m) {
-  auto dot = std::make_shared<map_overlay_t>();
-  dot->centre = centre;
-  dot->radius_m = radius_m;
-  return dot;
+  return std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::circle, centre, radius_m, {}});
 }
 
 class tile_map_widget_test : public ::testing::Test {
 protected:
   tile_map_widget_test() {
-    tile_sources_t sources;
-    sources.standard = {server.url_template(), 19, "test tiles"};
-    sources.imagery = sources.standard;
-    sources.labels = {};
-    map = std::make_unique<tile_map_widget_t>(sources, cache.path());
     map->resize(512, 512);
     map->set_delegate(&delegate);
     map->show();
@@ -77,7 +66,9 @@ protected:
   tile_server_t server;
   QTemporaryDir cache;
   recording_delegate_t delegate;
-  std::unique_ptr<tile_map_widget_t> map;
+  const tile_source_t tiles{server.url_template(), 19, "test tiles"};
+  std::unique_ptr<tile_map_widget_t> map =
+      std::make_unique<tile_map_widget_t>(tile_sources_t{tiles, tiles, {}}, cache.path());
 };
 
 TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is_and_a_missing_one_shows_its_parent) {
@@ -175,9 +166,8 @@ TEST_F(tile_map_widget_test, odd_or_huge_tile_images_are_refused) {
   for (const QSize size : {QSize(256, 128), QSize(4096, 4096)}) {
     tile_server_t odd;
     odd.tile_size = size;
-    tile_sources_t sources;
-    sources.standard = {odd.url_template(), 19, "test tiles"};
-    tile_map_widget_t widget(sources, cache.path() + QString("/%1").arg(size.width()));
+    tile_map_widget_t widget({{odd.url_template(), 19, "test tiles"}, {}, {}},
+                             cache.path() + QString("/%1").arg(size.width()));
     widget.resize(256, 256);
     widget.set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
     widget.show();
