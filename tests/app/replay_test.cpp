@@ -60,13 +60,6 @@ TEST(replay, a_text_capture_gives_the_same_state_in_chunks_of_any_size) {
   }
 }
 
-TEST(replay, an_unfinished_last_line_is_dropped) {
-  const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47";
-  const std::string capture = gga + "\r\n" + gga;
-  const replay_hub_t r(std::vector<std::uint8_t>(capture.begin(), capture.end()), 5);
-  EXPECT_EQ(r.hub.arr_rx->size(), 1u);
-}
-
 TEST(snapshot_json, prints_the_hub_section) {
   test_queue_t queue;
   recording_console_t console;
