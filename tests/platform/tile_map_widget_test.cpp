@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
@@ -50,18 +49,6 @@ protected:
     return map->grab().toImage();
   }
 
-  void drag(QPointF from, QPointF to) {
-    QMouseEvent press(QEvent::MouseButtonPress, from, map->mapToGlobal(from), Qt::LeftButton, Qt::LeftButton, {});
-    QApplication::sendEvent(map.get(), &press);
-    for (int i = 1; i <= 4; ++i) {
-      const QPointF at = from + (to - from) * (i / 4.0);
-      QMouseEvent move(QEvent::MouseMove, at, map->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
-      QApplication::sendEvent(map.get(), &move);
-    }
-    QMouseEvent release(QEvent::MouseButtonRelease, to, map->mapToGlobal(to), Qt::LeftButton, Qt::NoButton, {});
-    QApplication::sendEvent(map.get(), &release);
-  }
-
   QApplication& app = ui_test_app();  // before the server: its socket needs the event loop
   tile_server_t server;
   QTemporaryDir cache;
@@ -90,7 +77,9 @@ TEST_F(tile_map_widget_test, a_drag_moves_the_map_by_the_dragged_amount_between_
   map->set_region({-33.8568, 151.2153}, 200.0, 200.0, false);
   const map_rect_t before = map->visible_map_rect();
   const double scale = map->camera().scale;
-  drag({300, 300}, {200, 260});
+  QTest::mousePress(map.get(), Qt::LeftButton, {}, {300, 300});
+  for (const QPoint at : {QPoint(250, 280), QPoint(200, 260)}) QTest::mouseMove(map.get(), at);
+  QTest::mouseRelease(map.get(), Qt::LeftButton, {}, {200, 260});
   const map_rect_t after = map->visible_map_rect();
   EXPECT_NEAR(after.x - before.x, 100 * scale, 1e-6);
   EXPECT_NEAR(after.y - before.y, 40 * scale, 1e-6);
