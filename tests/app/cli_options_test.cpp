@@ -77,8 +77,6 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "tcp://127.0.0.1"}, "not 'tcp://127.0.0.1'"},
       {{"--connect", "tcp://127.0.0.1:0"}, "port 1 to 65535"},
       {{"--connect", "tcp://127.0.0.1:65536"}, "not"},
-      {{"--connect", "tcp://256.0.0.1:81"}, "not"},
-      {{"--connect", "tcp://1.2.3:81"}, "not"},
       {{"--connect", "udp://127.0.0.1:81"}, "not"},
       {{"--connect", "tcp://127.0.0.1:81", "--replay", "a"}, "either --replay or --connect"},
       {{"--connect", "tcp://127.0.0.1:81", "--duration", "0"}, "--duration must be a positive number"},
@@ -94,7 +92,7 @@ TEST(cli_options, names_what_is_wrong) {
     EXPECT_FALSE(r.options);
     EXPECT_NE(r.error.find(c.says), std::string::npos) << r.error;
   }
-  EXPECT_TRUE(parse({"--replay", "a", "--chunk", "65536"}).options);
+  for (const char* chunk : {"1", "65536"}) EXPECT_TRUE(parse({"--replay", "a", "--chunk", chunk}).options) << chunk;
   EXPECT_TRUE(parse({"--help"}).options->help);
 }
 
