@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPaintEvent>
+#include <array>
 
 #include "support/ui_test_app.h"
 
@@ -21,15 +22,9 @@ QImage render(const progress_view_t& v) {
   return image;
 }
 
-progress_view_t gauge_at(float p, bool reverse = false) {
-  progress_view_t v;
-  v.progress = p;
-  v.height = 10;
-  v.corner_radius = 0;
-  v.colour = Qt::red;
-  v.track = Qt::blue;
-  v.reverse = reverse;
-  return v;
+// A red bar on a blue track, square-cornered and as tall as the gauge.
+progress_view_t gauge_at(float p, bool reverse = false, std::optional<double> width = {}) {
+  return {p, width, 10.0, 0.0, Qt::red, Qt::blue, {}, 1.0, reverse};
 }
 
 TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width) {
@@ -46,16 +41,13 @@ TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width)
       {1.0f, false, 40.0, none, bar, none},  // centred: columns 30 to 70
   };
   for (const auto& r : rows) {
-    auto v = gauge_at(r.progress, r.reverse);
-    v.width = r.width;
-    const QImage image = render(v);
-    EXPECT_EQ(image.pixel(5, 5), r.left) << r.progress << " reverse " << r.reverse;
-    EXPECT_EQ(image.pixel(50, 5), r.middle) << r.progress << " reverse " << r.reverse;
-    EXPECT_EQ(image.pixel(95, 5), r.right) << r.progress << " reverse " << r.reverse;
+    const QImage image = render(gauge_at(r.progress, r.reverse, r.width));
+    EXPECT_EQ((std::array{image.pixel(5, 5), image.pixel(50, 5), image.pixel(95, 5)}),
+              (std::array{r.left, r.middle, r.right}))
+        << r.progress << " reverse " << r.reverse;
   }
-  auto hidden = gauge_at(1.0f);
+  auto hidden = gauge_at(1.0f, false, 60.0);
   hidden.opacity = 0.0;
-  hidden.width = 60.0;
   EXPECT_EQ(render(hidden).pixel(50, 5), none) << "zero opacity draws nothing";
   progress_gauge_t gauge;
   gauge.show_value(hidden);
