@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -15,14 +16,10 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
   const auto p = parse({"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5", "--size", "520x900",
                         "--sheet", "log", "--dark"});
   ASSERT_TRUE(p.options) << p.error;
-  EXPECT_TRUE(p.options->demo);
-  EXPECT_TRUE(p.options->ubx);
-  EXPECT_EQ(p.options->screenshot, "/tmp/a.png");
-  EXPECT_EQ(p.options->after_s, 2.5);
-  EXPECT_EQ(p.options->width, 520);
-  EXPECT_EQ(p.options->height, 900);
-  EXPECT_EQ(p.options->sheet, sheet_id_t::log);
-  EXPECT_TRUE(p.options->dark);
+  const auto& o = *p.options;
+  EXPECT_EQ(
+      std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheet, o.dark, o.help),
+      std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::optional(sheet_id_t::log), true, false));
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
