@@ -41,9 +41,8 @@ TEST_F(map_view_test, set_up_places_on_the_device_and_keeps_the_camera_at_40_m) 
   EXPECT_TRUE(widget.calls.empty());
   map.make(home);
   EXPECT_EQ(widget.calls, std::vector<std::string>{"region a"});
+  EXPECT_TRUE(widget.shows_compass && widget.shows_scale && widget.follows_heading && !widget.shows_user_location);
   EXPECT_EQ(widget.camera_min_distance, 40.0);
-  EXPECT_TRUE(widget.shows_compass && widget.shows_scale && widget.follows_heading);
-  EXPECT_FALSE(widget.shows_user_location);
   EXPECT_EQ(widget.delegate, &map);
 }
 

@@ -74,13 +74,8 @@ TEST(progress_view, eases_only_what_is_seen_and_repaints_only_on_change) {
     progress_gauge_t gauge;
     gauge.resize(100, 10);
     gauge.show();
-    auto v = gauge_at(0.2f);
-    v.animation = 800;
-    v.opacity = r.from_opacity;
-    gauge.show_value(v);
-    v.progress = 0.8f;
-    v.opacity = r.to_opacity;
-    gauge.show_value(v);
+    gauge.show_value({0.2f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, r.from_opacity});
+    gauge.show_value({0.8f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, r.to_opacity});
     EXPECT_NEAR(gauge.drawn_progress(), r.eases ? 0.2 : 0.8, 1e-6) << r.from_opacity << " to " << r.to_opacity;
   }
   progress_gauge_t gauge;

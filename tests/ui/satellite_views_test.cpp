@@ -19,13 +19,6 @@
 
 namespace {
 
-gps_gpgsv_satellite_t at(std::uint8_t elevation, std::uint16_t azimuth) {
-  gps_gpgsv_satellite_t satellite;
-  satellite.elevation = elevation;
-  satellite.azimuth = azimuth;
-  return satellite;
-}
-
 // The colour a possibly translucent colour gives over white.
 QRgb over_white(const QColor& colour) {
   QImage pixel(1, 1, QImage::Format_ARGB32);
@@ -69,7 +62,8 @@ TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
       {90, 0, {0, -176}}, {90, 90, {176, 0}}, {90, 270, {-176, 0}}, {0, 123, {0, 0}}, {30, 180, {0, 88}},
   };
   for (const auto& r : rows) {
-    EXPECT_EQ(gps_sky_view::dot_offset(at(r.elevation, r.azimuth)), r.offset) << int(r.elevation) << " / " << r.azimuth;
+    EXPECT_EQ(gps_sky_view::dot_offset({.elevation = r.elevation, .azimuth = r.azimuth}), r.offset)
+        << int(r.elevation) << " / " << r.azimuth;
   }
 }
 
