@@ -98,9 +98,8 @@ TEST_F(config_connection_view_test, bridge_drops_both_links_and_reconnects_in_th
   run();
   EXPECT_TRUE(cfg.enable_bridge());
   EXPECT_FALSE(view.settings_sheet()->isVisible());
-  EXPECT_EQ(hub.links.tcp->stops, 1);
-  EXPECT_EQ(hub.links.tcp->connects.size(), 2u);
-  EXPECT_TRUE(hub.hub.ble_enabled());
+  EXPECT_EQ(std::tuple(hub.links.tcp->stops, hub.links.tcp->connects.size(), hub.hub.ble_enabled()),
+            std::tuple(1, 2u, true));
 
   view.sheets().show(sheet_id_t::settings, true);
   run();

@@ -28,6 +28,11 @@ protected:
   QColor colour(colour_t c) const { return colour_of(c, view.palette()); }
   static QColor text_colour(const QWidget& w) { return w.palette().color(QPalette::ButtonText); }
   std::string shown() const { return view.log_text().toPlainText().toStdString(); }
+  // The binary mark, if shown, and the log's font size.
+  std::string mark() const {
+    return (view.binary_label().isHidden() ? "" : view.binary_label().text().toStdString()) + " " +
+           std::to_string(view.log_text().font().pixelSize());
+  }
 };
 
 TEST_F(log_view_test, shows_the_lines_and_the_filter_decides_about_lines_to_come) {
@@ -52,9 +57,9 @@ TEST_F(log_view_test, clear_empties_the_log_and_restarts_the_counters) {
   settle();
   EXPECT_EQ(text_colour(view.clear_button()), colour(colour_t::secondary));
   view.clear_button().click();
-  EXPECT_TRUE(hub.hub.arr_rx->empty());
-  EXPECT_EQ(hub.hub.msg_count + hub.hub.msg_good + hub.hub.msg_ack_count, 0u);
-  EXPECT_FALSE(hub.hub.msg_ack);
+  EXPECT_EQ(
+      std::tuple(hub.hub.arr_rx->size(), hub.hub.msg_count + hub.hub.msg_good + hub.hub.msg_ack_count, hub.hub.msg_ack),
+      std::tuple(0u, 0u, false));
   settle();
   EXPECT_EQ(shown(), "");
   EXPECT_EQ(text_colour(view.clear_button()), colour(colour_t::tertiary)) << "dimmed while the log is empty";
@@ -65,13 +70,10 @@ TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
   frame.back() ^= 0xFF;  // a checksum error: one more log entry
   hub.hub.tcp_events().link_bytes(frame);
   settle();
-  EXPECT_FALSE(view.binary_label().isHidden());
-  EXPECT_EQ(view.binary_label().text(), "binary");
-  EXPECT_EQ(view.log_text().font().pixelSize(), 13);
+  EXPECT_EQ(mark(), "binary 13");
   feed_line(hub.hub.ble_events(), gga2);  // text from the other link
   settle();
-  EXPECT_TRUE(view.binary_label().isHidden());
-  EXPECT_EQ(view.log_text().font().pixelSize(), 11);
+  EXPECT_EQ(mark(), " 11");
 }
 
 // The backquote key that also closes the log is tried on the main screen (content_view_test).

@@ -46,8 +46,7 @@ TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width)
               (std::array{r.left, r.middle, r.right}))
         << r.progress << " reverse " << r.reverse;
   }
-  auto hidden = gauge_at(1.0f, false, 60.0);
-  hidden.opacity = 0.0;
+  const progress_view_t hidden{1.0f, 60.0, 10.0, 0.0, Qt::red, Qt::blue, {}, 0.0};
   EXPECT_EQ(render(hidden).pixel(50, 5), none) << "zero opacity draws nothing";
   progress_gauge_t gauge;
   gauge.show_value(hidden);
