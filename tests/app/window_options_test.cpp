@@ -8,13 +8,9 @@
 
 namespace {
 
-window_parse_t parse(std::vector<std::string_view> args) {
-  return parse_window(args);
-}
-
 TEST(window_options, reads_what_the_window_is_asked_to_do) {
-  const auto p = parse({"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5", "--size", "520x900",
-                        "--sheet", "log", "--dark"});
+  const auto p = parse_window(std::vector<std::string_view>{"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after",
+                                                            "2.5", "--size", "520x900", "--sheet", "log", "--dark"});
   ASSERT_TRUE(p.options) << p.error;
   const auto& o = *p.options;
   EXPECT_EQ(
@@ -37,7 +33,7 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--connect"}, "unknown argument '--connect'"},
   };
   for (const auto& c : cases) {
-    const auto p = parse(c.args);
+    const auto p = parse_window(c.args);
     EXPECT_FALSE(p.options) << c.error;
     EXPECT_EQ(p.error, c.error);
   }
