@@ -10,10 +10,7 @@
 namespace {
 
 TEST(cli_options, reads_what_it_is_asked_to_do) {
-  const struct {
-    std::vector<std::string_view> args;
-    cli_options_t options;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, cli_options_t> cases[] = {
       {{"--replay", "a.log", "--chunk", "16", "--json", "--show-all"},
        {.replay_file = "a.log", .chunk = 16, .json = true, .show_all = true}},
       {{"--replay", "a.log"}, {.replay_file = "a.log", .chunk = 2047}},
@@ -26,10 +23,10 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
       {{"--bridge", "--connect", "ble://Thingy:91 UART", "--connect", "tcp://127.0.0.1:10110"},
        {.host = "127.0.0.1", .ble_name = "Thingy:91 UART", .bridge = true, .port = 10110, .chunk = 2047}},
   };
-  for (const auto& c : cases) {
-    const auto r = parse_cli(c.args);
+  for (const auto& [args, options] : cases) {
+    const auto r = parse_cli(args);
     ASSERT_TRUE(r.options) << r.error;
-    EXPECT_EQ(*r.options, c.options) << c.args[0] << " " << c.args[1];
+    EXPECT_EQ(*r.options, options) << args[0] << " " << args[1];
   }
 }
 
@@ -42,10 +39,7 @@ TEST(cli_options, dotted_quads_only) {
 }
 
 TEST(cli_options, names_what_is_wrong) {
-  const struct {
-    std::vector<std::string_view> args;
-    const char* says;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, const char*> cases[] = {
       {{"--bogus"}, "unknown option '--bogus'"},
       {{"--replay"}, "--replay needs a file name"},
       {{"--replay", "a", "--chunk"}, "--chunk needs"},
@@ -69,10 +63,10 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},
   };
-  for (const auto& c : cases) {
-    const auto r = parse_cli(c.args);
+  for (const auto& [args, says] : cases) {
+    const auto r = parse_cli(args);
     EXPECT_FALSE(r.options);
-    EXPECT_NE(r.error.find(c.says), std::string::npos) << r.error;
+    EXPECT_NE(r.error.find(says), std::string::npos) << r.error;
   }
   EXPECT_TRUE(parse_cli(std::vector<std::string_view>{"--help"}).options->help);
 }

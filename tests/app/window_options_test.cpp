@@ -19,10 +19,7 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
-  const struct {
-    std::vector<std::string_view> args;
-    const char* error;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, const char*> cases[] = {
       {{"--size", "100x100"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
       {{"--size", "800"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
       {{"--after", "-1"}, "--after needs seconds from 0 to 3600"},
@@ -32,10 +29,10 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--ubx"}, "--ubx goes with --demo"},
       {{"--connect"}, "unknown argument '--connect'"},
   };
-  for (const auto& c : cases) {
-    const auto p = parse_window(c.args);
-    EXPECT_FALSE(p.options) << c.error;
-    EXPECT_EQ(p.error, c.error);
+  for (const auto& [args, error] : cases) {
+    const auto p = parse_window(args);
+    EXPECT_FALSE(p.options) << error;
+    EXPECT_EQ(p.error, error);
   }
 }
 

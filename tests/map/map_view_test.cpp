@@ -190,9 +190,8 @@ TEST_F(map_view_test, reset_clears_markers_overlays_and_the_list) {
 // The unwrapped value lives in the process, so every update is made on a new instance: each one
 // continues where the last ended.
 TEST(heading, unwraps_across_north_and_a_new_instance_continues_where_the_last_ended) {
-  const struct {
-    std::vector<double> headings, published;
-  } cases[] = {
+  const std::pair<std::vector<double>, std::vector<double>> cases[] = {
+      // headings, published
       {{350, 355, 0, 5, 10, 350}, {-10, -5, 0, 5, 10, -10}},
       {{10, 5, 355, 350}, {10, 5, -5, -10}},
       {{180}, {180}},
@@ -200,15 +199,15 @@ TEST(heading, unwraps_across_north_and_a_new_instance_continues_where_the_last_e
       {{359, 1, 359}, {-1, 1, -1}},
       {{200, 359, 1}, {-160, -1, 1}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [headings, published] : cases) {
     gps_heading_t::reset_process_values();
     std::vector<double> out;
-    for (const double t : c.headings) {
+    for (const double t : headings) {
       gps_heading_t h;
       h.update(t);
       out.push_back(h.heading);
     }
-    EXPECT_EQ(out, c.published);
+    EXPECT_EQ(out, published);
   }
   gps_heading_t::reset_process_values();
 }

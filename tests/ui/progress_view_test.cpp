@@ -65,17 +65,15 @@ struct paint_counter_t : QObject {
 // again unchanged paints nothing (each repaint also repaints the map under the gauge).
 TEST(progress_view, eases_only_what_is_seen_and_repaints_only_on_change) {
   ui_test_app();
-  struct row {
-    double from_opacity, to_opacity;
-    bool eases;
-  } rows[] = {{1.0, 1.0, true}, {1.0, 0.0, false}, {0.0, 1.0, false}, {0.0, 0.0, false}};
-  for (const auto& r : rows) {
+  const std::tuple<double, double, bool> rows[] = {
+      {1.0, 1.0, true}, {1.0, 0.0, false}, {0.0, 1.0, false}, {0.0, 0.0, false}};
+  for (const auto& [from_opacity, to_opacity, eases] : rows) {
     progress_gauge_t gauge;
     gauge.resize(100, 10);
     gauge.show();
-    gauge.show_value({0.2f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, r.from_opacity});
-    gauge.show_value({0.8f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, r.to_opacity});
-    EXPECT_NEAR(gauge.drawn_progress(), r.eases ? 0.2 : 0.8, 1e-6) << r.from_opacity << " to " << r.to_opacity;
+    gauge.show_value({0.2f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, from_opacity});
+    gauge.show_value({0.8f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, to_opacity});
+    EXPECT_NEAR(gauge.drawn_progress(), eases ? 0.2 : 0.8, 1e-6) << from_opacity << " to " << to_opacity;
   }
   progress_gauge_t gauge;
   gauge.resize(100, 10);

@@ -31,8 +31,7 @@ void expect_arrangement(const gps_details_view& details, bool portrait) {
 }
 
 // A hub fed with real sentences, a heading source facing north and the sheets the views toggle.
-class satellite_views_test : public ::testing::Test {
-protected:
+struct satellite_views_test : ::testing::Test {
   bool fresh_ = (ui_test_app(), gps_heading_t::reset_process_values(), true);
   view_hub_t hub;
   gps_heading_t compass;
@@ -40,17 +39,12 @@ protected:
 };
 
 TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
-  const struct {
-    std::uint8_t elevation;
-    std::uint16_t azimuth;
-    QPointF offset;
-  } rows[] = {
+  const std::tuple<std::uint8_t, std::uint16_t, QPointF> rows[] = {
+      // elevation, azimuth, offset
       {90, 0, {0, -176}}, {90, 90, {176, 0}}, {90, 270, {-176, 0}}, {0, 123, {0, 0}}, {30, 180, {0, 88}},
   };
-  for (const auto& r : rows) {
-    EXPECT_EQ(gps_sky_view::dot_offset({.elevation = r.elevation, .azimuth = r.azimuth}), r.offset)
-        << int(r.elevation) << " / " << r.azimuth;
-  }
+  for (const auto& [elevation, azimuth, offset] : rows)
+    EXPECT_EQ(gps_sky_view::dot_offset({.elevation = elevation, .azimuth = azimuth}), offset) << azimuth;
 }
 
 TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_but_none_without_position) {
