@@ -52,23 +52,20 @@ TEST_F(content_view_test, shows_the_fix_in_landscape_and_portrait_rows) {
 }
 
 TEST_F(content_view_test, status_texts_follow_the_link_switches) {
-  const struct {
-    bool ble, bridge;
-    QString shown;
-    int size;
-  } cases[] = {
+  const std::tuple<bool, bool, QString, int> cases[] = {
+      // BLE, bridge, shown, font size
       {false, false, "tcp text", 16},
       {true, false, "ble text", 16},
       {false, true, "tcp text ble text", 12},
   };
   hub.hub.status_tcp = "tcp text";
   hub.hub.status_ble = "ble text";
-  for (const auto& c : cases) {
-    cfg.set_enable_ble(c.ble);
-    cfg.set_enable_bridge(c.bridge);
+  for (const auto& [ble, bridge, shown, size] : cases) {
+    cfg.set_enable_ble(ble);
+    cfg.set_enable_bridge(bridge);
     run();
-    EXPECT_EQ(view.status_button()->joined(), c.shown) << c.ble << c.bridge;
-    EXPECT_EQ(view.status_button()->runs().back().font.pixelSize(), c.size);
+    EXPECT_EQ(std::pair(view.status_button()->joined(), view.status_button()->runs().back().font.pixelSize()),
+              std::pair(shown, size));
   }
 }
 

@@ -92,23 +92,19 @@ TEST_F(satellite_views_test, list_rows_in_prn_order_dim_unless_heard_and_placed_
   hub.receive(gsv_body(
       4, {{"12", "45", "200", "99"}, {"03", "10", "020", "00"}, {"07", "", "", "30"}, {"30", "60", "300", "40"}}));
   settle();
-  const struct {
-    const char* text;
-    colour_t colour;
-    float progress;
-  } rows[] = {
+  const std::tuple<std::string, colour_t, float> rows[] = {
+      // text, its colour, the SNR bar
       {" 3  elevation 10  azimuth  20  SNR  0", colour_t::secondary, 0.0f},           // silent
       {" 7  elevation  0  azimuth   0  SNR 30", colour_t::secondary, 30.0f / 99.0f},  // no position
       {"12  elevation 45  azimuth 200  SNR 99", colour_t::primary, 1.0f},
       {"30  elevation 60  azimuth 300  SNR 40", colour_t::primary, 40.0f / 99.0f},
   };
   ASSERT_EQ(list.row_count(), std::size(rows));
-  for (std::size_t i = 0; i < std::size(rows); ++i) {
-    EXPECT_EQ(list.row_label(i).text().toStdString(), rows[i].text);
-    EXPECT_EQ(list.row_label(i).palette().color(QPalette::WindowText), colour_of(rows[i].colour, list.palette()))
-        << rows[i].text;
-    EXPECT_NEAR(list.row_gauge(i).drawn_progress(), rows[i].progress, 1e-6) << rows[i].text;
-    EXPECT_EQ(list.row_gauge(i).value().colour, colour_of(colour_t::secondary, list.palette()));
+  for (std::size_t i = 0; const auto& [text, colour, progress] : rows) {
+    EXPECT_EQ(std::tuple(list.row_label(i).text().toStdString(),
+                         list.row_label(i).palette().color(QPalette::WindowText), list.row_gauge(i).value().colour),
+              std::tuple(text, colour_of(colour, list.palette()), colour_of(colour_t::secondary, list.palette())));
+    EXPECT_NEAR(list.row_gauge(i++).drawn_progress(), progress, 1e-6) << text;
   }
 }
 
@@ -139,20 +135,15 @@ TEST_F(satellite_views_test, dop_panel_shows_fix_satellites_used_and_dops_with_c
   EXPECT_EQ((QStringList{panel.fix_mode_label().text(), panel.fix_type_label().text(), panel.used_label().text(),
                          panel.prn_label().text()}),
             (QStringList{"Auto", "3D fix", QString::fromUtf8("\xF0\x9F\x9B\xB0 3"), " 5 13 15"}));
-  const struct {
-    gps_dop_view::dop_row_t row;
-    const char* text;
-    colour_t colour;
-    float progress;
-  } rows[] = {
+  const std::tuple<gps_dop_view::dop_row_t, QString, colour_t, float> rows[] = {
       {gps_dop_view::pdop, "1.00", colour_t::primary, 0.95f},
       {gps_dop_view::hdop, "2.50", colour_t::green, 0.875f},
       {gps_dop_view::vdop, "25.00", colour_t::secondary, 0.0f},
   };
-  for (const auto& r : rows) {
-    EXPECT_EQ(panel.dop_value_label(r.row).text(), r.text);
-    EXPECT_EQ(panel.dop_gauge(r.row).value().colour, colour_of(r.colour, panel.palette())) << r.text;
-    EXPECT_NEAR(panel.dop_gauge(r.row).drawn_progress(), r.progress, 1e-6) << r.text;
+  for (const auto& [row, text, colour, progress] : rows) {
+    EXPECT_EQ(std::pair(panel.dop_value_label(row).text(), panel.dop_gauge(row).value().colour),
+              std::pair(text, colour_of(colour, panel.palette())));
+    EXPECT_NEAR(panel.dop_gauge(row).drawn_progress(), progress, 1e-6) << row;
   }
   hub.hub.gsa.fix_mode_c = "X";  // a letter the decoder would not store itself
   hub.hub.notify();
