@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QProcess>
 #include <QTemporaryDir>
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -15,15 +14,11 @@ const char* const defaults =
     "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\nhistory_port=1\n";
 
 // Runs the probe in a process of its own and returns what it printed.
-std::string probe(const std::string& mode, const QString& file) {
-  const std::string command = std::string(SETTINGS_PROBE) + " " + mode + " '" + file.toStdString() + "'";
-  std::string out;
-  if (FILE* pipe = ::popen(command.c_str(), "r")) {
-    std::array<char, 256> buffer{};
-    while (std::fgets(buffer.data(), buffer.size(), pipe)) out += buffer.data();
-    EXPECT_EQ(::pclose(pipe), 0) << command;
-  }
-  return out;
+std::string probe(const QString& mode, const QString& file) {
+  QProcess process;
+  process.start(SETTINGS_PROBE, {mode, file});
+  EXPECT_TRUE(process.waitForFinished(10000) && process.exitCode() == 0) << mode.toStdString();
+  return process.readAllStandardOutput().toStdString();
 }
 
 TEST(qsettings_store, values_written_by_one_process_are_read_by_the_next) {
