@@ -41,8 +41,8 @@ TEST_F(log_view_test, shows_the_lines_and_the_filter_decides_about_lines_to_come
   settle();
   EXPECT_EQ(shown(), gga1);
   EXPECT_EQ(view.title_label().palette().color(QPalette::WindowText), colour(colour_t::primary));
-  EXPECT_EQ(view.filter_button().text(), "GGA");
-  EXPECT_EQ(text_colour(view.filter_button()), colour(colour_t::secondary));
+  EXPECT_EQ(std::pair(view.filter_button().text(), text_colour(view.filter_button())),
+            std::pair(QString("GGA"), colour(colour_t::secondary)));
   view.filter_button().click();
   EXPECT_TRUE(hub.hub.show_all);
   feed_line(hub.hub.tcp_events(), rmc);
