@@ -71,8 +71,7 @@ TEST_F(content_view_test, status_texts_follow_the_link_switches) {
 
 // The bands and the fill are the DOP gauges' own (dop_colour_test); the HDOP gauge adds hiding.
 TEST(content_view, hdop_gauge_is_hidden_up_to_1_5) {
-  ui_test_app();
-  const QPalette& palette = QApplication::palette();
+  const QPalette palette = ui_test_app().palette();
   for (const auto& [hdop, opacity] : {std::pair{1.5, 0.0}, std::pair{1.51, 1.0}}) {
     const auto v = hdop_gauge_value(hdop, palette);
     EXPECT_EQ(std::tuple(v.opacity, v.colour, v.progress),
@@ -137,11 +136,11 @@ TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   panel->settings_button()->click();
   run();
   EXPECT_TRUE(view.settings_sheet()->isVisible());
-  EXPECT_EQ(panel->location_button()->icon_name(), "location");
+  const auto location = [&] { return std::pair(map.shows_user_location(), panel->location_button()->icon_name()); };
+  EXPECT_EQ(location(), std::pair(false, QString("location")));
   panel->location_button()->click();
   run();
-  EXPECT_TRUE(map.shows_user_location());
-  EXPECT_EQ(panel->location_button()->icon_name(), "location_fill");
+  EXPECT_EQ(location(), std::pair(true, QString("location_fill")));
 }
 
 TEST_F(content_view_test, a_burst_of_notices_costs_one_refresh_and_none_without_a_change) {
