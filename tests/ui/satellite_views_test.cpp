@@ -74,10 +74,10 @@ TEST_F(satellite_views_test, sky_plot_space_bar_and_click_toggle_the_details_and
   view.show();
   view.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-  QTest::keyClick(&view, Qt::Key_Space);
-  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
-  QTest::keyClick(&view, Qt::Key_Space);
-  EXPECT_FALSE(sheets.shown(sheet_id_t::details));
+  for (const bool shown : {true, false}) {
+    QTest::keyClick(&view, Qt::Key_Space);
+    EXPECT_EQ(sheets.shown(sheet_id_t::details), shown);
+  }
   QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(300, 300));
   EXPECT_TRUE(sheets.shown(sheet_id_t::details));
 
