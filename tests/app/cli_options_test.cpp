@@ -4,50 +4,29 @@
 
 #include <vector>
 
+// The expected options name only what differs from the defaults.
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+
 namespace {
 
-cli_parse_t parse(std::vector<std::string_view> args) {
-  return parse_cli(args);
-}
-
 TEST(cli_options, reads_what_it_is_asked_to_do) {
-  const auto with = [](auto change) {
-    cli_options_t o;
-    o.chunk = 2047;
-    change(o);
-    return o;
+  const std::pair<std::vector<std::string_view>, cli_options_t> cases[] = {
+      {{"--replay", "a.log", "--chunk", "16", "--json", "--show-all"},
+       {.replay_file = "a.log", .chunk = 16, .json = true, .show_all = true}},
+      {{"--replay", "a.log"}, {.replay_file = "a.log", .chunk = 2047}},
+      {{"--replay", "a", "--chunk", "1"}, {.replay_file = "a", .chunk = 1}},
+      {{"--replay", "a", "--chunk", "65536"}, {.replay_file = "a", .chunk = 65536}},
+      {{"--connect", "tcp://127.0.0.1:10110", "--duration", "2.5", "--interval", "0.5"},
+       {.host = "127.0.0.1", .port = 10110, .duration_s = 2.5, .interval_s = 0.5, .chunk = 2047}},
+      {{"--connect", "saved", "--settings", "/tmp/k.ini"},
+       {.connect_saved = true, .settings_file = "/tmp/k.ini", .chunk = 2047}},
+      {{"--bridge", "--connect", "ble://Thingy:91 UART", "--connect", "tcp://127.0.0.1:10110"},
+       {.host = "127.0.0.1", .ble_name = "Thingy:91 UART", .bridge = true, .port = 10110, .chunk = 2047}},
   };
-  const struct {
-    std::vector<std::string_view> args;
-    cli_options_t options;
-  } cases[] = {
-      {{"--replay", "a.log", "--chunk", "16", "--json", "--show-all"}, with([](auto& o) {
-         o.replay_file = "a.log";
-         o.chunk = 16;
-         o.json = o.show_all = true;
-       })},
-      {{"--replay", "a.log"}, with([](auto& o) { o.replay_file = "a.log"; })},
-      {{"--connect", "tcp://127.0.0.1:10110", "--duration", "2.5", "--interval", "0.5"}, with([](auto& o) {
-         o.host = "127.0.0.1";
-         o.port = 10110;
-         o.duration_s = 2.5;
-         o.interval_s = 0.5;
-       })},
-      {{"--connect", "saved", "--settings", "/tmp/k.ini"}, with([](auto& o) {
-         o.connect_saved = true;
-         o.settings_file = "/tmp/k.ini";
-       })},
-      {{"--bridge", "--connect", "ble://Thingy:91 UART", "--connect", "tcp://127.0.0.1:10110"}, with([](auto& o) {
-         o.bridge = true;
-         o.ble_name = "Thingy:91 UART";
-         o.host = "127.0.0.1";
-         o.port = 10110;
-       })},
-  };
-  for (const auto& c : cases) {
-    const auto r = parse(c.args);
+  for (const auto& [args, options] : cases) {
+    const auto r = parse_cli(args);
     ASSERT_TRUE(r.options) << r.error;
-    EXPECT_EQ(*r.options, c.options) << c.args[0] << " " << c.args[1];
+    EXPECT_EQ(*r.options, options) << args[0] << " " << args[1];
   }
 }
 
@@ -60,10 +39,7 @@ TEST(cli_options, dotted_quads_only) {
 }
 
 TEST(cli_options, names_what_is_wrong) {
-  const struct {
-    std::vector<std::string_view> args;
-    const char* says;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, const char*> cases[] = {
       {{"--bogus"}, "unknown option '--bogus'"},
       {{"--replay"}, "--replay needs a file name"},
       {{"--replay", "a", "--chunk"}, "--chunk needs"},
@@ -77,8 +53,6 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "tcp://127.0.0.1"}, "not 'tcp://127.0.0.1'"},
       {{"--connect", "tcp://127.0.0.1:0"}, "port 1 to 65535"},
       {{"--connect", "tcp://127.0.0.1:65536"}, "not"},
-      {{"--connect", "tcp://256.0.0.1:81"}, "not"},
-      {{"--connect", "tcp://1.2.3:81"}, "not"},
       {{"--connect", "udp://127.0.0.1:81"}, "not"},
       {{"--connect", "tcp://127.0.0.1:81", "--replay", "a"}, "either --replay or --connect"},
       {{"--connect", "tcp://127.0.0.1:81", "--duration", "0"}, "--duration must be a positive number"},
@@ -89,13 +63,12 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},
   };
-  for (const auto& c : cases) {
-    const auto r = parse(c.args);
+  for (const auto& [args, says] : cases) {
+    const auto r = parse_cli(args);
     EXPECT_FALSE(r.options);
-    EXPECT_NE(r.error.find(c.says), std::string::npos) << r.error;
+    EXPECT_NE(r.error.find(says), std::string::npos) << r.error;
   }
-  EXPECT_TRUE(parse({"--replay", "a", "--chunk", "65536"}).options);
-  EXPECT_TRUE(parse({"--help"}).options->help);
+  EXPECT_TRUE(parse_cli(std::vector<std::string_view>{"--help"}).options->help);
 }
 
 }  // namespace

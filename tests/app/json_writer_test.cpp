@@ -12,12 +12,7 @@ TEST(json_writer, writes_compact_json_with_shortest_doubles) {
   w.value("a\"b\\c\n\x01");
   w.key("n");
   w.begin_array();
-  w.value(0.1);
-  w.value(48.1173);
-  w.value(-0.0);
-  w.value(1e21);
-  w.value(std::numeric_limits<double>::quiet_NaN());
-  w.value(-std::numeric_limits<double>::infinity());
+  for (const double d : {0.1, 48.1173, -0.0, 1e21, std::nan(""), -std::numeric_limits<double>::infinity()}) w.value(d);
   w.end_array();
   w.key("i");
   w.value(std::int64_t{-3});
@@ -29,7 +24,8 @@ TEST(json_writer, writes_compact_json_with_shortest_doubles) {
   w.begin_object();
   w.end_object();
   w.end_object();
-  EXPECT_EQ(w.text(),
-            R"({"s":"a\"b\\c\u000a\u0001","n":[0.1,48.1173,-0,1e+21,null,null],"i":-3,"u":18446744073709551615,"b":true,"o":{}})")
+  EXPECT_EQ(
+      w.text(),
+      R"({"s":"a\"b\\c\u000a\u0001","n":[0.1,48.1173,-0,1e+21,null,null],"i":-3,"u":18446744073709551615,"b":true,"o":{}})")
       << "\\n is escaped as \\u000a";
 }

@@ -3,33 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
 
-window_parse_t parse(std::vector<std::string_view> args) {
-  return parse_window(args);
-}
-
 TEST(window_options, reads_what_the_window_is_asked_to_do) {
-  const auto p = parse({"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5", "--size", "520x900",
-                        "--sheet", "log", "--dark"});
+  const auto p = parse_window(std::vector<std::string_view>{"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after",
+                                                            "2.5", "--size", "520x900", "--sheet", "log", "--dark"});
   ASSERT_TRUE(p.options) << p.error;
-  EXPECT_TRUE(p.options->demo);
-  EXPECT_TRUE(p.options->ubx);
-  EXPECT_EQ(p.options->screenshot, "/tmp/a.png");
-  EXPECT_EQ(p.options->after_s, 2.5);
-  EXPECT_EQ(p.options->width, 520);
-  EXPECT_EQ(p.options->height, 900);
-  EXPECT_EQ(p.options->sheet, sheet_id_t::log);
-  EXPECT_TRUE(p.options->dark);
+  const auto& o = *p.options;
+  EXPECT_EQ(
+      std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheet, o.dark, o.help),
+      std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::optional(sheet_id_t::log), true, false));
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
-  const struct {
-    std::vector<std::string_view> args;
-    const char* error;
-  } cases[] = {
+  const std::pair<std::vector<std::string_view>, const char*> cases[] = {
       {{"--size", "100x100"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
       {{"--size", "800"}, "--size needs WIDTHxHEIGHT, each 200 to 8192"},
       {{"--after", "-1"}, "--after needs seconds from 0 to 3600"},
@@ -39,10 +29,10 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--ubx"}, "--ubx goes with --demo"},
       {{"--connect"}, "unknown argument '--connect'"},
   };
-  for (const auto& c : cases) {
-    const auto p = parse(c.args);
-    EXPECT_FALSE(p.options) << c.error;
-    EXPECT_EQ(p.error, c.error);
+  for (const auto& [args, error] : cases) {
+    const auto p = parse_window(args);
+    EXPECT_FALSE(p.options) << error;
+    EXPECT_EQ(p.error, error);
   }
 }
 

@@ -41,9 +41,8 @@ TEST_F(map_view_test, set_up_places_on_the_device_and_keeps_the_camera_at_40_m) 
   EXPECT_TRUE(widget.calls.empty());
   map.make(home);
   EXPECT_EQ(widget.calls, std::vector<std::string>{"region a"});
+  EXPECT_TRUE(widget.shows_compass && widget.shows_scale && widget.follows_heading && !widget.shows_user_location);
   EXPECT_EQ(widget.camera_min_distance, 40.0);
-  EXPECT_TRUE(widget.shows_compass && widget.shows_scale && widget.follows_heading);
-  EXPECT_FALSE(widget.shows_user_location);
   EXPECT_EQ(widget.delegate, &map);
 }
 
@@ -72,8 +71,7 @@ TEST_F(map_view_test, the_first_fix_places_the_map_and_overlays_follow_after_40_
   queue.run_pending();
   EXPECT_TRUE(cfg.region_set);
   EXPECT_EQ(widget.calls, std::vector<std::string>{"region"}) << "not animated outside a window";
-  EXPECT_EQ(widget.span_ns, 200.0);
-  EXPECT_EQ(widget.span_ew, 200.0);
+  EXPECT_EQ(std::pair(widget.span_ns, widget.span_ew), std::pair(200.0, 200.0));
   queue.advance(0.04);
   redraw(home, {home});
   EXPECT_TRUE(widget.shown.empty()) << "only later than 40 ms";
@@ -189,44 +187,29 @@ TEST_F(map_view_test, reset_clears_markers_overlays_and_the_list) {
   EXPECT_EQ(widget.markers[0]->coordinate, home);
 }
 
-struct heading_test : ::testing::Test {
-  void SetUp() override { gps_heading_t::reset_process_values(); }
-  void TearDown() override { gps_heading_t::reset_process_values(); }
-};
-
-TEST_F(heading_test, unwraps_across_north) {
-  const struct {
-    std::vector<double> headings;
-    std::vector<double> published;
-  } cases[] = {
+// The unwrapped value lives in the process, so every update is made on a new instance: each one
+// continues where the last ended.
+TEST(heading, unwraps_across_north_and_a_new_instance_continues_where_the_last_ended) {
+  const std::pair<std::vector<double>, std::vector<double>> cases[] = {
+      // headings, published
       {{350, 355, 0, 5, 10, 350}, {-10, -5, 0, 5, 10, -10}},
       {{10, 5, 355, 350}, {10, 5, -5, -10}},
       {{180}, {180}},
       {{-1}, {1}},
       {{359, 1, 359}, {-1, 1, -1}},
+      {{200, 359, 1}, {-160, -1, 1}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [headings, published] : cases) {
     gps_heading_t::reset_process_values();
-    gps_heading_t h;
     std::vector<double> out;
-    for (const double t : c.headings) {
+    for (const double t : headings) {
+      gps_heading_t h;
       h.update(t);
       out.push_back(h.heading);
     }
-    EXPECT_EQ(out, c.published);
+    EXPECT_EQ(out, published);
   }
-}
-
-TEST_F(heading_test, a_new_instance_continues_where_the_last_ended) {
-  {
-    gps_heading_t h;
-    h.update(200);
-    h.update(359);
-  }
-  gps_heading_t h;
-  EXPECT_EQ(h.heading.get(), -1.0) << "200 then 359 unwrap to -160 then -1";
-  h.update(1);
-  EXPECT_EQ(h.heading.get(), 1.0);
+  gps_heading_t::reset_process_values();
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QMouseEvent>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
@@ -24,27 +23,12 @@ const QColor grid_light(236, 234, 228);
 const QColor system_red(255, 59, 48);
 
 overlay_ref_t polyline(std::vector<geo_coordinate_t> points) {
-  auto line = std::make_shared<map_overlay_t>();
-  line->kind = map_overlay_t::kind_t::polyline;
-  line->points = std::move(points);
-  return line;
-}
-
-overlay_ref_t circle(geo_coordinate_t centre, double radius_m) {
-  auto dot = std::make_shared<map_overlay_t>();
-  dot->centre = centre;
-  dot->radius_m = radius_m;
-  return dot;
+  return std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::polyline, {}, 0.0, std::move(points)});
 }
 
 class tile_map_widget_test : public ::testing::Test {
 protected:
   tile_map_widget_test() {
-    tile_sources_t sources;
-    sources.standard = {server.url_template(), 19, "test tiles"};
-    sources.imagery = sources.standard;
-    sources.labels = {};
-    map = std::make_unique<tile_map_widget_t>(sources, cache.path());
     map->resize(512, 512);
     map->set_delegate(&delegate);
     map->show();
@@ -61,23 +45,13 @@ protected:
     return map->grab().toImage();
   }
 
-  void drag(QPointF from, QPointF to) {
-    QMouseEvent press(QEvent::MouseButtonPress, from, map->mapToGlobal(from), Qt::LeftButton, Qt::LeftButton, {});
-    QApplication::sendEvent(map.get(), &press);
-    for (int i = 1; i <= 4; ++i) {
-      const QPointF at = from + (to - from) * (i / 4.0);
-      QMouseEvent move(QEvent::MouseMove, at, map->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
-      QApplication::sendEvent(map.get(), &move);
-    }
-    QMouseEvent release(QEvent::MouseButtonRelease, to, map->mapToGlobal(to), Qt::LeftButton, Qt::NoButton, {});
-    QApplication::sendEvent(map.get(), &release);
-  }
-
   QApplication& app = ui_test_app();  // before the server: its socket needs the event loop
   tile_server_t server;
   QTemporaryDir cache;
   recording_delegate_t delegate;
-  std::unique_ptr<tile_map_widget_t> map;
+  const tile_source_t tiles{server.url_template(), 19, "test tiles"};
+  std::unique_ptr<tile_map_widget_t> map =
+      std::make_unique<tile_map_widget_t>(tile_sources_t{tiles, tiles, {}}, cache.path());
 };
 
 TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is_and_a_missing_one_shows_its_parent) {
@@ -86,10 +60,9 @@ TEST_F(tile_map_widget_test, tiles_lie_where_their_corner_coordinate_is_and_a_mi
   const int z = static_cast<int>(std::lround(map->camera().zoom()));
   const int half = 1 << (z - 1);
   // 0 N 0 E is the corner where four tiles meet, at the centre of the widget.
-  EXPECT_EQ(QColor(seen.pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
-  EXPECT_EQ(QColor(seen.pixel(250, 250)), tile_server_t::tile_colour(z, half - 1, half - 1));
-  EXPECT_EQ(QColor(seen.pixel(262, 250)), tile_server_t::tile_colour(z, half, half - 1));
-  EXPECT_EQ(QColor(seen.pixel(250, 262)), tile_server_t::tile_colour(z, half - 1, half));
+  for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {0, 1}, {1, 1}})  // 6 points either side of it
+    EXPECT_EQ(QColor(seen.pixel(250 + 12 * x, 250 + 12 * y)),
+              tile_server_t::tile_colour(z, half - 1 + x, half - 1 + y));
   server.offline = true;
   map->set_region({0.0, 0.0}, 1'000'000.0, 1'000'000.0, false);  // one level deeper
   EXPECT_EQ(QColor(settled().pixel(262, 262)), tile_server_t::tile_colour(z, half, half));
@@ -99,7 +72,9 @@ TEST_F(tile_map_widget_test, a_drag_moves_the_map_by_the_dragged_amount_between_
   map->set_region({-33.8568, 151.2153}, 200.0, 200.0, false);
   const map_rect_t before = map->visible_map_rect();
   const double scale = map->camera().scale;
-  drag({300, 300}, {200, 260});
+  QTest::mousePress(map.get(), Qt::LeftButton, {}, {300, 300});
+  for (const QPoint at : {QPoint(250, 280), QPoint(200, 260)}) QTest::mouseMove(map.get(), at);
+  QTest::mouseRelease(map.get(), Qt::LeftButton, {}, {200, 260});
   const map_rect_t after = map->visible_map_rect();
   EXPECT_NEAR(after.x - before.x, 100 * scale, 1e-6);
   EXPECT_NEAR(after.y - before.y, 40 * scale, 1e-6);
@@ -126,20 +101,21 @@ TEST_F(tile_map_widget_test, animated_changes_and_wheel_zooms_are_framed_by_will
   EXPECT_NEAR(span_m, 1000.0, 1.0) << "the camera keeps its minimum distance";
 }
 
-TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles) {
+TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles_and_what_cannot_be_placed_is_skipped) {
   map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  const map_rect_t before = map->visible_map_rect();
+  const double nan = std::nan("");
   const auto line = polyline({{0.0, -5.0}, {0.0, 5.0}});
-  map->add_overlays({line, circle({3.0, 0.0}, 20000.0)});
-  const QImage seen = settled();
-  const QPointF on_line = map->camera().to_screen(map_point_for({0.0, 2.0}), map->size());
-  EXPECT_EQ(QColor(seen.pixel(on_line.toPoint())), system_red);
-  const QPointF in_dot = map->camera().to_screen(map_point_for({3.0, 0.0}), map->size());
-  EXPECT_EQ(QColor(seen.pixel(in_dot.toPoint())), QColor(Qt::white));
+  map->add_overlays({line, polyline({{nan, 0.0}, {0.0, std::numeric_limits<double>::infinity()}})});
+  map->add_annotation(std::make_shared<point_annotation_t>(point_annotation_t{"x", "", {nan, 1.0}}));
+  const QPoint on_line = map->camera().to_screen(map_point_for({0.0, 2.0}), map->size()).toPoint();
+  EXPECT_EQ(QColor(settled().pixel(on_line)), system_red);
 
   map->remove_overlays({line});
   EXPECT_EQ(map->overlays().size(), 1u);
-  const QImage without = settled();
-  EXPECT_NE(QColor(without.pixel(on_line.toPoint())), system_red);
+  map->set_centre({nan, 0.0}, false);
+  EXPECT_NE(QColor(settled().pixel(on_line)), system_red);
+  EXPECT_EQ(map->visible_map_rect().x, before.x);
 }
 
 // Zoomed in to a few hundred metres, a track whose points lie hundreds of kilometres away on either
@@ -159,7 +135,8 @@ TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_whe
 TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_not_retry_in_a_loop) {
   server.offline = true;
   map->set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
-  map->add_overlays({circle({10.0, 10.0}, 30000.0)});
+  map->add_overlays(
+      {std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::circle, {10.0, 10.0}, 30000.0, {}})});
   const QImage seen = settled();
   EXPECT_GT(map->loader().failures(), 0);
   EXPECT_EQ(QColor(seen.pixel(5, 100)), grid_light);
@@ -175,9 +152,8 @@ TEST_F(tile_map_widget_test, odd_or_huge_tile_images_are_refused) {
   for (const QSize size : {QSize(256, 128), QSize(4096, 4096)}) {
     tile_server_t odd;
     odd.tile_size = size;
-    tile_sources_t sources;
-    sources.standard = {odd.url_template(), 19, "test tiles"};
-    tile_map_widget_t widget(sources, cache.path() + QString("/%1").arg(size.width()));
+    tile_map_widget_t widget({{odd.url_template(), 19, "test tiles"}, {}, {}},
+                             cache.path() + QString("/%1").arg(size.width()));
     widget.resize(256, 256);
     widget.set_region({10.0, 10.0}, 2'000'000.0, 2'000'000.0, false);
     widget.show();
@@ -187,17 +163,6 @@ TEST_F(tile_map_widget_test, odd_or_huge_tile_images_are_refused) {
         << size.width() << "x" << size.height();
     EXPECT_EQ(QColor(widget.grab().toImage().pixel(5, 100)), grid_light) << size.width() << "x" << size.height();
   }
-}
-
-TEST_F(tile_map_widget_test, markers_and_coordinates_that_cannot_be_placed_are_skipped) {
-  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
-  auto nan_marker = std::make_shared<point_annotation_t>(point_annotation_t{"x", "", {std::nan(""), 1.0}});
-  map->add_annotation(nan_marker);
-  map->add_overlays({polyline({{std::nan(""), 0.0}, {0.0, std::numeric_limits<double>::infinity()}})});
-  const map_rect_t before = map->visible_map_rect();
-  map->set_centre({std::nan(""), 0.0}, false);
-  settled();
-  EXPECT_EQ(map->visible_map_rect().x, before.x);
 }
 
 }  // namespace

@@ -53,16 +53,9 @@ public:
   map_widget_delegate_t* delegate = nullptr;
   map_rect_t rect;
   double rect_size = 800.0;  // map points: about 150 m at mid latitudes
-  double width = 400.0;
-  double height = 700.0;
-  bool window = true;
-  bool shows_compass = false;
-  bool shows_scale = false;
-  bool follows_heading = false;
-  bool shows_user_location = true;
-  double camera_min_distance = 0.0;
-  double span_ns = 0.0;
-  double span_ew = 0.0;
+  double width = 400.0, height = 700.0;
+  bool window = true, shows_compass = false, shows_scale = false, follows_heading = false, shows_user_location = true;
+  double camera_min_distance = 0.0, span_ns = 0.0, span_ew = 0.0;
   std::vector<std::string> calls;
   std::vector<annotation_ref_t> markers;
   std::vector<overlay_ref_t> shown;

@@ -33,15 +33,12 @@ public:
 
 private:
   void answer(QTcpSocket* s) {
+    // A request may arrive in parts, or several in one read: each ends with an empty line.
     QByteArray buffer = s->property("request").toByteArray() + s->readAll();
-    while (true) {
-      const int end = buffer.indexOf("\r\n\r\n");
-      if (end < 0) break;
-      const QByteArray head = buffer.left(end);
-      buffer.remove(0, end + 4);
+    for (int end; (end = buffer.indexOf("\r\n\r\n")) >= 0; buffer.remove(0, end + 4)) {
       ++requests;
       static const QRegularExpression path("^GET /(\\d+)/(\\d+)/(\\d+)\\.png");
-      const auto m = path.match(QString::fromLatin1(head));
+      const auto m = path.match(QString::fromLatin1(buffer.left(end)));
       if (offline || !m.hasMatch()) {
         s->write("HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
         continue;

@@ -19,180 +19,138 @@ const QString sat = QString::fromUtf8("\U0001F6F0");
 const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,";
 const std::string rmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W,A";
 
-QStringList texts(const text_runs_t* t) {
-  QStringList out;
-  for (const auto& r : t->runs()) out << r.text;
-  return out;
-}
+// The main screen, 1000 x 700 points: landscape.
+struct content_view_test : ::testing::Test, main_screen_t {};
 
-TEST(content_view, shows_the_fix_in_portrait_and_landscape_rows) {
-  main_screen_t screen(1000, 700);
-  screen.hub.receive(gga);
-  screen.hub.receive(rmc);
-  screen.run();
-  auto& v = screen.view;
-  EXPECT_EQ(texts(v.time_date_button()), (QStringList{"12:35:19", "1994-03-23"}));
-  EXPECT_EQ(texts(v.fix_button()), (QStringList{sat + " 8", "GPS"}));
-  EXPECT_EQ(texts(v.hdop_label()), (QStringList{"HDOP", "0.90"}));
-  EXPECT_EQ(texts(v.latitude_label()), QStringList{"48.117300"});
-  EXPECT_EQ(texts(v.longitude_label()), QStringList{"11.516667"});
-  EXPECT_EQ(texts(v.altitude_label()), (QStringList{"ALT", "545.4"}));
-  EXPECT_EQ(texts(v.sea_label()), (QStringList{"sea", "46.9"}));
-  EXPECT_EQ(v.fix_button()->runs()[0].font.pixelSize(), 15);
-
+TEST_F(content_view_test, shows_the_fix_in_landscape_and_portrait_rows) {
+  hub.receive(gga);
+  hub.receive(rmc);
+  run();
+  const QString fix = sat + " 8 GPS", status = view.status_button()->joined();
   // Landscape: two rows; the speed has its label; the time and status close the fix row.
-  EXPECT_FALSE(v.portrait());
-  EXPECT_EQ(v.rows().size(), 2);
-  EXPECT_EQ(v.rows()[0].size(), 5);
-  EXPECT_EQ(v.rows()[0][2], "reset");
-  EXPECT_EQ(texts(v.speed_label()), (QStringList{"speed", "11.52", "m/s"}));
-  EXPECT_FALSE(v.altitude_label()->isVisible());
+  EXPECT_FALSE(view.portrait());
+  EXPECT_EQ(view.rows(), (QList<QStringList>{{fix, "HDOP 0.90", "reset", "12:35:19 1994-03-23", status},
+                                             {"48.117300", "11.516667", "speed 11.52 m/s", "sea 46.9"}}));
+  EXPECT_EQ(view.fix_button()->runs()[0].font.pixelSize(), 15);
+  EXPECT_FALSE(view.altitude_label()->isVisible());
 
   // Turned: the time gets a row of its own, in a monospaced font; the altitude comes back.
-  v.resize(500, 900);
-  screen.run();
-  EXPECT_TRUE(v.portrait());
-  ASSERT_EQ(v.rows().size(), 3);
-  EXPECT_EQ(v.rows()[0], (QStringList{"12:35:19 1994-03-23", v.status_button()->joined()}));
-  EXPECT_TRUE(v.time_date_button()->runs()[0].font.fixedPitch() ||
-              QFontInfo(v.time_date_button()->runs()[0].font).fixedPitch());
-  EXPECT_EQ(texts(v.speed_label()), (QStringList{"11.52", "m/s"}));
-  EXPECT_TRUE(v.altitude_label()->isVisible());
+  view.resize(500, 900);
+  run();
+  EXPECT_TRUE(view.portrait());
+  EXPECT_EQ(view.rows(), (QList<QStringList>{{"12:35:19 1994-03-23", status},
+                                             {fix, "HDOP 0.90", "11.52 m/s", "reset", "sea 46.9"},
+                                             {"48.117300", "11.516667", "ALT 545.4"}}));
+  const QFont time_font = view.time_date_button()->runs()[0].font;
+  EXPECT_TRUE(time_font.fixedPitch() || QFontInfo(time_font).fixedPitch());
+  EXPECT_TRUE(view.altitude_label()->isVisible());
 
-  screen.hub.receive("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,1234.56,M,998.95,M,,");
-  screen.run();
-  EXPECT_EQ(texts(v.altitude_label())[1], "1235") << "no decimal from 999 on";
-  EXPECT_EQ(texts(v.sea_label())[1], "999.0") << "998.95 is below 999";
+  hub.receive("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,1234.56,M,998.95,M,,");
+  run();
+  EXPECT_EQ(view.rows()[2][2], "ALT 1235") << "no decimal from 999 on";
+  EXPECT_EQ(view.rows()[1][4], "sea 999.0") << "998.95 is below 999";
 }
 
-TEST(content_view, status_texts_follow_the_link_switches) {
-  const struct {
-    bool ble, bridge;
-    QStringList shown;
-    int size;
-  } cases[] = {
-      {false, false, {"tcp text"}, 16},
-      {true, false, {"ble text"}, 16},
-      {false, true, {"tcp text", "ble text"}, 12},
+TEST_F(content_view_test, status_texts_follow_the_link_switches) {
+  const std::tuple<bool, bool, QString, int> cases[] = {
+      // BLE, bridge, shown, font size
+      {false, false, "tcp text", 16},
+      {true, false, "ble text", 16},
+      {false, true, "tcp text ble text", 12},
   };
-  main_screen_t screen;
-  screen.hub.hub.status_tcp = "tcp text";
-  screen.hub.hub.status_ble = "ble text";
-  for (const auto& c : cases) {
-    screen.cfg.set_enable_ble(c.ble);
-    screen.cfg.set_enable_bridge(c.bridge);
-    screen.run();
-    EXPECT_EQ(texts(screen.view.status_button()), c.shown) << c.ble << c.bridge;
-    EXPECT_EQ(screen.view.status_button()->runs().back().font.pixelSize(), c.size);
+  hub.hub.status_tcp = "tcp text";
+  hub.hub.status_ble = "ble text";
+  for (const auto& [ble, bridge, shown, size] : cases) {
+    cfg.set_enable_ble(ble);
+    cfg.set_enable_bridge(bridge);
+    run();
+    EXPECT_EQ(std::pair(view.status_button()->joined(), view.status_button()->runs().back().font.pixelSize()),
+              std::pair(shown, size));
   }
 }
 
 // The bands and the fill are the DOP gauges' own (dop_colour_test); the HDOP gauge adds hiding.
 TEST(content_view, hdop_gauge_is_hidden_up_to_1_5) {
-  ui_test_app();
-  const QPalette& palette = QApplication::palette();
+  const QPalette palette = ui_test_app().palette();
   for (const auto& [hdop, opacity] : {std::pair{1.5, 0.0}, std::pair{1.51, 1.0}}) {
     const auto v = hdop_gauge_value(hdop, palette);
-    EXPECT_EQ(v.opacity, opacity) << hdop;
-    EXPECT_EQ(v.colour, colour_of(dop_colour(hdop), palette)) << hdop;
-    EXPECT_EQ(v.progress, dop_progress(hdop)) << hdop;
+    EXPECT_EQ(std::tuple(v.opacity, v.colour, v.progress),
+              std::tuple(opacity, colour_of(dop_colour(hdop), palette), dop_progress(hdop)))
+        << hdop;
   }
 }
 
-TEST(content_view, the_status_button_connects_as_the_settings_say_then_disconnects_both) {
-  main_screen_t screen;
-  screen.cfg.set_enable_ble(false);
-  screen.view.status_button()->click();
-  ASSERT_NE(screen.hub.links.tcp, nullptr);
-  EXPECT_EQ(screen.hub.links.tcp->connects, std::vector<std::string>{"127.0.0.1:81"});
-  EXPECT_EQ(screen.hub.links.ble, nullptr) << "TCP only";
-
-  screen.view.status_button()->click();
-  EXPECT_FALSE(screen.hub.hub.tcp_enabled());
-
-  screen.cfg.set_enable_bridge(true);
-  screen.view.status_button()->click();
-  ASSERT_NE(screen.hub.links.ble, nullptr);
-  EXPECT_TRUE(screen.hub.hub.tcp_enabled());
-  EXPECT_TRUE(screen.hub.hub.ble_enabled());
-  screen.run();
-  EXPECT_EQ(screen.view.status_button()->toolTip(), "BLE 2 unsupported") << "the radio's own state";
-  screen.view.status_button()->click();
-  EXPECT_FALSE(screen.hub.hub.tcp_enabled());
-  EXPECT_FALSE(screen.hub.hub.ble_enabled());
+// Which links connect for which settings is the connect action's (connect_action_test).
+TEST_F(content_view_test, the_status_button_connects_shows_the_radio_and_disconnects) {
+  cfg.set_enable_bridge(true);
+  view.status_button()->click();
+  ASSERT_NE(hub.links.ble, nullptr);
+  EXPECT_TRUE(hub.hub.tcp_enabled() && hub.hub.ble_enabled());
+  EXPECT_EQ(hub.links.tcp->connects, std::vector<std::string>{"127.0.0.1:81"});
+  run();
+  EXPECT_EQ(view.status_button()->toolTip(), "BLE 2 unsupported") << "the radio's own state";
+  view.status_button()->click();
+  EXPECT_FALSE(hub.hub.tcp_enabled() || hub.hub.ble_enabled());
 }
 
-TEST(content_view, reset_clears_the_hub_and_the_map) {
-  main_screen_t screen;
+// What the hub's reset clears is the hub's test; here the button reaches the hub and the map.
+TEST_F(content_view_test, reset_clears_the_hub_and_the_map) {
   for (const char* lat : {"4807.000", "4807.010", "4807.020"}) {  // 18.5 m apart: markers and a track
-    screen.hub.receive(std::string("$GPGGA,123519,") + lat + ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
-    screen.hub.queue.advance(1.0);
-    screen.run();
+    hub.receive(std::string("$GPGGA,123519,") + lat + ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+    hub.queue.advance(1.0);
+    run();
   }
-  ASSERT_FALSE(screen.map.overlays().empty());
-  ASSERT_FALSE(screen.map.annotations().empty());
-  ASSERT_FALSE(screen.hub.hub.arr_rx->empty());
-
-  screen.view.reset_button()->click();
-  screen.run();
-  EXPECT_EQ(screen.hub.hub.gga.lat, 0.0);
-  EXPECT_TRUE(screen.hub.hub.arr_rx->empty());
-  EXPECT_EQ(screen.hub.hub.msg_count, 0u);
-  EXPECT_TRUE(screen.map.overlays().empty());
-  EXPECT_TRUE(screen.map.annotations().empty());
-  EXPECT_FALSE(screen.map_cfg.reset) << "the map's reset is a one-shot";
+  ASSERT_FALSE(map.overlays().empty() || map.annotations().empty() || hub.hub.arr_rx->empty());
+  view.reset_button()->click();
+  run();
+  EXPECT_TRUE(map.overlays().empty() && map.annotations().empty() && hub.hub.arr_rx->empty());
+  EXPECT_FALSE(map_cfg.reset) << "the map's reset is a one-shot";
 }
 
-TEST(content_view, backquote_toggles_the_log_and_the_fix_opens_the_details) {
-  main_screen_t screen;
-  QTest::keyClick(&screen.view, Qt::Key_QuoteLeft);
-  screen.run();
-  EXPECT_TRUE(screen.view.sheets().shown(sheet_id_t::log));
-  EXPECT_TRUE(screen.view.log_sheet()->isVisible());
-  QTest::keyClick(screen.view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
-  screen.run();
-  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::log));
-  EXPECT_FALSE(screen.view.log_sheet()->isVisible());
-  QTest::keyClick(&screen.view, Qt::Key_QuoteLeft, Qt::ControlModifier);
-  screen.run();
-  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::log)) << "only the bare key";
+TEST_F(content_view_test, backquote_toggles_the_log_and_the_fix_opens_the_details) {
+  QTest::keyClick(&view, Qt::Key_QuoteLeft);
+  run();
+  EXPECT_TRUE(view.log_sheet()->isVisible());
+  QTest::keyClick(view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
+  run();
+  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log) || view.log_sheet()->isVisible());
+  QTest::keyClick(&view, Qt::Key_QuoteLeft, Qt::ControlModifier);
+  run();
+  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log)) << "only the bare key";
 
-  screen.view.fix_button()->click();
-  screen.run();
-  EXPECT_TRUE(screen.view.details_sheet()->isVisible());
-  QTest::keyClick(screen.view.details_sheet(), Qt::Key_Escape);
-  screen.run();
-  EXPECT_FALSE(screen.view.sheets().shown(sheet_id_t::details)) << "Escape closes a sheet through its flag";
+  view.fix_button()->click();
+  run();
+  EXPECT_TRUE(view.details_sheet()->isVisible());
+  QTest::keyClick(view.details_sheet(), Qt::Key_Escape);
+  run();
+  EXPECT_FALSE(view.sheets().shown(sheet_id_t::details)) << "Escape closes a sheet through its flag";
 }
 
-TEST(content_view, buttons_over_the_map_act_on_the_map_settings) {
-  main_screen_t screen;
-  auto* panel = screen.view.map_panel();
+TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
+  auto* panel = view.map_panel();
   panel->mode_button()->click();
-  EXPECT_TRUE(screen.map_cfg.mode_sat);
-  screen.map_cfg.region_set = true;
+  EXPECT_TRUE(map_cfg.mode_sat);
+  map_cfg.region_set = true;
   panel->course()->click();
-  EXPECT_FALSE(screen.map_cfg.region_set);
+  EXPECT_FALSE(map_cfg.region_set);
   panel->settings_button()->click();
-  screen.run();
-  EXPECT_TRUE(screen.view.settings_sheet()->isVisible());
-  EXPECT_EQ(panel->location_button()->icon_name(), "location");
+  run();
+  EXPECT_TRUE(view.settings_sheet()->isVisible());
+  const auto location = [&] { return std::pair(map.shows_user_location(), panel->location_button()->icon_name()); };
+  EXPECT_EQ(location(), std::pair(false, QString("location")));
   panel->location_button()->click();
-  screen.run();
-  EXPECT_TRUE(screen.map.shows_user_location());
-  EXPECT_EQ(panel->location_button()->icon_name(), "location_fill");
+  run();
+  EXPECT_EQ(location(), std::pair(true, QString("location_fill")));
 }
 
-TEST(content_view, a_burst_of_notices_costs_one_refresh_and_none_without_a_change) {
-  main_screen_t screen;
-  screen.hub.receive(gga);
-  screen.run();  // the map is placed: the one-off writes of the placement are done
-  const int before = screen.view.refreshes();
-  for (int i = 0; i < 50; ++i) screen.hub.receive(gga);
-  screen.run();
-  EXPECT_EQ(screen.view.refreshes(), before + 1);
-  screen.run();
-  EXPECT_EQ(screen.view.refreshes(), before + 1);
+TEST_F(content_view_test, a_burst_of_notices_costs_one_refresh_and_none_without_a_change) {
+  hub.receive(gga);
+  run();  // the map is placed: the one-off writes of the placement are done
+  const int before = view.refreshes();
+  for (int i = 0; i < 50; ++i) hub.receive(gga);
+  run();
+  run();
+  EXPECT_EQ(view.refreshes(), before + 1) << "one for the burst, none for a run without a change";
 }
 
 TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPaintEvent>
+#include <array>
 
 #include "support/ui_test_app.h"
 
@@ -21,15 +22,9 @@ QImage render(const progress_view_t& v) {
   return image;
 }
 
-progress_view_t gauge_at(float p, bool reverse = false) {
-  progress_view_t v;
-  v.progress = p;
-  v.height = 10;
-  v.corner_radius = 0;
-  v.colour = Qt::red;
-  v.track = Qt::blue;
-  v.reverse = reverse;
-  return v;
+// A red bar on a blue track, square-cornered and as tall as the gauge.
+progress_view_t gauge_at(float p, bool reverse = false, std::optional<double> width = {}) {
+  return {p, width, 10.0, 0.0, Qt::red, Qt::blue, {}, 1.0, reverse};
 }
 
 TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width) {
@@ -46,16 +41,12 @@ TEST(progress_view, clamps_fills_from_the_chosen_edge_and_centres_a_fixed_width)
       {1.0f, false, 40.0, none, bar, none},  // centred: columns 30 to 70
   };
   for (const auto& r : rows) {
-    auto v = gauge_at(r.progress, r.reverse);
-    v.width = r.width;
-    const QImage image = render(v);
-    EXPECT_EQ(image.pixel(5, 5), r.left) << r.progress << " reverse " << r.reverse;
-    EXPECT_EQ(image.pixel(50, 5), r.middle) << r.progress << " reverse " << r.reverse;
-    EXPECT_EQ(image.pixel(95, 5), r.right) << r.progress << " reverse " << r.reverse;
+    const QImage image = render(gauge_at(r.progress, r.reverse, r.width));
+    EXPECT_EQ((std::array{image.pixel(5, 5), image.pixel(50, 5), image.pixel(95, 5)}),
+              (std::array{r.left, r.middle, r.right}))
+        << r.progress << " reverse " << r.reverse;
   }
-  auto hidden = gauge_at(1.0f);
-  hidden.opacity = 0.0;
-  hidden.width = 60.0;
+  const progress_view_t hidden{1.0f, 60.0, 10.0, 0.0, Qt::red, Qt::blue, {}, 0.0};
   EXPECT_EQ(render(hidden).pixel(50, 5), none) << "zero opacity draws nothing";
   progress_gauge_t gauge;
   gauge.show_value(hidden);
@@ -74,22 +65,15 @@ struct paint_counter_t : QObject {
 // again unchanged paints nothing (each repaint also repaints the map under the gauge).
 TEST(progress_view, eases_only_what_is_seen_and_repaints_only_on_change) {
   ui_test_app();
-  struct row {
-    double from_opacity, to_opacity;
-    bool eases;
-  } rows[] = {{1.0, 1.0, true}, {1.0, 0.0, false}, {0.0, 1.0, false}, {0.0, 0.0, false}};
-  for (const auto& r : rows) {
+  const std::tuple<double, double, bool> rows[] = {
+      {1.0, 1.0, true}, {1.0, 0.0, false}, {0.0, 1.0, false}, {0.0, 0.0, false}};
+  for (const auto& [from_opacity, to_opacity, eases] : rows) {
     progress_gauge_t gauge;
     gauge.resize(100, 10);
     gauge.show();
-    auto v = gauge_at(0.2f);
-    v.animation = 800;
-    v.opacity = r.from_opacity;
-    gauge.show_value(v);
-    v.progress = 0.8f;
-    v.opacity = r.to_opacity;
-    gauge.show_value(v);
-    EXPECT_NEAR(gauge.drawn_progress(), r.eases ? 0.2 : 0.8, 1e-6) << r.from_opacity << " to " << r.to_opacity;
+    gauge.show_value({0.2f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, from_opacity});
+    gauge.show_value({0.8f, {}, 10.0, 0.0, Qt::red, Qt::blue, 800, to_opacity});
+    EXPECT_NEAR(gauge.drawn_progress(), eases ? 0.2 : 0.8, 1e-6) << from_opacity << " to " << to_opacity;
   }
   progress_gauge_t gauge;
   gauge.resize(100, 10);
@@ -98,12 +82,11 @@ TEST(progress_view, eases_only_what_is_seen_and_repaints_only_on_change) {
   QApplication::processEvents();
   paint_counter_t counter;
   gauge.installEventFilter(&counter);
-  gauge.show_value(gauge_at(0.5f));
-  QApplication::processEvents();
-  EXPECT_EQ(counter.paints, 0);
-  gauge.show_value(gauge_at(0.6f));
-  QApplication::processEvents();
-  EXPECT_EQ(counter.paints, 1);
+  for (const auto& [progress, paints] : {std::pair{0.5f, 0}, {0.6f, 1}}) {
+    gauge.show_value(gauge_at(progress));
+    QApplication::processEvents();
+    EXPECT_EQ(counter.paints, paints) << progress;
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -23,16 +24,15 @@ struct view_hub_t {
 };
 
 // One satellite of a GSV sentence as the receiver writes it: PRN, elevation, azimuth, SNR.
-struct gsv_group_t {
-  std::string prn, elevation, azimuth, snr;
-};
+using gsv_group_t = std::array<std::string, 4>;
 
 // A one-sentence GSV group ending in a signal id, so that no value carries the checksum; the
 // groups not given stay empty, which the decoder skips.
 inline std::string gsv_body(unsigned in_view, std::vector<gsv_group_t> groups) {
   groups.resize(4);
   std::string body = "$GPGSV,1,1," + std::to_string(in_view);
-  for (const auto& g : groups) body += "," + g.prn + "," + g.elevation + "," + g.azimuth + "," + g.snr;
+  for (const auto& group : groups)
+    for (const auto& value : group) body += "," + value;
   return body + ",1";
 }
 
