@@ -22,12 +22,18 @@ const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,4
 const std::string rmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A";
 const std::string bad_gga = gga.substr(0, gga.size() - 2) + "00";
 
+// The counters as one text: the candidates before acknowledgement, "ack" once the stream is
+// acknowledged, then the counted and the good messages ("11 ack 1 0").
+std::string counts(const connection_t& hub) {
+  return std::to_string(hub.msg_ack_count) + (hub.msg_ack ? " ack " : " - ") + std::to_string(hub.msg_count) + " " +
+         std::to_string(hub.msg_good);
+}
+
 class hub_test : public ::testing::Test {
 protected:
   void line(const std::string& text, int times = 1) {
     for (int i = 0; i < times; ++i) feed_line(hub.tcp_events(), text);
   }
-  std::uint64_t counters() const { return hub.msg_count + hub.msg_good + hub.msg_ack_count + (hub.msg_ack ? 1 : 0); }
 
   test_queue_t queue;
   recording_console_t console;
@@ -69,54 +75,36 @@ TEST_F(hub_test, drops_what_is_not_a_valid_sentence_after_counting_candidates) {
   ASSERT_EQ(ten.size(), 10u);
   ASSERT_EQ(line80.size(), 80u);
   ASSERT_EQ(utf8_80.size(), 81u);
-  const struct {
-    std::string line;
-    bool counted, valid;
-  } cases[] = {
-      {"GPGGA,1*00", false, false},
-      {"!AIVDM,1*00", false, false},
-      {with_checksum("$GPAB,"), true, false},  // 9 characters
-      {ten, true, true},
-      {line80, true, true},
-      {utf8_80, true, true},
-      {line81, true, false},
-      {bad_gga, true, false},
-      {gga.substr(0, gga.size() - 1), true, false},
-      {gga + "0", true, false},
+  const std::pair<std::string, std::string> cases[] = {
+      {"GPGGA,1*00", "0 - 0 0"}, {"!AIVDM,1*00", "0 - 0 0"}, {with_checksum("$GPAB,"), "1 - 0 0"},  // 9 characters
+      {ten, "1 ack 0 0"},        {line80, "1 ack 0 0"},      {utf8_80, "1 ack 0 0"},
+      {line81, "1 - 0 0"},       {bad_gga, "1 - 0 0"},       {gga.substr(0, gga.size() - 1), "1 - 0 0"},
+      {gga + "0", "1 - 0 0"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [line, expected] : cases) {
     connection_t fresh(queue, console, links);
-    feed_line(fresh.tcp_events(), c.line);
-    EXPECT_EQ(fresh.msg_ack_count, c.counted ? 1u : 0u) << c.line;
-    EXPECT_EQ(fresh.msg_ack, c.valid) << c.line;
+    feed_line(fresh.tcp_events(), line);
+    EXPECT_EQ(counts(fresh), expected) << line;
   }
 }
 
 // Each run starts a fresh hub and sends good ('g') and bad ('b') sentences in order: the first
 // valid sentence or the eleventh candidate acknowledges the stream, and only then counting starts.
 TEST_F(hub_test, candidates_acknowledge_the_stream_then_messages_are_counted) {
-  const struct {
-    std::string run;
-    std::uint64_t ack_count;
-    bool ack;
-    std::uint64_t count, good;
-  } cases[] = {
-      {"g", 1, true, 0, 0},
-      {"gg", 1, true, 1, 1},
-      {"gbg", 1, true, 2, 1},
-      {"bbbbbbbbbb", 10, false, 0, 0},
-      {"bbbbbbbbbbb", 11, true, 0, 0},
-      {"bbbbbbbbbbbb", 11, true, 1, 0},
-      {"bbbbbbbbbbg", 11, true, 0, 1},
-      {"bbbbbbbbbbbg", 11, true, 1, 1},
+  const std::pair<std::string, std::string> cases[] = {
+      {"g", "1 ack 0 0"},
+      {"gg", "1 ack 1 1"},
+      {"gbg", "1 ack 2 1"},
+      {"bbbbbbbbbb", "10 - 0 0"},
+      {"bbbbbbbbbbb", "11 ack 0 0"},
+      {"bbbbbbbbbbbb", "11 ack 1 0"},
+      {"bbbbbbbbbbg", "11 ack 0 1"},
+      {"bbbbbbbbbbbg", "11 ack 1 1"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [run, expected] : cases) {
     connection_t fresh(queue, console, links);
-    for (const char kind : c.run) feed_line(fresh.tcp_events(), kind == 'g' ? gga : bad_gga);
-    EXPECT_EQ(fresh.msg_ack_count, c.ack_count) << c.run;
-    EXPECT_EQ(fresh.msg_ack, c.ack) << c.run;
-    EXPECT_EQ(fresh.msg_count, c.count) << c.run;
-    EXPECT_EQ(fresh.msg_good, c.good) << c.run;
+    for (const char kind : run) feed_line(fresh.tcp_events(), kind == 'g' ? gga : bad_gga);
+    EXPECT_EQ(counts(fresh), expected) << run;
   }
 }
 
@@ -155,7 +143,7 @@ TEST_F(hub_test, reset_clears_log_counters_and_decoders_but_not_the_links) {
   ASSERT_NE(hub.gga.fix_text(), no_fix);
   hub.reset();
   EXPECT_TRUE(hub.arr_rx->empty());
-  EXPECT_EQ(counters(), 0u);
+  EXPECT_EQ(counts(hub), "0 - 0 0");
   EXPECT_EQ(hub.gga.fix_text(), no_fix) << "every decoder is reset";
   EXPECT_EQ(hub.status_tcp.get(), "127.0.0.1:10110");
   EXPECT_EQ(links.tcp->stops, 0);
@@ -204,7 +192,7 @@ TEST_F(hub_test, a_link_coming_up_clears_the_log_and_counters_and_starts_as_text
   ASSERT_TRUE(hub.binary());
   hub.ble_events().link_up("x");
   EXPECT_TRUE(hub.arr_rx->empty());
-  EXPECT_EQ(counters(), 0u);
+  EXPECT_EQ(counts(hub), "0 - 0 0");
   line(gga);
   EXPECT_EQ(hub.msg_ack_count, 0u) << "the TCP link stays binary until it comes up again";
   hub.tcp_events().link_up("127.0.0.1:81");
@@ -310,15 +298,14 @@ TEST_F(hub_test, a_decoded_record_replaces_the_log_and_errors_follow_it) {
   ASSERT_EQ(hub.arr_rx->size(), 1u);
   EXPECT_EQ((*hub.arr_rx)[0].substr(0, 40), "cls 1  id 7      PVT  len 92            ");
   EXPECT_EQ(hub.gga.fix_text(), "3D fix") << "the record reached the decoders";
-  EXPECT_EQ(hub.msg_good, 3u);
+  EXPECT_EQ(counts(hub), "1 ack 3 3") << "a record counts as a good message";
 
   auto bad = frame;
   bad.back() ^= 0xFF;
   hub.tcp_events().link_bytes(bad);
   ASSERT_EQ(hub.arr_rx->size(), 2u);
   EXPECT_EQ((*hub.arr_rx)[1], "[2026-01-01 12:00:00 +0000  binary packet: checksum invalid]");
-  EXPECT_EQ(hub.msg_count, 4u) << "counted, not good";
-  EXPECT_EQ(hub.msg_good, 3u);
+  EXPECT_EQ(counts(hub), "1 ack 4 3") << "counted, not good";
 }
 
 TEST_F(hub_test, binary_chunks_without_a_frame_end_count_nothing) {
@@ -327,12 +314,10 @@ TEST_F(hub_test, binary_chunks_without_a_frame_end_count_nothing) {
   hub.tcp_events().link_bytes(frame_of(other.bytes));
   const auto frame = frame_of(image_of(valid_pvt()));
   hub.tcp_events().link_bytes(std::span(frame).first(50));
-  EXPECT_EQ(hub.msg_ack_count, 0u);
+  EXPECT_EQ(counts(hub), "0 - 0 0");
   EXPECT_TRUE(hub.arr_rx->empty());
   hub.tcp_events().link_bytes(std::span(frame).subspan(50));
-  EXPECT_TRUE(hub.msg_ack) << "the first good record acknowledges the stream";
-  EXPECT_EQ(hub.msg_good, 1u);
-  EXPECT_EQ(hub.msg_count, 1u);
+  EXPECT_EQ(counts(hub), "0 ack 1 1") << "the first good record acknowledges the stream";
 }
 
 }  // namespace
