@@ -35,6 +35,7 @@ protected:
     central.events->characteristics_discovered(thingy, {battery, recv_char, send_char});
   }
   void notify(const bytes_t& value) { central.events->value_updated(thingy, recv_char, std::span(value)); }
+  std::pair<std::string, colour_t> shown() const { return {ble.status.get(), ble.sta_fg.get()}; }
 
   std::unique_ptr<fake_ble_central_t> stack = std::make_unique<fake_ble_central_t>();
   fake_ble_central_t& central = *stack;
@@ -46,23 +47,20 @@ protected:
 TEST_F(ble_test, only_the_exact_name_connects) {
   central.set_radio(ble_manager_state_t::powered_on);
   ble.connect("Thingy:91 UART");
-  EXPECT_EQ(ble.status.get(), "BLE scanning...");
-  EXPECT_EQ(ble.sta_fg.get(), colour_t::blue);
+  EXPECT_EQ(shown(), std::pair(std::string("BLE scanning..."), colour_t::blue));
   central.events->peripheral_discovered(other);
   central.events->peripheral_discovered({9, "thingy:91 uart", "<lower 9>"});
   central.events->peripheral_discovered({10, std::nullopt, "<nameless 10>"});
   EXPECT_EQ(central.calls, (std::vector<std::string>{"scan"}));
   central.events->peripheral_discovered(thingy);
-  EXPECT_EQ(ble.status.get(), "BLE found a Thingy:91 UART device");
-  EXPECT_EQ(ble.sta_fg.get(), colour_t::green);
+  EXPECT_EQ(shown(), std::pair(std::string("BLE found a Thingy:91 UART device"), colour_t::green));
   EXPECT_EQ(central.calls.back(), "connect 7");
 }
 
 TEST_F(ble_test, becomes_ready_when_both_uart_characteristics_are_found) {
   bring_up();
   EXPECT_EQ(hub.events, std::vector<std::string>{"up Thingy:91 UART"});
-  EXPECT_EQ(ble.status.get(), "Thingy:91 UART");
-  EXPECT_EQ(ble.sta_fg.get(), colour_t::secondary);
+  EXPECT_EQ(shown(), std::pair(std::string("Thingy:91 UART"), colour_t::secondary));
   EXPECT_TRUE(ble.ready());
   const std::vector<std::string> tail(central.calls.end() - 6, central.calls.end());
   EXPECT_EQ(tail, (std::vector<std::string>{"discover_characteristics 1", "read 33", "read 31", "notify 31 on",
@@ -83,8 +81,7 @@ TEST_F(ble_test, notifications_reach_the_hub_raw_and_each_asks_for_the_rssi) {
 TEST_F(ble_test, radio_off_and_on_while_enabled_rescans_by_itself) {
   bring_up();
   central.set_radio(ble_manager_state_t::powered_off);
-  EXPECT_EQ(ble.status.get(), "BLE 4 powered OFF");
-  EXPECT_EQ(ble.sta_fg.get(), colour_t::red);
+  EXPECT_EQ(shown(), std::pair(std::string("BLE 4 powered OFF"), colour_t::red));
   EXPECT_EQ(console.lines.back(), "ble_manager.state: 4 powered OFF");
   central.calls.clear();
   central.set_radio(ble_manager_state_t::powered_on);
