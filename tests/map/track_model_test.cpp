@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "map/annotations.h"
 #include "map/gps_heading.h"
 #include "map/map_path.h"
@@ -16,27 +18,18 @@ annotation_ref_t marker(geo_coordinate_t c) {
   return make_annotation("m", c, spare);
 }
 
-TEST(annotations, spacing_is_measured_from_the_newest_fixed_entry) {
-  annotations_t a;
-  EXPECT_EQ(a.add_annotation(marker(north(0))), nullptr);
-  const auto far_head = marker(north(500));
-  EXPECT_EQ(a.add_annotation(far_head), nullptr) << "the first two are inserted whatever their distance";
-  // Within 100 m of list[1] (the entry at 0 m): overwrites the head, returns the old head.
-  const auto near = marker(north(99.9));
-  EXPECT_EQ(a.add_annotation(near), far_head);
-  EXPECT_EQ(a.list()[0], near);
-  EXPECT_EQ(a.list().size(), 2u);
-  // Exactly 100 m: inserted.
-  EXPECT_EQ(a.add_annotation(marker(north(100.0))), nullptr);
-  EXPECT_EQ(a.list().size(), 3u);
-}
-
-TEST(annotations, the_201st_entry_evicts_the_oldest) {
+TEST(annotations, spacing_is_measured_from_the_newest_fixed_entry_and_the_201st_evicts_the_oldest) {
   annotations_t a;
   const auto oldest = marker(north(0));
-  a.add_annotation(oldest);
-  for (int i = 1; i < 200; ++i) a.add_annotation(marker(north(150.0 * i)));
-  ASSERT_EQ(a.list().size(), 200u);
+  EXPECT_EQ(a.add_annotation(oldest), nullptr);
+  const auto far_head = marker(north(500));
+  EXPECT_EQ(a.add_annotation(far_head), nullptr) << "the first two are inserted whatever their distance";
+  const auto near = marker(north(99.9));
+  EXPECT_EQ(a.add_annotation(near), far_head) << "within 100 m of list[1]: overwrites the head, returns the old one";
+  EXPECT_EQ(std::tuple(a.list()[0], a.list().size()), std::tuple(near, 2u));
+  EXPECT_EQ(a.add_annotation(marker(north(100.0))), nullptr) << "exactly 100 m: inserted";
+  for (int i = 3; i < 200; ++i) a.add_annotation(marker(north(150.0 * i)));
+  EXPECT_EQ(a.list().size(), 200u);
   EXPECT_EQ(a.add_annotation(marker(north(150.0 * 200))), oldest);
   EXPECT_EQ(a.list().size(), 200u);
   a.clear();
@@ -50,15 +43,12 @@ TEST(annotations, a_spare_marker_is_reused_only_when_nobody_holds_it) {
   auto* storage = first.get();
   spare = std::move(first);
   auto second = make_annotation("12:00:01", north(1), spare);
-  EXPECT_EQ(second.get(), storage);
-  EXPECT_EQ(second->title, "12:00:01");
-  EXPECT_EQ(second->subtitle, "12:00:01");
-  EXPECT_EQ(second->coordinate, north(1));
+  EXPECT_EQ(std::tuple(second.get(), second->title, second->subtitle, second->coordinate),
+            std::tuple(storage, "12:00:01", "12:00:01", north(1)));
   spare = second;
   auto third = make_annotation("x", north(2), spare);
   EXPECT_NE(third.get(), storage) << "a marker someone holds is never changed";
-  EXPECT_EQ(second->title, "12:00:01");
-  EXPECT_EQ(spare, nullptr) << "the spare is given up either way";
+  EXPECT_EQ(std::tuple(second->title, spare), std::tuple("12:00:01", nullptr)) << "the spare is given up either way";
 }
 
 TEST(map_path, spacing_grows_with_the_hdop) {
@@ -87,15 +77,11 @@ TEST(map_path, keeps_ten_thousand_points_and_the_last_ten_offers) {
   for (int i = 0; i < 10000; ++i) p.add_point(north(20.0 * i).latitude, 0, 1.0);
   const auto evicted = p.add_point(north(20.0 * 10000).latitude, 0, 1.0);
   ASSERT_TRUE(evicted);
-  EXPECT_EQ(evicted->latitude, 0.0);
-  EXPECT_EQ(p.list().size(), 10000u);
+  EXPECT_EQ(std::tuple(evicted->latitude, p.list().size(), p.history().size()), std::tuple(0.0, 10000u, 10u));
   EXPECT_DOUBLE_EQ(p.list()[0].latitude, north(20.0 * 10000).latitude);
-  ASSERT_EQ(p.history().size(), 10u);
-  EXPECT_EQ(p.history()[0], p.list()[0]);
-  EXPECT_EQ(p.history()[9], p.list()[9]);
+  EXPECT_EQ(std::tuple(p.history()[0], p.history()[9]), std::tuple(p.list()[0], p.list()[9]));
   p.clear();
-  EXPECT_TRUE(p.list().empty());
-  EXPECT_TRUE(p.history().empty());
+  EXPECT_TRUE(p.list().empty() && p.history().empty());
 }
 
 TEST(flat_distance, uses_the_equatorial_longitude_scale_everywhere) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "support/records.h"
 
@@ -12,30 +13,17 @@ TEST(records, fields_land_at_their_offsets_and_write_back_the_same) {
   std::array<std::uint8_t, gps_pvt_t::image_size> image{};
   for (std::size_t i = 0; i < image.size(); ++i) image[i] = static_cast<std::uint8_t>(i);
   const auto p = gps_pvt_t::from_image(image);
-  EXPECT_EQ(p.length, 0x0302);
-  EXPECT_EQ(p.iTOW, 0x07060504u);
-  EXPECT_EQ(p.year, 0x0908);
-  EXPECT_EQ(p.sec, 14);
-  EXPECT_EQ(p.tAcc, 0x13121110u);
-  EXPECT_EQ(p.fixType, 24);
-  EXPECT_EQ(p.numSV, 27);
-  EXPECT_EQ(p.lon, 0x1F1E1D1C);
-  EXPECT_EQ(p.vAcc, 0x33323130u);
-  EXPECT_EQ(p.gSpeed, 0x43424140);
-  EXPECT_EQ(p.pDOP, 0x5150);
-  EXPECT_EQ(p.headVeh, 0x5B5A5958);
-  EXPECT_EQ(p.magDec, 0x5D5C);
-  EXPECT_EQ(p.magAcc, 0x5F5E);
+  EXPECT_EQ(std::tuple(p.length, p.iTOW, p.year, p.sec, p.tAcc, p.fixType, p.numSV, p.lon, p.vAcc, p.gSpeed, p.pDOP,
+                       p.headVeh, p.magDec, p.magAcc),
+            std::tuple(0x0302, 0x07060504u, 0x0908, 14, 0x13121110u, 24, 27, 0x1F1E1D1C, 0x33323130u, 0x43424140,
+                       0x5150, 0x5B5A5958, 0x5D5C, 0x5F5E));
   EXPECT_EQ(image_of(p), image);
 
   std::array<std::uint8_t, gps_posllh_t::image_size> head{0x01, 0x02, 28,   0,    0x10, 0x32, 0x54, 0x76,
                                                           0x00, 0x00, 0x00, 0x80, 0xFF, 0xFF, 0xFF, 0xFF};
   head[28] = 0x01;
   const auto l = gps_posllh_t::from_image(head);
-  EXPECT_EQ(l.iTOW, 0x76543210u);
-  EXPECT_EQ(l.lon, INT32_MIN);
-  EXPECT_EQ(l.lat, -1);
-  EXPECT_EQ(l.vAcc, 1u);
+  EXPECT_EQ(std::tuple(l.iTOW, l.lon, l.lat, l.vAcc), std::tuple(0x76543210u, INT32_MIN, -1, 1u));
   EXPECT_EQ(image_of(l), head);
 }
 
