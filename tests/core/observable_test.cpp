@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "core/ring.h"
 
@@ -74,20 +75,15 @@ TEST(ring, keeps_the_newest_entries_at_either_end_and_releases_what_leaves) {
   for (const char* s : {"a", "b", "c", "d", "e"}) log.push_back(s);
   EXPECT_EQ(std::vector<std::string>({log[0], log[1], log.back()}), std::vector<std::string>({"c", "d", "e"}));
   log.pop_front();
-  EXPECT_EQ(log.size(), 2u);
-  EXPECT_EQ(log[0], "d");
+  EXPECT_EQ(std::tuple(log.size(), log[0]), std::tuple(2u, "d"));
   log.clear();
-  EXPECT_TRUE(log.empty());
   log.pop_front();
-  EXPECT_EQ(log.size(), 0u) << "nothing to remove";
+  EXPECT_TRUE(log.empty()) << "nothing to remove";
 
   const auto held = std::make_shared<int>(1);
   ring_t<std::shared_ptr<int>> refs(2);
-  refs.push_front(held);
-  refs.push_front(std::make_shared<int>(2));
-  refs.push_front(std::make_shared<int>(3));
-  EXPECT_EQ(*refs[0], 3);
-  EXPECT_EQ(*refs[1], 2);
+  for (const auto& ref : {held, std::make_shared<int>(2), std::make_shared<int>(3)}) refs.push_front(ref);
+  EXPECT_EQ(std::tuple(*refs[0], *refs[1]), std::tuple(3, 2));
   EXPECT_EQ(held.use_count(), 1) << "the entry pushed out at the back is released";
   refs.push_front(held);
   EXPECT_EQ(*refs.pop_back(), 3);

@@ -13,6 +13,7 @@ namespace {
 
 using namespace std::literals;
 constexpr double pi = std::numbers::pi;
+constexpr time_hms_t fix_time{12, 35, 19, 0};
 const std::string good = "$GNGGA,123519.00,4807.03800,N,01131.00000,E,1,08,0.9,545.4,M,46.9,M,,*77";
 
 // The good sentence with field i replaced.
@@ -24,43 +25,42 @@ std::string with_field(std::size_t i, const std::string& value) {
   return out;
 }
 
-// The fix state, compared whole: time, position, letters, fix, satellites, HDOP, heights, table.
+// The fix state, compared whole: time, position, letters, fix, satellites, HDOP, heights, table,
+// the fix text, and how many markers and track points there are.
 auto state(const gps_gngga_t& g) {
   return std::tuple(g.time, g.lat.get(), g.lon.get(), g.lat_dir, g.lon_dir, g.fix_i, g.sat_count_i, g.hdop_d, g.alt_d,
-                    g.mean_sea_level_d, g.pvt_mode);
+                    g.mean_sea_level_d, g.pvt_mode, g.fix_text(), g.map_annotations.list().size(),
+                    g.map_path.list().size());
 }
 
-TEST(gga, decodes_the_worked_example) {
-  gps_gngga_t gga;
-  int notices = 0;
-  auto sub = gga.subscribe([&] { ++notices; });
-  feed(gga, good);
-  EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 19, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 1, 8, 0.9, 545.4,
-                                   46.9, false));
-  EXPECT_EQ(gga.fix_text(), "GPS");
-  EXPECT_EQ(notices, 2) << "lat and lon are the published fields";
-  ASSERT_EQ(gga.map_annotations.list().size(), 1u);
-  EXPECT_EQ(gga.map_annotations.list()[0]->title, "12:35:19");
-  EXPECT_EQ(gga.map_path.list().size(), 1u);
-  EXPECT_GT(gga.magnitude_history[0], 5e6) << "the first fix is measured from (0, 0)";
-  EXPECT_EQ(gga.magnitude_history[1], 0.0);
+TEST(gga, decodes_the_worked_example_and_marks_fixes_below_an_hdop_of_99) {
+  for (const auto& [hdop, marked] : {std::pair{"0.9", 1u}, {"98.99", 1u}, {"99.0", 0u}, {"99.5", 0u}}) {
+    gps_gngga_t gga;
+    int notices = 0;
+    auto sub = gga.subscribe([&] { ++notices; });
+    feed(gga, with_field(8, hdop));
+    EXPECT_EQ(state(gga), std::tuple(fix_time, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 1, 8, std::stod(hdop), 545.4,
+                                     46.9, false, "GPS"sv, marked, 1u));
+    EXPECT_EQ(notices, 2) << "lat and lon are the published fields";
+    EXPECT_GT(gga.magnitude_history[0], 5e6) << "the first fix is measured from (0, 0)";
+    EXPECT_EQ(gga.magnitude_history[1], 0.0);
+    if (!marked) continue;
+    EXPECT_EQ(gga.map_annotations.list()[0]->title, "12:35:19");
+  }
 }
 
 TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
-  const struct {
-    std::string line;
-    bool taken;
-  } cases[] = {{good, true},
-               {good.substr(0, good.rfind(',')) + "*77", true},
-               {good + ",x", true},
-               {"$GPGGA" + good.substr(6), true},
-               {good.substr(0, good.rfind(',', good.rfind(',') - 1)) + "*77", false},
-               {good + ",x,y", false},
-               {"$GLGGA" + good.substr(6), false}};
-  for (const auto& c : cases) {
+  const std::string cut = good.substr(0, good.rfind(','));
+  for (const auto& [line, taken] : {std::pair{good, true},
+                                    {cut + "*77", true},
+                                    {good + ",x", true},
+                                    {"$GPGGA" + good.substr(6), true},
+                                    {cut.substr(0, cut.rfind(',')) + "*77", false},
+                                    {good + ",x,y", false},
+                                    {"$GLGGA" + good.substr(6), false}}) {
     gps_gngga_t gga;
-    feed(gga, c.line);
-    EXPECT_EQ(gga.time.hh == 12, c.taken) << c.line;
+    feed(gga, line);
+    EXPECT_EQ(gga.time.hh == 12, taken) << line;
   }
   gps_gngga_t gga;
   feed(gga, "$GNGGA,123519.00,9000.0000,N,18000.0000,E,8,36,99.99,545.4,M,46.9,M,,*77");
@@ -70,75 +70,56 @@ TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
   EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-90.0, -180.0));
 }
 
-TEST(gga, a_failed_check_keeps_what_earlier_steps_stored) {
+// A failed check keeps what earlier steps stored; fields that read as absent keep their value: an
+// altitude without a unit or unreadable with one, an empty satellite count (0), an unknown letter.
+TEST(gga, each_field_is_checked_in_turn) {
+  // fix, satellites, HDOP, latitude, its letter, altitude, track points
+  using partial_t = std::tuple<int, int, double, double, std::string_view, double, std::size_t>;
+  const partial_t before_alt{0, 0, 0.0, 0.0, "S", -1.0, 0}, after_alt{0, 0, 0.0, 0.0, "S", 545.4, 0},
+      alt_kept{1, 8, 0.9, 48.1173, "N", -1.0, 1}, no_sats{1, 0, 0.9, 48.1173, "N", 545.4, 1},
+      letter_kept{1, 8, 0.9, 48.1173, "S", 545.4, 1};
   const struct {
-    const char* name;
     int field;
     std::string value;
-    bool alt_changed;
-  } only_time_changes[] = {{"fix quality 9", 6, "9", false},
-                           {"fix quality empty", 6, "", false},
-                           {"fix quality -1", 6, "-1", false},
-                           {"37 satellites", 7, "37", false},
-                           {"-1 satellites", 7, "-1", false},
-                           {"HDOP without point", 8, "1", false},
-                           {"HDOP 100.0", 8, "100.0", false},
-                           {"HDOP -0.5", 8, "-0.5", false},
-                           {"HDOP empty", 8, "", false},
-                           {"altitude unit F", 10, "F", false},
-                           {"altitude without point", 9, "545", false},
-                           {"geoid unit F", 12, "F", true},
-                           {"latitude unreadable", 2, "48x7.038", true},
-                           {"latitude above 90", 2, "9107.0380", true},
-                           {"latitude below -90", 2, "-9-9.e999", true},
-                           {"longitude above 180", 4, "18107.0380", true},
-                           {"longitude below -180", 4, "-99-9.e999", true},
-                           {"longitude 3-digit latitude", 4, "1131.000", true}};
-  for (const auto& c : only_time_changes) {
+    partial_t expected;
+  } cases[] = {{6, "9", before_alt},         {6, "", before_alt},          {6, "-1", before_alt},
+               {7, "37", before_alt},        {7, "-1", before_alt},        {8, "1", before_alt},
+               {8, "100.0", before_alt},     {8, "-0.5", before_alt},      {8, "", before_alt},
+               {10, "F", before_alt},        {9, "545", before_alt},       {12, "F", after_alt},
+               {2, "48x7.038", after_alt},   {2, "9107.0380", after_alt},  {2, "-9-9.e999", after_alt},
+               {4, "18107.0380", after_alt}, {4, "-99-9.e999", after_alt}, {4, "1131.000", after_alt},
+               {10, "", alt_kept},           {9, "x.5", alt_kept},         {7, "", no_sats},
+               {3, "X", letter_kept}};
+  for (const auto& c : cases) {
     gps_gngga_t gga;
     gga.alt_d = -1.0;
+    gga.lat_dir = "S";
     feed(gga, with_field(c.field, c.value));
-    EXPECT_EQ(std::tuple(gga.time, gga.fix_i, gga.hdop_d, gga.lat.get(), gga.alt_d),
-              std::tuple(time_hms_t{12, 35, 19, 0}, 0, 0.0, 0.0, c.alt_changed ? 545.4 : -1.0))
-        << c.name;
-    EXPECT_TRUE(gga.map_path.list().empty()) << c.name;
+    EXPECT_EQ(gga.time, fix_time);
+    EXPECT_EQ(
+        partial_t(gga.fix_i, gga.sat_count_i, gga.hdop_d, gga.lat, gga.lat_dir, gga.alt_d, gga.map_path.list().size()),
+        c.expected)
+        << c.field << ": " << c.value;
   }
 }
 
-TEST(gga, fields_that_read_as_absent_keep_their_value) {
-  gps_gngga_t gga;
-  gga.alt_d = 7.0;
-  feed(gga, with_field(10, ""));    // no unit: the altitude pair is skipped
-  feed(gga, with_field(9, "x.5"));  // an unreadable value with its unit keeps the altitude
-  EXPECT_EQ(std::tuple(gga.alt_d, gga.lat.get()), std::tuple(7.0, 48.1173));
-  feed(gga, with_field(7, ""));
-  EXPECT_EQ(gga.sat_count_i, 0) << "an empty satellite count is 0";
-  gga.lat_dir = "S";
-  feed(gga, with_field(3, "X"));
-  EXPECT_EQ(gga.lat_dir, "S") << "an unknown letter keeps the previous one";
-}
-
 TEST(gga, a_sentence_without_position_keeps_fix_state_only) {
-  for (const std::string& line : {std::string("$GPGGA,123520.00,,,,,0,00,99.99,,,,,,*61"),
-                                  std::string("$GPGGA,123520.00,4807.03800,N,,,0,00,99.99,,,,,,*61")}) {
+  for (const char* line :
+       {"$GPGGA,123520.00,,,,,0,00,99.99,,,,,,*61", "$GPGGA,123520.00,4807.03800,N,,,0,00,99.99,,,,,,*61"}) {
     gps_gngga_t gga;
     feed(gga, good);
     const auto history = gga.direction_history;
     feed(gga, line);
     EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 20, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 0, 0, 99.99,
-                                     545.4, 46.9, false));
-    EXPECT_EQ(gga.fix_text(), "invalid");
+                                     545.4, 46.9, false, "invalid"sv, 1u, 1u));
     EXPECT_EQ(gga.direction_history, history);
-    EXPECT_EQ(gga.map_path.list().size(), 1u);
   }
 }
 
 TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
   const struct {
-    const char* first;
-    const char* second;
-    double bearing;
-    double distance;
+    const char *first, *second;
+    double bearing, distance;
   } cases[] = {{"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
                {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
                {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
@@ -150,15 +131,6 @@ TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
     feed(gga, std::string("$GPGGA,120001,") + c.second + ",1,08,0.9,1.0,M,1.0,M,,*00");
     EXPECT_NEAR(gga.direction_history[0], c.bearing, 1e-9) << c.second;
     EXPECT_NEAR(gga.magnitude_history[0], c.distance, 1e-6) << c.second;
-  }
-}
-
-TEST(gga, markers_below_an_hdop_of_99) {
-  for (const auto& [hdop, marked] : {std::pair{"98.99", 1u}, {"99.0", 0u}, {"99.5", 0u}}) {
-    gps_gngga_t gga;
-    feed(gga, with_field(8, hdop));
-    EXPECT_EQ(gga.map_annotations.list().size(), marked) << hdop;
-    EXPECT_EQ(gga.map_path.list().size(), 1u) << hdop;
   }
 }
 
@@ -179,11 +151,10 @@ TEST(gga, southern_fixes_are_placed_signed_and_reset_clears_all_a_fix_left) {
   r.headMot = 100;
   gga.update_pvt(r);
   gga.reset();
-  EXPECT_EQ(state(gga), std::tuple(time_hms_t{}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 0.0, 0.0, true));
+  EXPECT_EQ(state(gga),
+            std::tuple(time_hms_t{}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 0.0, 0.0, true, "no fix"sv, 0u, 0u));
   EXPECT_EQ(std::tuple(gga.direction_history, gga.magnitude_history),
             std::tuple(motion_history_t{}, motion_history_t{}));
-  EXPECT_TRUE(gga.map_annotations.list().empty());
-  EXPECT_TRUE(gga.map_path.list().empty());
   EXPECT_TRUE(gga.map_path.history().empty());
   EXPECT_EQ(gga.time_annotation()->coordinate, geo_coordinate_t{});
 }
@@ -199,9 +170,9 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   r = {1, 7, 92, 0, 0, 0, 0, 7, 8, 9, 0, 0, 0, 5, 0, 0, 11, 0, 0, 12345, -500};
   r.pDOP = 250;
   gga.update_pvt(r);
-  EXPECT_EQ(state(gga), std::tuple(time_hms_t{7, 8, 9, 0}, 0.0, 0.0, "N"sv, "E"sv, 5, 11, 2.5, 12.345, -0.5, true))
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{7, 8, 9, 0}, 0.0, 0.0, "N"sv, "E"sv, 5, 11, 2.5, 12.345, -0.5, true,
+                                   "time only fix"sv, 0u, 0u))
       << "lat 0: no position";
-  EXPECT_EQ(gga.fix_text(), "time only fix");
   EXPECT_EQ(gga.direction_history, motion_history_t{}) << "headMot 0 pushes nothing";
 
   r.headMot = 9000000;
@@ -210,8 +181,8 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   r.pDOP = 9999;
   gga.update_pvt(r);
   EXPECT_NEAR(gga.direction_history[0], pi / 2, 1e-12);
-  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get()), std::tuple(-33.8568, 1e-7)) << "records are signed";
-  EXPECT_TRUE(gga.map_annotations.list().empty()) << "pDOP 9999: no marker";
+  EXPECT_EQ(std::tuple(gga.lat.get(), gga.lon.get(), gga.map_annotations.list().size()), std::tuple(-33.8568, 1e-7, 0u))
+      << "records are signed; pDOP 9999: no marker";
   r.pDOP = 9998;
   r.lon = -1;
   gga.update_pvt(r);
@@ -219,8 +190,7 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
   EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{-33.8568, -1e-7}));
 
   feed(gga, with_field(6, "5"));
-  EXPECT_FALSE(gga.pvt_mode);
-  EXPECT_EQ(gga.fix_text(), "Float RTK") << "a sentence brings back the GGA table";
+  EXPECT_EQ(std::tuple(gga.pvt_mode, gga.fix_text()), std::tuple(false, "Float RTK"sv)) << "back to the GGA table";
   for (const std::int64_t outside : {9, -1}) {
     gga.fix_i = outside;
     EXPECT_EQ(gga.fix_text(), "invalid");
@@ -233,16 +203,14 @@ TEST(gga, nav_posllh_records) {
   const std::uint32_t wednesday_13_05_07_250 = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
   gps_posllh_t r{1, 2, 28, wednesday_13_05_07_250, 0, 481173000, 1000, 2000};  // lon 0
   gga.update_posllh(r);
-  EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false))
+  EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false,
+                                   "invalid"sv, 0u, 0u))
       << "lon 0: no position";
-  EXPECT_TRUE(gga.map_path.list().empty());
-
   r.lon = 115166666;
   gga.update_posllh(r);
   EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
-  EXPECT_EQ(gga.map_annotations.list().size(), 1u);
-  EXPECT_EQ(gga.map_path.list().size(), 1u);
-  EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{48.1173, 11.5166666}));
+  EXPECT_EQ(std::tuple(gga.map_annotations.list().size(), gga.map_path.list().size(), gga.map_path.list()[0]),
+            std::tuple(1u, 1u, geo_coordinate_t{48.1173, 11.5166666}));
   EXPECT_EQ(gga.time_annotation()->coordinate, gga.map_path.list()[0]);
   EXPECT_GT(gga.magnitude_history[0], 5e6) << "measured from the last position";
 }

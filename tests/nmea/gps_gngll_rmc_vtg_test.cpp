@@ -38,22 +38,22 @@ auto state(const gps_gnvtg_t& v) {
 }
 
 constexpr time_hms_t fix_time{12, 35, 19, 0};
+constexpr double la = 48.1173, lo = 11 + 31 / 60.0;
 
 TEST(gll, decodes_whatever_the_status_and_stops_at_a_bad_field) {
   const struct {
     std::string line;
     int notices;
     decltype(state(gps_gngll_t{})) expected;
-  } cases[] = {
-      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 2, {fix_time, 48.1173, 11 + 31 / 60.0, "N", "E", "A", 1}},
-      {"$GPGLL,3351.4080,S,15112.9300,W,123519.00,V,A*00", 2, {fix_time, 33.8568, 151.2155, "S", "W", "V", 1}},
-      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,X,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,AA,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-      {"$GNGLL,9107.03800,N,01131.00000,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-      {"$GNGLL,4807.03800,N,,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "V", 0}},
-      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
-      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
-      {"$GLGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}}};
+  } cases[] = {{"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 2, {fix_time, la, lo, "N", "E", "A", 1}},
+               {"$GPGLL,3351.4080,S,15112.9300,W,123519.00,V,A*00", 2, {fix_time, 33.8568, 151.2155, "S", "W", "V", 1}},
+               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,X,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,AA,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+               {"$GNGLL,9107.03800,N,01131.00000,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+               {"$GNGLL,4807.03800,N,,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "V", 0}},
+               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+               {"$GLGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}}};
   for (const auto& c : cases) {
     gps_gngll_t gll;
     EXPECT_EQ(notices_of(gll, c.line), c.notices) << c.line;
@@ -61,8 +61,8 @@ TEST(gll, decodes_whatever_the_status_and_stops_at_a_bad_field) {
   }
   gps_gngll_t gll;
   feed(gll, cases[1].line);
-  EXPECT_EQ(gll.map_annotations.list()[0]->title, "12:35:19");
-  EXPECT_EQ(gll.map_annotations.list()[0]->coordinate, (geo_coordinate_t{-33.8568, -151.2155}));
+  const auto& marker = *gll.map_annotations.list()[0];
+  EXPECT_EQ(std::tuple(marker.title, marker.coordinate), std::tuple("12:35:19", geo_coordinate_t{-33.8568, -151.2155}));
   gll.reset();
   EXPECT_EQ(state(gll), state(gps_gngll_t{}));
 }
@@ -77,14 +77,11 @@ TEST(rmc, decodes_and_stops_where_a_field_fails) {
     std::string line;
     decltype(state(gps_gnrmc_t{})) expected;
   } cases[] = {
-      {line("A", "0.022", "84.4", "230394", ","),
-       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
+      {line("A", "0.022", "84.4", "230394", ","), {fix_time, date, la, lo, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
       {line("V", "999.9", "360.0", "230394", "999.9,W"),
-       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "V", 999.9, 360.0, 999.9, 1}},
-      {line("A", "1.0", "1.0", "230394", "3.1,E"),
-       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 1.0, 1.0, 3.1, 1}},
-      {line("A", "1.0", "1.0", "230394", "3.1,"),
-       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 1.0, 1.0, 0.0, 1}},
+       {fix_time, date, la, lo, "S", "W", "V", 999.9, 360.0, 999.9, 1}},
+      {line("A", "1.0", "1.0", "230394", "3.1,E"), {fix_time, date, la, lo, "S", "W", "A", 1.0, 1.0, 3.1, 1}},
+      {line("A", "1.0", "1.0", "230394", "3.1,"), {fix_time, date, la, lo, "S", "W", "A", 1.0, 1.0, 0.0, 1}},
       {line("A", "1.0", "1.0", "230394", "3.1,X"), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
       {line("A", "1.0", "1.0", "230394", "1000.0,E"), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
       {line("A", "1.0", "360.5", "230394", ","), {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 0.0, 0.0, 0}},
@@ -94,8 +91,7 @@ TEST(rmc, decodes_and_stops_where_a_field_fails) {
       {"$GNRMC,123519.00,V,9107.03800,N,01131.00000,E,1.0,1.0,230394,,,A*78",
        {fix_time, date, 0.0, 0.0, "N", "E", "A", 1.0, 1.0, 0.0, 0}},
       {line("A", "1.0", "1.0", "320394", ","), {fix_time, {}, 0.0, 0.0, "N", "E", "A", 0.0, 0.0, 0.0, 0}},
-      {line("A", "0.022", "84.4", "230394", ",,x"),
-       {fix_time, date, 48.1173, 11 + 31 / 60.0, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
+      {line("A", "0.022", "84.4", "230394", ",,x"), {fix_time, date, la, lo, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
       {line("A", "1.0", "1.0", "230394", ",,x,y"), state(gps_gnrmc_t{})},
       {"$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,*78", state(gps_gnrmc_t{})},
       {"$GLRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,,A*78", state(gps_gnrmc_t{})}};

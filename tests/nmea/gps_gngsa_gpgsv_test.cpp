@@ -23,7 +23,7 @@ auto state(const gps_gngsa_t& g) {
   return std::tuple(g.fix_mode_c, int{g.fix_type_i}, g.pdop_d, g.hdop_d, g.vdop_d, prns(g));
 }
 
-TEST(gsa, decodes_or_stops_where_a_field_fails) {
+TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_table) {
   const struct {
     std::string line;
     decltype(state(std::declval<gps_gngsa_t>())) expected;
@@ -56,25 +56,21 @@ TEST(gsa, decodes_or_stops_where_a_field_fails) {
   test_queue_t clock;
   gps_gngsa_t gsa(clock);
   feed(gsa, cases[0].line);
-  EXPECT_EQ(std::tuple(gsa.fix_mode_text(), gsa.fix_type_text(), gsa.PRN_text()),
-            std::tuple("Auto"sv, "3D fix"sv, " 5 13 15"s));
+  const auto texts = [&] { return std::tuple(gsa.fix_mode_text(), gsa.fix_type_text(), gsa.PRN_text()); };
+  EXPECT_EQ(texts(), std::tuple("Auto"sv, "3D fix"sv, " 5 13 15"s));
   feed(gsa, cases[1].line);
-  EXPECT_EQ(std::tuple(gsa.fix_mode_text(), gsa.fix_type_text()), std::tuple("Manual"sv, "2D fix"sv));
+  EXPECT_EQ(texts(), std::tuple("Manual"sv, "2D fix"sv, " 5 13 15"s));
   gsa.fix_mode_c = "X";
   EXPECT_EQ(gsa.fix_mode_text(), "invalid");
   gsa.reset();
   EXPECT_EQ(state(gsa), state(gps_gngsa_t{clock}));
-}
 
-TEST(gsa, records_set_the_fix_type_table_and_a_sentence_sets_it_back) {
-  test_queue_t clock;
-  gps_gngsa_t gsa(clock);
+  // A NAV-PVT record's fix type reads from the record table until a sentence or NAV-POSLLH comes.
   auto r = pvt_record();
   r.fixType = 4;
   r.pDOP = 156;
   gsa.update_pvt(r);
-  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d),
-            std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
+  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d), std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
   feed(gsa, "$GNGSA,A,,05,,,,,,,,,,,,1.0,1.0,1.0*10");
   EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "invalid"sv)) << "no type 4 in GSA";
   gsa.update_pvt(r);

@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction) {
+TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction_or_changes_nothing) {
   const struct {
     const char* text;
     time_hms_t expected;
@@ -19,9 +19,7 @@ TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction) {
     EXPECT_TRUE(t.parse(c.text)) << c.text;
     EXPECT_EQ(t, c.expected) << c.text;
   }
-}
-
-TEST(time_hms, a_failed_parse_changes_nothing) {
+  // A failed parse changes nothing.
   for (const char* text : {"123519.", "1235.19", "12351", "123519.1.2", "240000", "126000", "123560", "123519.1000", "",
                            "12a519", "-12519", "123519.-1", "1235190", "+24+00+00", "+1+60+0", "+1+0+60", "+1+0+0.1000",
                            "123519.1234567890123456789"}) {
@@ -33,9 +31,7 @@ TEST(time_hms, a_failed_parse_changes_nothing) {
 
 TEST(time_hms, gps_time_of_day_from_a_week_millisecond) {
   time_hms_t t;
-  t.set_from_itow(3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u);  // Wednesday 13:05:07.250
-  EXPECT_EQ(t, (time_hms_t{13, 5, 7, 250}));
-  t.set_from_itow(0xFFFFFFFFu);  // 49 days, 17:02:47.295
+  t.set_from_itow(0xFFFFFFFFu);  // 49 days, 17:02:47.295; other values come through the decoders' records
   EXPECT_EQ(t, (time_hms_t{17, 2, 47, 295}));
 }
 

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "link/connection.h"
@@ -50,9 +51,8 @@ TEST(sim_engine, speaks_as_a_receiver_does) {
                       {"$GPGGA", 30}, {"$GPGLL", 30}, {"$GPRMC", 30}, {"$GPVTG", 30}, {"$GPGSA", 30}, {"$GPGSV", 90}}));
   decoded_t d(stream);
   EXPECT_EQ(d.hub.msg_good + 1, sim.counts().sentences) << "the first valid sentence acknowledges";
-  EXPECT_EQ(d.hub.gsv.satellite_arr->size(), 12u);
-  EXPECT_EQ(d.hub.gsa.PRN_arr->size(), 10u);
-  EXPECT_EQ(d.hub.gga.fix_text(), "GPS");
+  EXPECT_EQ(std::tuple(d.hub.gsv.satellite_arr->size(), d.hub.gsa.PRN_arr->size(), d.hub.gga.fix_text()),
+            std::tuple(12u, 10u, "GPS"));
   EXPECT_GT(d.hub.gga.map_path.list().size(), 3u) << "the receiver moves";
 }
 
@@ -83,8 +83,7 @@ TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
   config.lon = -151.2155;
   sim_engine_t sim(config);
   decoded_t text(epochs(sim, 10));
-  EXPECT_EQ(text.hub.gga.lat_dir, "S");
-  EXPECT_EQ(text.hub.gga.lon_dir, "W");
+  EXPECT_EQ(std::tuple(text.hub.gga.lat_dir, text.hub.gga.lon_dir), std::tuple("S", "W"));
   EXPECT_NEAR(text.hub.gga.lat, 33.8568, 0.01);
   EXPECT_LT(text.hub.gga.map_path.list()[0].latitude, 0.0);
   EXPECT_LT(text.hub.gga.map_path.list()[0].longitude, 0.0);
@@ -92,12 +91,11 @@ TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
   config.ubx = true;
   sim_engine_t ubx(config);
   decoded_t binary(epochs(ubx, 5));
-  EXPECT_TRUE(binary.hub.binary());
-  EXPECT_EQ(ubx.counts().frames, 10u);
+  EXPECT_EQ(std::tuple(binary.hub.binary(), ubx.counts().frames, binary.hub.gga.fix_text(),
+                       binary.hub.gsv.satellites_in_view.get()),
+            std::tuple(true, 10u, "3D fix", 10));
   EXPECT_NEAR(binary.hub.gga.lat, -33.8568, 0.01);
   EXPECT_NEAR(binary.hub.gga.lon, -151.2155, 0.01);
-  EXPECT_EQ(binary.hub.gga.fix_text(), "3D fix");
-  EXPECT_EQ(binary.hub.gsv.satellites_in_view, 10);
   ASSERT_EQ(binary.hub.arr_rx->size(), 1u);
   EXPECT_EQ((*binary.hub.arr_rx)[0].rfind("cls 1  id 7      PVT", 0), 0u) << "the last record of the stream";
 }
