@@ -51,17 +51,14 @@ TEST(gga, decodes_the_worked_example_and_marks_fixes_below_an_hdop_of_99) {
 
 TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
   const std::string cut = good.substr(0, good.rfind(','));
-  for (const auto& [line, taken] : {std::pair{good, true},
-                                    {cut + "*77", true},
-                                    {good + ",x", true},
-                                    {"$GPGGA" + good.substr(6), true},
-                                    {cut.substr(0, cut.rfind(',')) + "*77", false},
-                                    {good + ",x,y", false},
-                                    {"$GLGGA" + good.substr(6), false}}) {
+  const auto taken = [](const std::string& line) {
     gps_gngga_t gga;
     feed(gga, line);
-    EXPECT_EQ(gga.time.hh == 12, taken) << line;
-  }
+    return gga.time.hh == 12;
+  };
+  for (const auto& line : {good, cut + "*77", good + ",x", "$GPGGA" + good.substr(6)}) EXPECT_TRUE(taken(line)) << line;
+  for (const auto& line : {cut.substr(0, cut.rfind(',')) + "*77", good + ",x,y", "$GLGGA" + good.substr(6)})
+    EXPECT_FALSE(taken(line)) << line;
   gps_gngga_t gga;
   feed(gga, "$GNGGA,123519.00,9000.0000,N,18000.0000,E,8,36,99.99,545.4,M,46.9,M,,*77");
   EXPECT_EQ(std::tuple(gga.fix_text(), gga.sat_count_i, gga.hdop_d, gga.lat.get(), gga.lon.get()),
@@ -159,7 +156,7 @@ TEST(gga, southern_fixes_are_placed_signed_and_reset_clears_all_a_fix_left) {
   EXPECT_EQ(gga.time_annotation()->coordinate, geo_coordinate_t{});
 }
 
-TEST(gga, nav_pvt_records_and_back_to_sentences) {
+TEST(gga, nav_pvt_and_nav_posllh_records_and_back_to_sentences) {
   gps_gngga_t gga;
   auto r = pvt_record();
   r.fixType = 6;
@@ -195,19 +192,17 @@ TEST(gga, nav_pvt_records_and_back_to_sentences) {
     gga.fix_i = outside;
     EXPECT_EQ(gga.fix_text(), "invalid");
   }
-}
 
-TEST(gga, nav_posllh_records) {
-  gps_gngga_t gga;
+  gga.reset();
   gga.pvt_mode = true;
   const std::uint32_t wednesday_13_05_07_250 = 3 * 86'400'000u + 13 * 3'600'000u + 5 * 60'000u + 7'250u;
-  gps_posllh_t r{1, 2, 28, wednesday_13_05_07_250, 0, 481173000, 1000, 2000};  // lon 0
-  gga.update_posllh(r);
+  gps_posllh_t p{1, 2, 28, wednesday_13_05_07_250, 0, 481173000, 1000, 2000};  // lon 0
+  gga.update_posllh(p);
   EXPECT_EQ(state(gga), std::tuple(time_hms_t{13, 5, 7, 250}, 0.0, 0.0, "N"sv, "E"sv, 0, 0, 0.0, 1.0, 2.0, false,
                                    "invalid"sv, 0u, 0u))
       << "lon 0: no position";
-  r.lon = 115166666;
-  gga.update_posllh(r);
+  p.lon = 115166666;
+  gga.update_posllh(p);
   EXPECT_DOUBLE_EQ(gga.lat, 48.1173);
   EXPECT_EQ(std::tuple(gga.map_annotations.list().size(), gga.map_path.list().size(), gga.map_path.list()[0]),
             std::tuple(1u, 1u, geo_coordinate_t{48.1173, 11.5166666}));

@@ -70,7 +70,8 @@ TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_t
   r.fixType = 4;
   r.pDOP = 156;
   gsa.update_pvt(r);
-  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d), std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
+  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d),
+            std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
   feed(gsa, "$GNGSA,A,,05,,,,,,,,,,,,1.0,1.0,1.0*10");
   EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "invalid"sv)) << "no type 4 in GSA";
   gsa.update_pvt(r);
@@ -89,27 +90,27 @@ TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_t
 TEST(gsa, prns_age_out_after_ten_seconds) {
   test_queue_t clock;
   gps_gngsa_t gsa(clock);
-  const auto listing = [&](const char* prn) {
-    feed(gsa, "$GNGSA,A,3," + std::string(prn) + ",,,,,,,,,,,,1.0,1.0,1.0*10");
-  };
-  listing("05");
-  clock.advance(1.0);
-  listing("07");
-  clock.advance(9.0);
-  listing("");
-  EXPECT_EQ(prns(gsa), (std::vector<int>{5, 7})) << "PRN 5 is exactly 10 s old";
-  clock.advance(1.0);
   int notices = 0;
   auto sub = gsa.subscribe([&] { ++notices; });
-  listing("");
-  EXPECT_EQ(prns(gsa), (std::vector<int>{7}));
+  const auto listing = [&](double wait, const char* prn) {
+    clock.advance(wait);
+    feed(gsa, "$GNGSA,A,3," + std::string(prn) + ",,,,,,,,,,,,1.0,1.0,1.0*10");
+    return prns(gsa);
+  };
+  listing(0.0, "05");
+  listing(1.0, "07");
+  EXPECT_EQ(listing(9.0, ""), (std::vector<int>{5, 7})) << "PRN 5 is exactly 10 s old";
+  notices = 0;
+  EXPECT_EQ(listing(1.0, ""), (std::vector<int>{7}));
   EXPECT_EQ(notices, 1);
-  clock.advance(0.5);
-  listing("");
-  EXPECT_TRUE(prns(gsa).empty());
+  EXPECT_TRUE(listing(0.5, "").empty());
 }
 
-std::vector<std::string> table(const gps_gpgsv_t& gsv) {
+// The satellite table of a new decoder after one sentence.
+std::vector<std::string> table_after(std::string_view line) {
+  test_queue_t clock;
+  gps_gpgsv_t gsv(clock);
+  feed(gsv, line);
   std::vector<std::string> out;
   for (const auto& [prn, s] : *gsv.satellite_arr) out.push_back(s->description() + (s->valid ? "" : " (invalid)"));
   return out;
@@ -132,50 +133,20 @@ TEST(gsv, enters_the_satellites_of_a_sentence) {
                {"$GPGSV,1,1,01,07,,023,38,,,,,,,,,,,,*00", {" 7  elevation  0  azimuth  23  SNR 38 (invalid)"}},
                {"$GPGSV,1,1,01,07,45,,38,,,,,,,,,,,,*00", {" 7  elevation 45  azimuth   0  SNR 38 (invalid)"}},
                {"$GPGSV,1,1,02,07,45,023,38,08,5,023,38,,,,,,,,*00", {s7}},
-               {"$GPGSV,1,1,02,,45,023,38,07,45,023,38,,,,,,,,*00", {s7}},
-               {"$GPGSV,1,1,01,07,4x,023,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,01,07,91,023,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,01,07,45,23,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,02,07,45,361,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,02,07,45,0x3,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,02,07,45,023,100,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,02,07,45,023,,08,45,023,38,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,02,100,45,023,38,08,45,023,38,,,,,,,,*00", {}},
-               {"$GPGSV,1,1,37,07,45,023,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,10,1,02,07,45,023,38,,,,,,,,,,,,*00", {}},
-               {"$GPGSV,1,2,02,07,45,023,38,,,,,,,,,,,,*00", {}},
-               {"$GLGSV,1,1,01,07,45,023,38,,,,,,,,,,,,*00", {}}};
-  for (const auto& c : cases) {
-    test_queue_t clock;
-    gps_gpgsv_t gsv(clock);
-    feed(gsv, c.line);
-    EXPECT_EQ(table(gsv), c.table) << c.line;
-  }
+               {"$GPGSV,1,1,02,,45,023,38,07,45,023,38,,,,,,,,*00", {s7}}};
+  for (const auto& c : cases) EXPECT_EQ(table_after(c.line), c.table) << c.line;
+  // A failed check drops the whole sentence.
+  for (const char* line :
+       {"$GPGSV,1,1,01,07,4x,023,38,,,,,,,,,,,,*00", "$GPGSV,1,1,01,07,91,023,38,,,,,,,,,,,,*00",
+        "$GPGSV,1,1,01,07,45,23,38,,,,,,,,,,,,*00", "$GPGSV,1,1,02,07,45,361,38,,,,,,,,,,,,*00",
+        "$GPGSV,1,1,02,07,45,0x3,38,,,,,,,,,,,,*00", "$GPGSV,1,1,02,07,45,023,100,,,,,,,,,,,,*00",
+        "$GPGSV,1,1,02,07,45,023,,08,45,023,38,,,,,,,,*00", "$GPGSV,1,1,02,100,45,023,38,08,45,023,38,,,,,,,,*00",
+        "$GPGSV,1,1,37,07,45,023,38,,,,,,,,,,,,*00", "$GPGSV,10,1,02,07,45,023,38,,,,,,,,,,,,*00",
+        "$GPGSV,1,2,02,07,45,023,38,,,,,,,,,,,,*00", "$GLGSV,1,1,01,07,45,023,38,,,,,,,,,,,,*00"})
+    EXPECT_TRUE(table_after(line).empty()) << line;
 }
 
-TEST(gsv, counts_notices_and_reset) {
-  test_queue_t clock;
-  gps_gpgsv_t gsv(clock);
-  int notices = 0;
-  auto sub = gsv.subscribe([&] { ++notices; });
-  feed(gsv, "$GPGSV,3,2,11,07,45,023,38,08,45,023,38,,,,,,,,*00");
-  EXPECT_EQ(notices, 3) << "the count in view and two satellites";
-  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get()), std::tuple(3, 2, 11));
-  feed(gsv, "$GPGSV,,,,07,45,023,38,,,,,,,,,,,,*00");
-  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get()), std::tuple(3, 2, 11))
-      << "empty counts keep their values";
-  auto r = pvt_record();
-  r.numSV = 14;
-  gsv.update_pvt(r);
-  gsv.update_posllh(posllh_record());
-  EXPECT_EQ(gsv.satellites_in_view, 14);
-  EXPECT_EQ(gsv.satellite_arr->size(), 2u) << "a record sets the count only";
-  gsv.reset();
-  EXPECT_EQ(std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get(), gsv.satellite_arr->size()),
-            std::tuple(0, 0, 0, 0u));
-}
-
-TEST(gsv, satellites_age_out_and_readers_keep_their_report) {
+TEST(gsv, satellites_age_out_readers_keep_their_report_and_notices_are_counted) {
   test_queue_t clock;
   gps_gpgsv_t gsv(clock);
   feed(gsv, "$GPGSV,1,1,02,07,45,023,38,08,45,023,38,,,,,,,,*00");
@@ -194,6 +165,23 @@ TEST(gsv, satellites_age_out_and_readers_keep_their_report) {
   EXPECT_EQ(empty(0.5), 0u);
   feed(gsv, "$GPGSV,1,1,02,07,45,023,38,,,,,,,,,,,,*00");
   EXPECT_EQ(empty(10.0), 1u) << "exactly 10 s old without a walk";
+  const auto counts = [&] {
+    return std::tuple(gsv.sentence_count, gsv.sentence_last, gsv.satellites_in_view.get(), gsv.satellite_arr->size());
+  };
+  int notices = 0;
+  auto sub = gsv.subscribe([&] { ++notices; });
+  feed(gsv, "$GPGSV,3,2,11,07,45,023,38,08,45,023,38,,,,,,,,*00");
+  EXPECT_EQ(notices, 3) << "the count in view and two satellites";
+  EXPECT_EQ(counts(), std::tuple(3, 2, 11, 2u));
+  feed(gsv, "$GPGSV,,,,07,45,023,38,,,,,,,,,,,,*00");
+  EXPECT_EQ(counts(), std::tuple(3, 2, 11, 2u)) << "empty counts keep their values";
+  auto r = pvt_record();
+  r.numSV = 14;
+  gsv.update_pvt(r);
+  gsv.update_posllh(posllh_record());
+  EXPECT_EQ(counts(), std::tuple(3, 2, 14, 2u)) << "a record sets the count only";
+  gsv.reset();
+  EXPECT_EQ(counts(), std::tuple(0, 0, 0, 0u));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction_or_changes_nothing) {
@@ -57,12 +59,11 @@ TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
 }
 
 TEST(time_date_text, pads_with_zeros_and_widens_for_large_values) {
-  EXPECT_EQ(hms_chars({1, 2, 3, 400}).view(), "01:02:03");
-  EXPECT_EQ(hms_chars({123, 2, 3, 0}).view(), "123:02:03");
-  EXPECT_EQ(hms_chars({1, 100, 3, 0}).view(), "01:100:03");
-  EXPECT_EQ(ymd_chars({2024, 3, 5}).view(), "2024-03-05");
-  EXPECT_EQ(ymd_chars({65535, 12, 100}).view(), "65535-12-100");
-  EXPECT_EQ(ymd_chars({7, 1, 1}).view(), "0007-01-01");
+  EXPECT_EQ(
+      std::tuple(hms_chars({1, 2, 3, 400}).view(), hms_chars({123, 2, 3, 0}).view(), hms_chars({1, 100, 3, 0}).view()),
+      std::tuple("01:02:03", "123:02:03", "01:100:03"));
+  EXPECT_EQ(std::tuple(ymd_chars({2024, 3, 5}).view(), ymd_chars({65535, 12, 100}).view(), ymd_chars({7, 1, 1}).view()),
+            std::tuple("2024-03-05", "65535-12-100", "0007-01-01"));
 }
 
 }  // namespace
