@@ -4,6 +4,7 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
 #include <variant>
 
 #include "support/records.h"
@@ -14,11 +15,7 @@ using bytes_t = std::vector<std::uint8_t>;
 using R = gps_bin_return_t;
 
 // Each receiver call as it came: which receiver, and the whole record it was given.
-struct call_t {
-  char receiver;
-  std::variant<gps_posllh_t, gps_pvt_t> record;
-  bool operator==(const call_t&) const = default;
-};
+using call_t = std::pair<char, std::variant<gps_posllh_t, gps_pvt_t>>;
 
 struct recorder_t final : gps_protocol_bin_t {
   recorder_t(std::vector<call_t>& calls, char name) : calls(calls), name(name) {}
