@@ -52,19 +52,18 @@ TEST(annotations, a_spare_marker_is_reused_only_when_nobody_holds_it) {
 }
 
 TEST(map_path, spacing_grows_with_the_hdop) {
-  const struct {
-    double hdop, spacing;
-  } cases[] = {{0.5, 3.5}, {0.7, 3.5}, {1.0, 5.0}, {1.9, 9.5}, {2.0, 10.0}, {50.0, 10.0}};
-  for (const auto& c : cases) {
+  // The HDOP and the spacing it asks for, in metres.
+  const std::pair<double, double> cases[] = {{0.5, 3.5}, {0.7, 3.5}, {1.0, 5.0}, {1.9, 9.5}, {2.0, 10.0}, {50.0, 10.0}};
+  for (const auto& [hdop, spacing] : cases) {
     map_path_t p;
-    p.add_point(0, 0, c.hdop);
-    p.add_point(north(50).latitude, 0, c.hdop);
-    const auto inside = north(c.spacing - 0.01).latitude;
-    EXPECT_EQ(p.add_point(inside, 0, c.hdop), north(50)) << "overwrites the head and returns it";
+    p.add_point(0, 0, hdop);
+    p.add_point(north(50).latitude, 0, hdop);
+    const auto inside = north(spacing - 0.01).latitude;
+    EXPECT_EQ(p.add_point(inside, 0, hdop), north(50)) << "overwrites the head and returns it";
     EXPECT_EQ(p.list()[0], (geo_coordinate_t{inside, 0}));
-    EXPECT_FALSE(p.add_point(north(c.spacing + 0.01).latitude, 0, c.hdop)) << "inserted";
+    EXPECT_FALSE(p.add_point(north(spacing + 0.01).latitude, 0, hdop)) << "inserted";
     EXPECT_EQ(p.list().size(), 3u);
-    EXPECT_TRUE(p.add_point(north(1.5 * c.spacing).latitude, 0, c.hdop)) << "measured from list[1], not list[2]";
+    EXPECT_TRUE(p.add_point(north(1.5 * spacing).latitude, 0, hdop)) << "measured from list[1], not list[2]";
   }
   map_path_t p;
   p.add_point(0, 0, 2.0);

@@ -65,16 +65,14 @@ TEST(pick_letter, takes_only_one_of_the_two_letters) {
 }
 
 TEST(parse_coordinate, reads_degrees_and_minutes) {
-  const struct {
-    const char* field;
-    int degree_digits;
-    double expected;
-  } good[] = {{"4807.038", 2, 48 + 7.038 / 60},
-              {"01131.000", 3, 11 + 31.0 / 60},
-              {"4807.0381234", 2, 48 + 7.0381234 / 60},
-              {"", 2, 0.0},
-              {"4899.0000", 2, 48 + 99.0 / 60}};  // minutes are not checked against 60
-  for (const auto& c : good) EXPECT_EQ(parse_coordinate(c.field, c.degree_digits), c.expected) << c.field;
+  const std::tuple<const char*, int, double> good[] = {
+      {"4807.038", 2, 48 + 7.038 / 60},
+      {"01131.000", 3, 11 + 31.0 / 60},
+      {"4807.0381234", 2, 48 + 7.0381234 / 60},
+      {"", 2, 0.0},
+      {"4899.0000", 2, 48 + 99.0 / 60}};  // minutes are not checked against 60
+  for (const auto& [field, degree_digits, value] : good)
+    EXPECT_EQ(parse_coordinate(field, degree_digits), value) << field;
   for (const char* field : {"01131.000", "480.7038", "4807", "4807.0", "4807.03812345", "4807.03.8", "48x7.0381"})
     EXPECT_EQ(parse_coordinate(field, 2), std::nullopt) << field;
   EXPECT_EQ(parse_coordinate("4807.038", 3), std::nullopt);

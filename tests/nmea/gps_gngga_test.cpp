@@ -75,28 +75,25 @@ TEST(gga, each_field_is_checked_in_turn) {
   const partial_t before_alt{0, 0, 0.0, 0.0, "S", -1.0, 0}, after_alt{0, 0, 0.0, 0.0, "S", 545.4, 0},
       alt_kept{1, 8, 0.9, 48.1173, "N", -1.0, 1}, no_sats{1, 0, 0.9, 48.1173, "N", 545.4, 1},
       letter_kept{1, 8, 0.9, 48.1173, "S", 545.4, 1};
-  const struct {
-    int field;
-    std::string value;
-    partial_t expected;
-  } cases[] = {{6, "9", before_alt},         {6, "", before_alt},          {6, "-1", before_alt},
-               {7, "37", before_alt},        {7, "-1", before_alt},        {8, "1", before_alt},
-               {8, "100.0", before_alt},     {8, "-0.5", before_alt},      {8, "", before_alt},
-               {10, "F", before_alt},        {9, "545", before_alt},       {12, "F", after_alt},
-               {2, "48x7.038", after_alt},   {2, "9107.0380", after_alt},  {2, "-9-9.e999", after_alt},
-               {4, "18107.0380", after_alt}, {4, "-99-9.e999", after_alt}, {4, "1131.000", after_alt},
-               {10, "", alt_kept},           {9, "x.5", alt_kept},         {7, "", no_sats},
-               {3, "X", letter_kept}};
-  for (const auto& c : cases) {
+  const std::tuple<int, std::string, partial_t> cases[] = {
+      {6, "9", before_alt},         {6, "", before_alt},          {6, "-1", before_alt},
+      {7, "37", before_alt},        {7, "-1", before_alt},        {8, "1", before_alt},
+      {8, "100.0", before_alt},     {8, "-0.5", before_alt},      {8, "", before_alt},
+      {10, "F", before_alt},        {9, "545", before_alt},       {12, "F", after_alt},
+      {2, "48x7.038", after_alt},   {2, "9107.0380", after_alt},  {2, "-9-9.e999", after_alt},
+      {4, "18107.0380", after_alt}, {4, "-99-9.e999", after_alt}, {4, "1131.000", after_alt},
+      {10, "", alt_kept},           {9, "x.5", alt_kept},         {7, "", no_sats},
+      {3, "X", letter_kept}};
+  for (const auto& [field, value, expected] : cases) {
     gps_gngga_t gga;
     gga.alt_d = -1.0;
     gga.lat_dir = "S";
-    feed(gga, with_field(c.field, c.value));
+    feed(gga, with_field(field, value));
     EXPECT_EQ(gga.time, fix_time);
     EXPECT_EQ(
         partial_t(gga.fix_i, gga.sat_count_i, gga.hdop_d, gga.lat, gga.lat_dir, gga.alt_d, gga.map_path.list().size()),
-        c.expected)
-        << c.field << ": " << c.value;
+        expected)
+        << field << ": " << value;
   }
 }
 
@@ -114,20 +111,18 @@ TEST(gga, a_sentence_without_position_keeps_fix_state_only) {
 }
 
 TEST(gga, motion_is_signed_by_the_letters_with_ieee_zeros) {
-  const struct {
-    const char *first, *second;
-    double bearing, distance;
-  } cases[] = {{"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
-               {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
-               {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
-               {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
-               {"4807.038,N,01131.000,E", "4807.098,N,01131.060,E", 0.7870773829016747, 157.16584063686295}};
-  for (const auto& c : cases) {
+  const std::tuple<const char*, const char*, double, double> cases[] = {
+      {"4807.038,N,01131.000,E", "4807.038,N,01131.000,E", pi / 2, 0.0},
+      {"4807.038,N,01131.000,W", "4807.038,N,01131.000,W", -pi / 2, 0.0},
+      {"4807.038,S,01131.000,E", "4807.098,S,01131.000,E", pi, 0.06 / 60 * meters_per_lat},
+      {"4807.038,N,01131.000,E", "4807.098,N,01131.000,E", 0.0, 0.06 / 60 * meters_per_lat},
+      {"4807.038,N,01131.000,E", "4807.098,N,01131.060,E", 0.7870773829016747, 157.16584063686295}};
+  for (const auto& [first, second, bearing, distance] : cases) {
     gps_gngga_t gga;
-    feed(gga, std::string("$GPGGA,120000,") + c.first + ",1,08,0.9,1.0,M,1.0,M,,*00");
-    feed(gga, std::string("$GPGGA,120001,") + c.second + ",1,08,0.9,1.0,M,1.0,M,,*00");
-    EXPECT_NEAR(gga.direction_history[0], c.bearing, 1e-9) << c.second;
-    EXPECT_NEAR(gga.magnitude_history[0], c.distance, 1e-6) << c.second;
+    feed(gga, std::string("$GPGGA,120000,") + first + ",1,08,0.9,1.0,M,1.0,M,,*00");
+    feed(gga, std::string("$GPGGA,120001,") + second + ",1,08,0.9,1.0,M,1.0,M,,*00");
+    EXPECT_NEAR(gga.direction_history[0], bearing, 1e-9) << second;
+    EXPECT_NEAR(gga.magnitude_history[0], distance, 1e-6) << second;
   }
 }
 

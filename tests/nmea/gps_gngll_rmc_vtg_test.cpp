@@ -41,26 +41,23 @@ constexpr time_hms_t fix_time{12, 35, 19, 0};
 constexpr double la = 48.1173, lo = 11 + 31 / 60.0;
 
 TEST(gll, decodes_whatever_the_status_and_stops_at_a_bad_field) {
-  const struct {
-    std::string line;
-    int notices;
-    decltype(state(gps_gngll_t{})) expected;
-  } cases[] = {{"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 2, {fix_time, la, lo, "N", "E", "A", 1}},
-               {"$GPGLL,3351.4080,S,15112.9300,W,123519.00,V,A*00", 2, {fix_time, 33.8568, 151.2155, "S", "W", "V", 1}},
-               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,X,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,AA,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-               {"$GNGLL,9107.03800,N,01131.00000,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
-               {"$GNGLL,4807.03800,N,,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "V", 0}},
-               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
-               {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
-               {"$GLGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}}};
-  for (const auto& c : cases) {
+  const std::tuple<std::string, int, decltype(state(gps_gngll_t{}))> cases[] = {
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 2, {fix_time, la, lo, "N", "E", "A", 1}},
+      {"$GPGLL,3351.4080,S,15112.9300,W,123519.00,V,A*00", 2, {fix_time, 33.8568, 151.2155, "S", "W", "V", 1}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,X,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,AA,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,9107.03800,N,01131.00000,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,,E,123519.00,V,A*78", 0, {fix_time, 0.0, 0.0, "N", "E", "V", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GNGLL,4807.03800,N,01131.00000,E,123519.00,A,A,x*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}},
+      {"$GLGLL,4807.03800,N,01131.00000,E,123519.00,A,A*78", 0, {{}, 0.0, 0.0, "N", "E", "A", 0}}};
+  for (const auto& [line, notices, expected] : cases) {
     gps_gngll_t gll;
-    EXPECT_EQ(notices_of(gll, c.line), c.notices) << c.line;
-    EXPECT_EQ(state(gll), c.expected) << c.line;
+    EXPECT_EQ(notices_of(gll, line), notices) << line;
+    EXPECT_EQ(state(gll), expected) << line;
   }
   gps_gngll_t gll;
-  feed(gll, cases[1].line);
+  feed(gll, std::get<0>(cases[1]));
   const auto& marker = *gll.map_annotations.list()[0];
   EXPECT_EQ(std::tuple(marker.title, marker.coordinate), std::tuple("12:35:19", geo_coordinate_t{-33.8568, -151.2155}));
   gll.reset();
@@ -73,10 +70,7 @@ TEST(rmc, decodes_and_stops_where_a_field_fails) {
            date + "," + var + ",A*78";
   };
   const date_ymd_t date{1994, 3, 23};
-  const struct {
-    std::string line;
-    decltype(state(gps_gnrmc_t{})) expected;
-  } cases[] = {
+  const std::pair<std::string, decltype(state(gps_gnrmc_t{}))> cases[] = {
       {line("A", "0.022", "84.4", "230394", ","), {fix_time, date, la, lo, "S", "W", "A", 0.022, 84.4, 0.0, 1}},
       {line("V", "999.9", "360.0", "230394", "999.9,W"),
        {fix_time, date, la, lo, "S", "W", "V", 999.9, 360.0, 999.9, 1}},
@@ -95,13 +89,13 @@ TEST(rmc, decodes_and_stops_where_a_field_fails) {
       {line("A", "1.0", "1.0", "230394", ",,x,y"), state(gps_gnrmc_t{})},
       {"$GNRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,*78", state(gps_gnrmc_t{})},
       {"$GLRMC,123519.00,A,4807.03800,N,01131.00000,E,1.0,1.0,230394,,,A*78", state(gps_gnrmc_t{})}};
-  for (const auto& c : cases) {
+  for (const auto& [line, expected] : cases) {
     gps_gnrmc_t rmc;
-    EXPECT_EQ(notices_of(rmc, c.line), std::get<2>(c.expected) ? 3 : std::get<7>(c.expected) ? 1 : 0) << c.line;
-    EXPECT_EQ(state(rmc), c.expected) << c.line;
+    EXPECT_EQ(notices_of(rmc, line), std::get<2>(expected) ? 3 : std::get<7>(expected) ? 1 : 0) << line;
+    EXPECT_EQ(state(rmc), expected) << line;
   }
   gps_gnrmc_t rmc;
-  feed(rmc, cases[0].line);
+  feed(rmc, cases[0].first);
   EXPECT_EQ(rmc.map_annotations.list()[0]->title, "1994-03-23");
   rmc.reset();
   EXPECT_EQ(state(rmc), state(gps_gnrmc_t{}));
@@ -110,27 +104,24 @@ TEST(rmc, decodes_and_stops_where_a_field_fails) {
 TEST(vtg, reads_each_value_from_its_own_field) {
   const std::string first = "$GNVTG,84.4,T,5.0,M,0.022,N,0.041,K,A*2E";
   const std::tuple kept{84.4, 5.0, 0.022, 0.041};
-  const struct {
-    std::string line;
-    int notices;
-    decltype(kept) expected;
-  } cases[] = {{"$GPVTG,360.0,T,999.9,M,999.9,N,999.9,K,A*2E", 4, {360.0, 999.9, 999.9, 999.9}},
-               {"$GNVTG,1.0,T,,M,1.0,N,,K,A*2E", 2, {1.0, 5.0, 1.0, 0.041}},
-               {"$GNVTG,1.0,T,1000.0,M,1.0,N,1.0,K,A*2E", 1, {1.0, 5.0, 0.022, 0.041}},
-               {"$GNVTG,1.0,T,1.0,M,1000.0,N,1.0,K,A*2E", 2, {1.0, 1.0, 0.022, 0.041}},
-               {"$GNVTG,1.0,T,1.0,M,1.0,N,1000.0,K,A*2E", 3, {1.0, 1.0, 1.0, 0.041}},
-               {"$GNVTG,360.1,T,1.0,M,1.0,N,1.0,K,A*2E", 0, kept},
-               {"$GNVTG,10.0,t,,M,1.0,N,1.0,K,A*2E", 0, kept},
-               {"$GNVTG,10.0,T,,m,1.0,N,1.0,K,A*2E", 0, kept},
-               {"$GNVTG,10.0,T,,M,1.0,n,1.0,K,A*2E", 0, kept},
-               {"$GNVTG,10.0,T,,M,1.0,N,1.0,k,A*2E", 0, kept},
-               {"$GLVTG,10.0,T,,M,1.0,N,1.0,K,A*2E", 0, kept},
-               {"$GNVTG,10.0,T,,M,1.0,N,1.0,K*2E", 0, kept}};
-  for (const auto& c : cases) {
+  const std::tuple<std::string, int, decltype(kept)> cases[] = {
+      {"$GPVTG,360.0,T,999.9,M,999.9,N,999.9,K,A*2E", 4, {360.0, 999.9, 999.9, 999.9}},
+      {"$GNVTG,1.0,T,,M,1.0,N,,K,A*2E", 2, {1.0, 5.0, 1.0, 0.041}},
+      {"$GNVTG,1.0,T,1000.0,M,1.0,N,1.0,K,A*2E", 1, {1.0, 5.0, 0.022, 0.041}},
+      {"$GNVTG,1.0,T,1.0,M,1000.0,N,1.0,K,A*2E", 2, {1.0, 1.0, 0.022, 0.041}},
+      {"$GNVTG,1.0,T,1.0,M,1.0,N,1000.0,K,A*2E", 3, {1.0, 1.0, 1.0, 0.041}},
+      {"$GNVTG,360.1,T,1.0,M,1.0,N,1.0,K,A*2E", 0, kept},
+      {"$GNVTG,10.0,t,,M,1.0,N,1.0,K,A*2E", 0, kept},
+      {"$GNVTG,10.0,T,,m,1.0,N,1.0,K,A*2E", 0, kept},
+      {"$GNVTG,10.0,T,,M,1.0,n,1.0,K,A*2E", 0, kept},
+      {"$GNVTG,10.0,T,,M,1.0,N,1.0,k,A*2E", 0, kept},
+      {"$GLVTG,10.0,T,,M,1.0,N,1.0,K,A*2E", 0, kept},
+      {"$GNVTG,10.0,T,,M,1.0,N,1.0,K*2E", 0, kept}};
+  for (const auto& [line, notices, expected] : cases) {
     gps_gnvtg_t vtg;
     feed(vtg, first);
-    EXPECT_EQ(notices_of(vtg, c.line), c.notices) << c.line;
-    EXPECT_EQ(state(vtg), c.expected) << c.line;
+    EXPECT_EQ(notices_of(vtg, line), notices) << line;
+    EXPECT_EQ(state(vtg), expected) << line;
   }
   gps_gnvtg_t vtg;
   feed(vtg, first);

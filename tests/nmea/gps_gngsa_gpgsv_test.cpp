@@ -25,10 +25,7 @@ auto state(const gps_gngsa_t& g) {
 }
 
 TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_table) {
-  const struct {
-    std::string line;
-    decltype(state(std::declval<gps_gngsa_t>())) expected;
-  } cases[] = {
+  const std::pair<std::string, decltype(state(std::declval<gps_gngsa_t>()))> cases[] = {
       {"$GNGSA,A,3,05,13,15,,,,,,,,,,1.85,1.02,1.54*10", {"Auto", "3D fix", 1.85, 1.02, 1.54, {5, 13, 15}}},
       {"$GPGSA,M,2,05,13,15,,,,,,,,,,99.99,99.99,99.99,1*10", {"Manual", "2D fix", 99.99, 99.99, 99.99, {5, 13, 15}}},
       {"$GNGSA,M,2,05,13,15,,,,,,,,,1.85,1.02,1.54*10", {"Auto", "no fix", 0.0, 0.0, 0.0, {}}},
@@ -46,18 +43,18 @@ TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_t
       {"$GNGSA,M,2,05,120,07,,,,,,,,,,1.85,1.02,1.54*10", {"Manual", "2D fix", 1.85, 1.02, 1.54, {5}}},
       {"$GNGSA,M,2,99,x,-1,07,,,,,,,,,1.85,1.02,1.54*10", {"Manual", "2D fix", 1.85, 1.02, 1.54, {7, 99}}},
       {"$GNGSA,MM,22,,,,,,,,,,,,05,1.85,1.02,1.54*10", {"Auto", "no fix", 1.85, 1.02, 1.54, {5}}}};
-  for (const auto& c : cases) {
+  for (const auto& [line, expected] : cases) {
     test_queue_t clock;
     gps_gngsa_t gsa(clock);
     int notices = 0;
     auto sub = gsa.subscribe([&] { ++notices; });
-    feed(gsa, c.line);
-    EXPECT_EQ(state(gsa), c.expected) << c.line;
-    EXPECT_EQ(notices, static_cast<int>(std::get<5>(c.expected).size())) << "one for each PRN entered";
+    feed(gsa, line);
+    EXPECT_EQ(state(gsa), expected) << line;
+    EXPECT_EQ(notices, static_cast<int>(std::get<5>(expected).size())) << "one for each PRN entered";
   }
   test_queue_t clock;
   gps_gngsa_t gsa(clock);
-  feed(gsa, cases[0].line);
+  feed(gsa, cases[0].first);
   EXPECT_EQ(gsa.PRN_text(), " 5 13 15");
   gsa.fix_mode_c = "X";
   EXPECT_EQ(gsa.fix_mode_text(), "invalid");
@@ -118,22 +115,20 @@ std::vector<std::string> table_after(std::string_view line) {
 TEST(gsv, enters_the_satellites_of_a_sentence) {
   const std::string s3 = " 3  elevation  3  azimuth 111  SNR  0", s4 = " 4  elevation 15  azimuth 270  SNR  0",
                     s6 = " 6  elevation  1  azimuth  10  SNR  0", s7 = " 7  elevation 45  azimuth  23  SNR 38";
-  const struct {
-    std::string line;
-    std::vector<std::string> table;
-  } cases[] = {{"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00,1*74",
-                {s3, s4, s6, "13  elevation  6  azimuth 292  SNR  0"}},
-               {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,42*74",
-                {s3, s4, s6, "13  elevation  6  azimuth 292  SNR 42"}},
-               {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,*74", {s3, s4, s6}},
-               {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00,1*4D", {s3, s4, s6}},
-               {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00*4D", {}},
-               {"$GPGSV,9,9,36,99,90,360,99,,,,,,,,,,,,*00", {"99  elevation 90  azimuth 360  SNR 99"}},
-               {"$GPGSV,1,1,01,07,,023,38,,,,,,,,,,,,*00", {" 7  elevation  0  azimuth  23  SNR 38 (invalid)"}},
-               {"$GPGSV,1,1,01,07,45,,38,,,,,,,,,,,,*00", {" 7  elevation 45  azimuth   0  SNR 38 (invalid)"}},
-               {"$GPGSV,1,1,02,07,45,023,38,08,5,023,38,,,,,,,,*00", {s7}},
-               {"$GPGSV,1,1,02,,45,023,38,07,45,023,38,,,,,,,,*00", {s7}}};
-  for (const auto& c : cases) EXPECT_EQ(table_after(c.line), c.table) << c.line;
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
+      {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00,1*74",
+       {s3, s4, s6, "13  elevation  6  azimuth 292  SNR  0"}},
+      {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,42*74",
+       {s3, s4, s6, "13  elevation  6  azimuth 292  SNR 42"}},
+      {"$GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,*74", {s3, s4, s6}},
+      {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00,1*4D", {s3, s4, s6}},
+      {"$GPGSV,3,3,11,03,03,111,00,04,15,270,00,06,01,010,00*4D", {}},
+      {"$GPGSV,9,9,36,99,90,360,99,,,,,,,,,,,,*00", {"99  elevation 90  azimuth 360  SNR 99"}},
+      {"$GPGSV,1,1,01,07,,023,38,,,,,,,,,,,,*00", {" 7  elevation  0  azimuth  23  SNR 38 (invalid)"}},
+      {"$GPGSV,1,1,01,07,45,,38,,,,,,,,,,,,*00", {" 7  elevation 45  azimuth   0  SNR 38 (invalid)"}},
+      {"$GPGSV,1,1,02,07,45,023,38,08,5,023,38,,,,,,,,*00", {s7}},
+      {"$GPGSV,1,1,02,,45,023,38,07,45,023,38,,,,,,,,*00", {s7}}};
+  for (const auto& [line, table] : cases) EXPECT_EQ(table_after(line), table) << line;
   // A failed check drops the whole sentence.
   for (const char* line :
        {"$GPGSV,1,1,01,07,4x,023,38,,,,,,,,,,,,*00", "$GPGSV,1,1,01,07,91,023,38,,,,,,,,,,,,*00",

@@ -42,12 +42,9 @@ TEST(scan_sentence, cuts_fields_and_counts_code_points) {
   std::vector<std::string_view> room(80);
   EXPECT_EQ(scan_sentence(commas, room).field_count, 91u) << "all counted";
   EXPECT_EQ(fields_of(commas, 80).size(), 80u) << "only those that fit stored";
-  const struct {
-    std::string text;
-    std::size_t characters;
-  } texts[] = {
+  const std::pair<std::string, std::size_t> texts[] = {
       {"abc", 3}, {"\xC3\xA9t\xC3\xA9", 3}, {"\xF0\x9F\x9B\xB0", 1}, {"$GP\xC3\xA9\xC3\xA9,1,2*00", 12}, {gga, 65}};
-  for (const auto& t : texts) EXPECT_EQ(scan_sentence(t.text, {}).characters, t.characters) << t.text;
+  for (const auto& [text, characters] : texts) EXPECT_EQ(scan_sentence(text, {}).characters, characters) << text;
   EXPECT_EQ(std::tuple(strip_checksum("12*47"), strip_checksum("12")), std::tuple("12", "12"));
 }
 

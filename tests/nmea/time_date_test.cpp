@@ -7,19 +7,16 @@
 namespace {
 
 TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction_or_changes_nothing) {
-  const struct {
-    const char* text;
-    time_hms_t expected;
-  } good[] = {
+  const std::pair<const char*, time_hms_t> good[] = {
       {"123519", {12, 35, 19, 0}},       {"123519.00", {12, 35, 19, 0}},    {"123519.5", {12, 35, 19, 5}},
       {"123519.50", {12, 35, 19, 50}},   {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
       {"000000", {0, 0, 0, 0}},          {"+1+2+3", {1, 2, 3, 0}},          {"23+159", {23, 1, 59, 0}},
       {"+15959.+999", {1, 59, 59, 999}},
   };
-  for (const auto& c : good) {
+  for (const auto& [text, expected] : good) {
     time_hms_t t{1, 1, 1, 1};
-    EXPECT_TRUE(t.parse(c.text)) << c.text;
-    EXPECT_EQ(t, c.expected) << c.text;
+    EXPECT_TRUE(t.parse(text)) << text;
+    EXPECT_EQ(t, expected) << text;
   }
   // A failed parse changes nothing.
   for (const char* text : {"123519.", "1235.19", "12351", "123519.1.2", "240000", "126000", "123560", "123519.1000", "",
@@ -38,17 +35,14 @@ TEST(time_hms, gps_time_of_day_from_a_week_millisecond) {
 }
 
 TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
-  const struct {
-    const char* text;
-    date_ymd_t expected;
-  } good[] = {
+  const std::pair<const char*, date_ymd_t> good[] = {
       {"230394", {1994, 3, 23}}, {"010180", {1980, 1, 1}}, {"311279", {2079, 12, 31}},
       {"310224", {2024, 2, 31}}, {"010100", {2000, 1, 1}},
   };
-  for (const auto& c : good) {
+  for (const auto& [text, expected] : good) {
     date_ymd_t d;
-    EXPECT_TRUE(d.parse(c.text)) << c.text;
-    EXPECT_EQ(d, c.expected) << c.text;
+    EXPECT_TRUE(d.parse(text)) << text;
+    EXPECT_EQ(d, expected) << text;
   }
   for (const char* text :
        {"000124", "011324", "010024", "3201245", "320124", "01012", "", "0a0124", "01-124", "0101-1"}) {

@@ -37,27 +37,26 @@ TEST(records, a_frame_is_sync_image_and_fletcher_checksum) {
 
 TEST(records, plausibility_checks_each_range) {
   using change_t = void (*)(gps_pvt_t&);
-  const struct {
-    change_t edge;    // the last value taken
-    change_t beyond;  // the first value refused
-  } bounds[] = {{[](gps_pvt_t& r) { r.numSV = 36; }, [](gps_pvt_t& r) { r.numSV = 37; }},
-                {[](gps_pvt_t& r) { r.pDOP = 9999; }, [](gps_pvt_t& r) { r.pDOP = 10000; }},
-                {[](gps_pvt_t& r) { r.fixType = 5; }, [](gps_pvt_t& r) { r.fixType = 6; }},
-                {[](gps_pvt_t& r) { r.lat = 900000000; }, [](gps_pvt_t& r) { r.lat = 900000001; }},
-                {[](gps_pvt_t& r) { r.lat = -900000000; }, [](gps_pvt_t& r) { r.lat = -900000001; }},
-                {[](gps_pvt_t& r) { r.lon = 1800000000; }, [](gps_pvt_t& r) { r.lon = 1800000001; }},
-                {[](gps_pvt_t& r) { r.lon = -1800000000; }, [](gps_pvt_t& r) { r.lon = -1800000001; }},
-                {[](gps_pvt_t& r) { r.month = 1; }, [](gps_pvt_t& r) { r.month = 0; }},
-                {[](gps_pvt_t& r) { r.month = 12; }, [](gps_pvt_t& r) { r.month = 13; }},
-                {[](gps_pvt_t& r) { r.day = 1; }, [](gps_pvt_t& r) { r.day = 0; }},
-                {[](gps_pvt_t& r) { r.day = 31; }, [](gps_pvt_t& r) { r.day = 32; }},
-                {[](gps_pvt_t& r) { r.hour = 23; }, [](gps_pvt_t& r) { r.hour = 24; }},
-                {[](gps_pvt_t& r) { r.min = 59; }, [](gps_pvt_t& r) { r.min = 60; }},
-                {[](gps_pvt_t& r) { r.sec = 59; }, [](gps_pvt_t& r) { r.sec = 60; }}};
+  // Each row sets one field to the last value taken, then to the first value refused.
+  const std::pair<change_t, change_t> bounds[] = {
+      {[](gps_pvt_t& r) { r.numSV = 36; }, [](gps_pvt_t& r) { r.numSV = 37; }},
+      {[](gps_pvt_t& r) { r.pDOP = 9999; }, [](gps_pvt_t& r) { r.pDOP = 10000; }},
+      {[](gps_pvt_t& r) { r.fixType = 5; }, [](gps_pvt_t& r) { r.fixType = 6; }},
+      {[](gps_pvt_t& r) { r.lat = 900000000; }, [](gps_pvt_t& r) { r.lat = 900000001; }},
+      {[](gps_pvt_t& r) { r.lat = -900000000; }, [](gps_pvt_t& r) { r.lat = -900000001; }},
+      {[](gps_pvt_t& r) { r.lon = 1800000000; }, [](gps_pvt_t& r) { r.lon = 1800000001; }},
+      {[](gps_pvt_t& r) { r.lon = -1800000000; }, [](gps_pvt_t& r) { r.lon = -1800000001; }},
+      {[](gps_pvt_t& r) { r.month = 1; }, [](gps_pvt_t& r) { r.month = 0; }},
+      {[](gps_pvt_t& r) { r.month = 12; }, [](gps_pvt_t& r) { r.month = 13; }},
+      {[](gps_pvt_t& r) { r.day = 1; }, [](gps_pvt_t& r) { r.day = 0; }},
+      {[](gps_pvt_t& r) { r.day = 31; }, [](gps_pvt_t& r) { r.day = 32; }},
+      {[](gps_pvt_t& r) { r.hour = 23; }, [](gps_pvt_t& r) { r.hour = 24; }},
+      {[](gps_pvt_t& r) { r.min = 59; }, [](gps_pvt_t& r) { r.min = 60; }},
+      {[](gps_pvt_t& r) { r.sec = 59; }, [](gps_pvt_t& r) { r.sec = 60; }}};
   for (std::size_t row = 0; row < std::size(bounds); ++row) {
     for (const bool taken : {true, false}) {
       auto r = valid_pvt();
-      (taken ? bounds[row].edge : bounds[row].beyond)(r);
+      (taken ? bounds[row].first : bounds[row].second)(r);
       EXPECT_EQ(r.is_plausible(), taken) << "row " << row;
       gps_posllh_t p;
       p.lat = r.lat;
