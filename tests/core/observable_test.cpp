@@ -21,8 +21,7 @@ TEST(observable, every_assignment_notifies_before_it_stores_even_with_the_same_v
   m.value = 1;
   m.value = 1;
   m.value.modify([](int& v) { v += 3; });
-  EXPECT_EQ(seen, (std::vector<int>{0, 1, 1}));
-  EXPECT_EQ(m.value.get(), 4);
+  EXPECT_EQ(std::pair(seen, m.value.get()), std::pair(std::vector<int>{0, 1, 1}, 4));
 }
 
 TEST(observable, a_destroyed_subscription_stops_the_notices_and_may_outlive_the_observable) {
@@ -43,8 +42,7 @@ TEST(observable, a_destroyed_subscription_stops_the_notices_and_may_outlive_the_
 
 TEST(observable, observers_may_subscribe_and_cancel_during_a_notice) {
   model_t m;
-  int first = 0;
-  int added = 0;
+  int first = 0, added = 0;
   subscription_t self;
   std::vector<subscription_t> later;
   self = m.subscribe([&] {

@@ -49,8 +49,7 @@ TEST(parse_double, reads_the_strtod_grammar_whole) {
 TEST(read_decimal, has_three_outcomes) {
   for (const auto& [field, value] : {std::pair{"1.20", 1.2}, {"99.99", 99.99}, {"0.0", 0.0}, {".5", 0.5}}) {
     const auto r = read_decimal(field, 99.99);
-    EXPECT_EQ(r.outcome, decimal_outcome_t::value) << field;
-    EXPECT_EQ(r.value, value) << field;
+    EXPECT_EQ(std::pair(r.outcome, r.value), std::pair(decimal_outcome_t::value, value)) << field;
   }
   for (const char* field : {"1", "-0.5", "100.0", "inf", "nan"})
     EXPECT_EQ(read_decimal(field, 99.99).outcome, decimal_outcome_t::bad) << field;

@@ -155,15 +155,17 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
     rmc.update_pvt(r);
     gll.update_pvt(r);
     EXPECT_EQ(std::tuple(rmc.lat.get(), rmc.lon.get(), gll.lat.get(), gll.lon.get()), std::tuple(1.0, -2.0, 1.0, -2.0));
-    EXPECT_EQ(rmc.map_annotations.list().size(), markers) << "no marker above a position DOP of 99.98";
-    EXPECT_EQ(gll.map_annotations.list().size(), markers);
+    EXPECT_EQ(std::tuple(rmc.map_annotations.list().size(), gll.map_annotations.list().size()),
+              std::tuple(markers, markers))
+        << "no marker above a position DOP of 99.98";
   }
 
   gps_posllh_t p{1, 2, 28, 61'000, 40'000'000, 1};  // class, id, length, iTOW, lon, lat
   rmc.update_posllh(p);
   gll.update_posllh(p);
-  EXPECT_EQ(rmc.map_annotations.list()[0]->title, "2017-07-19") << "the date keeps its last value";
-  EXPECT_EQ(gll.map_annotations.list()[0]->title, "00:01:01");
+  EXPECT_EQ(std::tuple(rmc.map_annotations.list()[0]->title, gll.map_annotations.list()[0]->title),
+            std::tuple("2017-07-19", "00:01:01"))
+      << "the date keeps its last value";
   EXPECT_EQ(std::tuple(rmc.lat.get(), gll.lat.get(), gll.lon.get()), std::tuple(1e-7, 1e-7, 4.0))
       << "a latitude of 1e-7 degree is a position";
   p.lon = 0;

@@ -148,8 +148,8 @@ TEST(gsv, satellites_age_out_readers_keep_their_report_and_notices_are_counted) 
   clock.advance(1.0);
   feed(gsv, "$GPGSV,1,1,02,08,46,024,39,09,46,024,39,,,,,,,,*00");
   feed(gsv, "$GPGSV,1,1,02,07,50,023,20,,,,,,,,,,,,*00");
-  EXPECT_EQ(held->elevation, 45) << "a report a reader holds never changes";
-  EXPECT_EQ(gsv.satellite_arr->at(7)->elevation, 50);
+  EXPECT_EQ(std::tuple(held->elevation, gsv.satellite_arr->at(7)->elevation), std::tuple(45, 50))
+      << "a report a reader holds never changes";
   const auto empty = [&](double seconds) {
     clock.advance(seconds);
     feed(gsv, "$GPGSV,1,1,00,,,,,,,,,,,,,,,,*00");

@@ -50,9 +50,8 @@ TEST(scan_sentence, cuts_fields_and_counts_code_points) {
 
 TEST(with_checksum, appends_the_body_checksum_in_upper_case) {
   EXPECT_EQ(body_checksum("GPAAA,1"), 0x4B);
-  EXPECT_EQ(with_checksum("$GPAAA,1"), "$GPAAA,1*4B");
-  EXPECT_EQ(with_checksum(gga_body), gga);
-  EXPECT_EQ(with_checksum("$"), "$*00");
+  EXPECT_EQ(std::tuple(with_checksum("$GPAAA,1"), with_checksum(gga_body), with_checksum("$")),
+            std::tuple("$GPAAA,1*4B", gga, "$*00"));
 }
 
 }  // namespace

@@ -58,9 +58,7 @@ TEST(records, plausibility_checks_each_range) {
       auto r = valid_pvt();
       (taken ? bounds[row].first : bounds[row].second)(r);
       EXPECT_EQ(r.is_plausible(), taken) << "row " << row;
-      gps_posllh_t p;
-      p.lat = r.lat;
-      p.lon = r.lon;
+      const gps_posllh_t p{1, 2, 28, 0, r.lon, r.lat};
       const bool moved = r.lat != valid_pvt().lat || r.lon != valid_pvt().lon;
       EXPECT_EQ(p.is_plausible(), taken || !moved) << "row " << row << ": NAV-POSLLH checks the position only";
     }
