@@ -25,17 +25,14 @@ TEST(observable, every_assignment_notifies_before_it_stores_even_with_the_same_v
 }
 
 TEST(observable, a_destroyed_subscription_stops_the_notices_and_may_outlive_the_observable) {
-  subscription_t outliving;
+  auto m = std::make_unique<model_t>();
   int notices = 0;
-  {
-    model_t m;
-    outliving = m.subscribe([] {});
-    {
-      auto sub = m.subscribe([&] { ++notices; });
-      m.value = 1;
-    }
-    m.value = 2;
-  }
+  subscription_t outliving = m->subscribe([] {});
+  auto sub = std::make_unique<subscription_t>(m->subscribe([&] { ++notices; }));
+  m->value = 1;
+  sub.reset();
+  m->value = 2;
+  m.reset();
   outliving.cancel();
   EXPECT_EQ(notices, 1);
 }

@@ -58,8 +58,7 @@ TEST(read_decimal, has_three_outcomes) {
 }
 
 TEST(pick_letter, takes_only_one_of_the_two_letters) {
-  EXPECT_EQ(pick_letter("S", "N", "S", "N"), "S");
-  EXPECT_EQ(pick_letter("N", "N", "S", "S"), "N");
+  EXPECT_EQ(std::tuple(pick_letter("S", "N", "S", "N"), pick_letter("N", "N", "S", "S")), std::tuple("S", "N"));
   for (const char* field : {"s", "NS", "", "E"}) EXPECT_EQ(pick_letter(field, "N", "S", "S"), "S") << field;
 }
 

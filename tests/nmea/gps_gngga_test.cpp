@@ -69,12 +69,13 @@ TEST(gga, takes_14_to_16_fields_of_its_two_tags_and_its_bounds) {
 
 // A failed check keeps what earlier steps stored; fields that read as absent keep their value: an
 // altitude without a unit or unreadable with one, an empty satellite count (0), an unknown letter.
+// Without both coordinates a sentence sets the fix state only: no position, no track point.
 TEST(gga, each_field_is_checked_in_turn) {
   // fix, satellites, HDOP, latitude, its letter, altitude, track points
   using partial_t = std::tuple<int, int, double, double, std::string_view, double, std::size_t>;
   const partial_t before_alt{0, 0, 0.0, 0.0, "S", -1.0, 0}, after_alt{0, 0, 0.0, 0.0, "S", 545.4, 0},
       alt_kept{1, 8, 0.9, 48.1173, "N", -1.0, 1}, no_sats{1, 0, 0.9, 48.1173, "N", 545.4, 1},
-      letter_kept{1, 8, 0.9, 48.1173, "S", 545.4, 1};
+      letter_kept{1, 8, 0.9, 48.1173, "S", 545.4, 1}, no_position{1, 8, 0.9, 0.0, "S", 545.4, 0};
   const std::tuple<int, std::string, partial_t> cases[] = {
       {6, "9", before_alt},         {6, "", before_alt},          {6, "-1", before_alt},
       {7, "37", before_alt},        {7, "-1", before_alt},        {8, "1", before_alt},
@@ -83,7 +84,7 @@ TEST(gga, each_field_is_checked_in_turn) {
       {2, "48x7.038", after_alt},   {2, "9107.0380", after_alt},  {2, "-9-9.e999", after_alt},
       {4, "18107.0380", after_alt}, {4, "-99-9.e999", after_alt}, {4, "1131.000", after_alt},
       {10, "", alt_kept},           {9, "x.5", alt_kept},         {7, "", no_sats},
-      {3, "X", letter_kept}};
+      {3, "X", letter_kept},        {2, "", no_position},         {4, "", no_position}};
   for (const auto& [field, value, expected] : cases) {
     gps_gngga_t gga;
     gga.alt_d = -1.0;
@@ -94,19 +95,6 @@ TEST(gga, each_field_is_checked_in_turn) {
         partial_t(gga.fix_i, gga.sat_count_i, gga.hdop_d, gga.lat, gga.lat_dir, gga.alt_d, gga.map_path.list().size()),
         expected)
         << field << ": " << value;
-  }
-}
-
-TEST(gga, a_sentence_without_position_keeps_fix_state_only) {
-  for (const char* line :
-       {"$GPGGA,123520.00,,,,,0,00,99.99,,,,,,*61", "$GPGGA,123520.00,4807.03800,N,,,0,00,99.99,,,,,,*61"}) {
-    gps_gngga_t gga;
-    feed(gga, good);
-    const auto history = gga.direction_history;
-    feed(gga, line);
-    EXPECT_EQ(state(gga), std::tuple(time_hms_t{12, 35, 20, 0}, 48.1173, 11 + 31 / 60.0, "N"sv, "E"sv, 0, 0, 99.99,
-                                     545.4, 46.9, false, "invalid"sv, 1u, 1u));
-    EXPECT_EQ(gga.direction_history, history);
   }
 }
 
@@ -178,8 +166,8 @@ TEST(gga, nav_pvt_and_nav_posllh_records_and_back_to_sentences) {
   r.pDOP = 9998;
   r.lon = -1;
   gga.update_pvt(r);
-  EXPECT_EQ(gga.map_annotations.list().size(), 1u);
-  EXPECT_EQ(gga.map_path.list()[0], (geo_coordinate_t{-33.8568, -1e-7}));
+  EXPECT_EQ(std::tuple(gga.map_annotations.list().size(), gga.map_path.list()[0]),
+            std::tuple(1u, geo_coordinate_t{-33.8568, -1e-7}));
 
   feed(gga, with_field(6, "5"));
   EXPECT_EQ(std::tuple(gga.pvt_mode, gga.fix_text()), std::tuple(false, "Float RTK"sv)) << "back to the GGA table";

@@ -138,9 +138,7 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
   r.gSpeed = 1000;
   r.headVeh = 100000;
   r.magDec = -250;
-  rmc.update_pvt(r);
-  vtg.update_pvt(r);
-  gll.update_pvt(r);
+  for (gps_decoder_t* decoder : std::initializer_list<gps_decoder_t*>{&rmc, &vtg, &gll}) decoder->update_pvt(r);
   const double knots = 1000 / 514.444444;
   EXPECT_EQ(state(vtg), std::tuple(0.0, 0.0, knots, 3.6));
   EXPECT_EQ(state(rmc), std::tuple(time_hms_t{8, 50, 5, 0}, date_ymd_t{2017, 7, 19}, 0.0, 0.0, "N"sv, "E"sv, "A"sv,
@@ -154,20 +152,19 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
     r.pDOP = static_cast<std::uint16_t>(pdop);
     rmc.update_pvt(r);
     gll.update_pvt(r);
-    EXPECT_EQ(std::tuple(rmc.lat.get(), rmc.lon.get(), gll.lat.get(), gll.lon.get()), std::tuple(1.0, -2.0, 1.0, -2.0));
-    EXPECT_EQ(std::tuple(rmc.map_annotations.list().size(), gll.map_annotations.list().size()),
-              std::tuple(markers, markers))
+    EXPECT_EQ(std::tuple(rmc.lat.get(), rmc.lon.get(), gll.lat.get(), gll.lon.get(), rmc.map_annotations.list().size(),
+                         gll.map_annotations.list().size()),
+              std::tuple(1.0, -2.0, 1.0, -2.0, markers, markers))
         << "no marker above a position DOP of 99.98";
   }
 
   gps_posllh_t p{1, 2, 28, 61'000, 40'000'000, 1};  // class, id, length, iTOW, lon, lat
   rmc.update_posllh(p);
   gll.update_posllh(p);
-  EXPECT_EQ(std::tuple(rmc.map_annotations.list()[0]->title, gll.map_annotations.list()[0]->title),
-            std::tuple("2017-07-19", "00:01:01"))
-      << "the date keeps its last value";
-  EXPECT_EQ(std::tuple(rmc.lat.get(), gll.lat.get(), gll.lon.get()), std::tuple(1e-7, 1e-7, 4.0))
-      << "a latitude of 1e-7 degree is a position";
+  EXPECT_EQ(std::tuple(rmc.map_annotations.list()[0]->title, gll.map_annotations.list()[0]->title, rmc.lat.get(),
+                       gll.lat.get(), gll.lon.get()),
+            std::tuple("2017-07-19", "00:01:01", 1e-7, 1e-7, 4.0))
+      << "the date keeps its last value; a latitude of 1e-7 degree is a position";
   p.lon = 0;
   gll.update_posllh(p);
   EXPECT_EQ(gll.lon, 4.0) << "lon 0: no position";

@@ -63,22 +63,22 @@ TEST(gsa, decodes_or_stops_where_a_field_fails_and_records_switch_the_fix_type_t
 
   // A NAV-PVT record's fix type reads from the record table until a sentence or NAV-POSLLH comes.
   auto r = pvt_record();
-  r.fixType = 4;
   r.pDOP = 156;
-  gsa.update_pvt(r);
-  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text(), gsa.pdop_d),
-            std::tuple(true, "GNSS + dead reckoning"sv, 1.56));
+  const auto table = [&] { return std::tuple(gsa.pvt_mode, gsa.fix_type_text()); };
+  const auto pvt = [&](std::uint8_t type) {
+    r.fixType = type;
+    gsa.update_pvt(r);
+    return table();
+  };
+  EXPECT_EQ(pvt(4), std::tuple(true, "GNSS + dead reckoning"sv));
+  EXPECT_EQ(gsa.pdop_d, 1.56);
   feed(gsa, "$GNGSA,A,,05,,,,,,,,,,,,1.0,1.0,1.0*10");
-  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "invalid"sv)) << "no type 4 in GSA";
-  gsa.update_pvt(r);
+  EXPECT_EQ(table(), std::tuple(false, "invalid"sv)) << "no type 4 in GSA";
+  pvt(4);
   gsa.update_posllh(posllh_record());
-  EXPECT_EQ(std::tuple(gsa.pvt_mode, gsa.fix_type_text()), std::tuple(false, "no fix"sv));
-  r.fixType = 6;
-  gsa.update_pvt(r);
-  EXPECT_FALSE(gsa.pvt_mode);
-  r.fixType = 5;
-  gsa.update_pvt(r);
-  EXPECT_EQ(gsa.fix_type_text(), "time only fix");
+  EXPECT_EQ(table(), std::tuple(false, "no fix"sv));
+  EXPECT_EQ(pvt(6), std::tuple(false, "no fix"sv)) << "an unknown fix type is ignored";
+  EXPECT_EQ(pvt(5), std::tuple(true, "time only fix"sv));
 }
 
 // An entry reported at 0 s and another at 1 s; at 11 s the first has gone unreported for more than

@@ -8,11 +8,10 @@ namespace {
 
 TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction_or_changes_nothing) {
   const std::pair<const char*, time_hms_t> good[] = {
-      {"123519", {12, 35, 19, 0}},       {"123519.00", {12, 35, 19, 0}},    {"123519.5", {12, 35, 19, 5}},
-      {"123519.50", {12, 35, 19, 50}},   {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
-      {"000000", {0, 0, 0, 0}},          {"+1+2+3", {1, 2, 3, 0}},          {"23+159", {23, 1, 59, 0}},
-      {"+15959.+999", {1, 59, 59, 999}},
-  };
+      {"123519", {12, 35, 19, 0}},      {"123519.00", {12, 35, 19, 0}},    {"123519.5", {12, 35, 19, 5}},
+      {"123519.50", {12, 35, 19, 50}},  {"123519.123", {12, 35, 19, 123}}, {"235959.999", {23, 59, 59, 999}},
+      {"000000", {0, 0, 0, 0}},         {"+1+2+3", {1, 2, 3, 0}},          {"23+159", {23, 1, 59, 0}},
+      {"+15959.+999", {1, 59, 59, 999}}};
   for (const auto& [text, expected] : good) {
     time_hms_t t{1, 1, 1, 1};
     EXPECT_TRUE(t.parse(text)) << text;
@@ -26,19 +25,19 @@ TEST(time_hms, reads_hhmmss_with_an_unscaled_fraction_or_changes_nothing) {
     EXPECT_FALSE(t.parse(text)) << text;
     EXPECT_EQ(t, (time_hms_t{1, 2, 3, 4})) << text;
   }
-}
-
-TEST(time_hms, gps_time_of_day_from_a_week_millisecond) {
+  // The GPS time of day from a week millisecond: 49 days, 17:02:47.295. Other values come through
+  // the decoders' records.
   time_hms_t t;
-  t.set_from_itow(0xFFFFFFFFu);  // 49 days, 17:02:47.295; other values come through the decoders' records
+  t.set_from_itow(0xFFFFFFFFu);
   EXPECT_EQ(t, (time_hms_t{17, 2, 47, 295}));
 }
 
 TEST(date_ymd, reads_ddmmyy_with_the_century_window) {
-  const std::pair<const char*, date_ymd_t> good[] = {
-      {"230394", {1994, 3, 23}}, {"010180", {1980, 1, 1}}, {"311279", {2079, 12, 31}},
-      {"310224", {2024, 2, 31}}, {"010100", {2000, 1, 1}},
-  };
+  const std::pair<const char*, date_ymd_t> good[] = {{"230394", {1994, 3, 23}},
+                                                     {"010180", {1980, 1, 1}},
+                                                     {"311279", {2079, 12, 31}},
+                                                     {"310224", {2024, 2, 31}},
+                                                     {"010100", {2000, 1, 1}}};
   for (const auto& [text, expected] : good) {
     date_ymd_t d;
     EXPECT_TRUE(d.parse(text)) << text;

@@ -55,16 +55,14 @@ TEST(sim_engine, speaks_as_a_receiver_does) {
 
 TEST(sim_engine, the_same_seed_gives_the_same_stream_and_faults_show_in_the_counters) {
   sim_config_t config{.seed = 3, .bad_checksum_rate = 0.1, .garbage_rate = 0.1};
-  sim_engine_t a(config);
-  sim_engine_t b(config);
+  sim_engine_t a(config), b(config);
   const auto stream = epochs(a, 100);
   EXPECT_EQ(stream, epochs(b, 100));
   config.seed = 4;
   sim_engine_t c(config);
   EXPECT_NE(stream, epochs(c, 100));
   const auto& counts = a.counts();
-  ASSERT_GT(counts.bad_checksums, 0u);
-  ASSERT_GT(counts.garbage_lines, 0u);
+  ASSERT_TRUE(counts.bad_checksums > 0 && counts.garbage_lines > 0);
   decoded_t d(stream);
   // Junk lines never start with "$", so they are not candidates; every sentence is one.
   EXPECT_EQ(d.hub.msg_count + d.hub.msg_ack_count, counts.sentences);
@@ -77,8 +75,7 @@ TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
   decoded_t text(epochs(sim, 10));
   EXPECT_EQ(std::tuple(text.hub.gga.lat_dir, text.hub.gga.lon_dir), std::tuple("S", "W"));
   EXPECT_NEAR(text.hub.gga.lat, 33.8568, 0.01);
-  EXPECT_LT(text.hub.gga.map_path.list()[0].latitude, 0.0);
-  EXPECT_LT(text.hub.gga.map_path.list()[0].longitude, 0.0);
+  EXPECT_TRUE(text.hub.gga.map_path.list()[0].latitude < 0 && text.hub.gga.map_path.list()[0].longitude < 0);
 
   config.ubx = true;
   sim_engine_t ubx(config);
