@@ -61,8 +61,7 @@ TEST(observable, an_observer_may_destroy_the_observable_during_a_notice) {
   const auto closer = m->subscribe([&] { m.reset(); });
   const auto other = m->subscribe([&] { ++after; });
   m->notify();
-  EXPECT_EQ(m, nullptr);
-  EXPECT_EQ(after, 1);
+  EXPECT_EQ(std::tuple(m == nullptr, after), std::tuple(true, 1));
 }
 
 TEST(ring, keeps_the_newest_entries_at_either_end_and_releases_what_leaves) {

@@ -165,9 +165,9 @@ TEST(records, time_speeds_track_and_variation_from_nav_pvt) {
                        gll.lat.get(), gll.lon.get()),
             std::tuple("2017-07-19", "00:01:01", 1e-7, 1e-7, 4.0))
       << "the date keeps its last value; a latitude of 1e-7 degree is a position";
-  p.lon = 0;
-  gll.update_posllh(p);
-  EXPECT_EQ(gll.lon, 4.0) << "lon 0: no position";
+  gll.update_posllh({1, 2, 28, 62'000, 0, 1});  // a second later, lon 0
+  EXPECT_EQ(std::tuple(gll.lon.get(), gll.map_annotations.list()[0]->title), std::tuple(4.0, "00:01:01"))
+      << "lon 0: no position, no marker";
 }
 
 }  // namespace
