@@ -174,14 +174,9 @@ void connection_t::receive_arr(std::span<const std::uint8_t> bytes) {
       ++msg_good;
       log_record();
       break;
-    case gps_bin_return_t::chk_ignored:
-      log_record();
-      break;
     case gps_bin_return_t::chk_invalid:
-    case gps_bin_return_t::invalid_size:
     case gps_bin_return_t::invalid_length:
     case gps_bin_return_t::invalid_data:
-    case gps_bin_return_t::malformed:
       log_error(result);
       break;
   }

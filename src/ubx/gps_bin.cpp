@@ -9,26 +9,19 @@ std::string_view text(gps_bin_return_t result) {
       return "need more data";
     case gps_bin_return_t::ok:
       return "ok";
-    case gps_bin_return_t::chk_ignored:
-      return "checksum ignored";
     case gps_bin_return_t::chk_invalid:
       return "checksum invalid";
-    case gps_bin_return_t::invalid_size:
-      return "invalid size";
     case gps_bin_return_t::invalid_length:
       return "invalid length";
     case gps_bin_return_t::invalid_data:
       return "invalid data";
     case gps_bin_return_t::unsupported_type:
       return "unsupported type";
-    case gps_bin_return_t::malformed:
-      return "malformed";
   }
-  return "malformed";
+  return "unsupported type";
 }
 
 void gps_bin_t::abandon() {
-  chk_ignored = false;
   type = gps_bin_format_t::none;
   h = 0;
   d = 0;
@@ -107,18 +100,11 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
       }
     } else if (d == size_data + 1) {
       if (b != chk[0]) {
-        if (chk_ignore) {
-          chk_ignored = true;
-        } else {
-          abandon();
-          result = gps_bin_return_t::chk_invalid;
-        }
+        abandon();
+        result = gps_bin_return_t::chk_invalid;
       }
     } else if (d == size_data + 2) {
       if (b == chk[1]) {
-        result = decode_frame();
-      } else if (chk_ignore) {
-        chk_ignored = true;
         result = decode_frame();
       } else {
         abandon();
@@ -142,7 +128,7 @@ gps_bin_return_t gps_bin_t::pass_on(Record& record, void (gps_protocol_bin_t::*u
   if (!record.is_plausible()) return gps_bin_return_t::invalid_data;
   for (auto* receiver : arr_update) (receiver->*update)(record);
   decoded_type = type;
-  return chk_ignored ? gps_bin_return_t::chk_ignored : gps_bin_return_t::ok;
+  return gps_bin_return_t::ok;
 }
 
 // The frame's kind was set from its class and id, so the image has that record's size.

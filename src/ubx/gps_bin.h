@@ -16,13 +16,10 @@ enum class gps_bin_format_t : std::uint8_t { none, posllh, pvt };
 enum class gps_bin_return_t : std::int8_t {
   need_more_data = -1,   // no frame ended in this chunk
   ok = 0,                // a record was decoded and delivered
-  chk_ignored = 1,       // as ok, but a checksum byte did not match and chk_ignore was on
   chk_invalid = 2,       // a checksum byte did not match; frame dropped
-  invalid_size = 3,      // the record image does not have the record's size
   invalid_length = 4,    // the length field is not the record's payload length
   invalid_data = 5,      // the record failed its plausibility check
   unsupported_type = 6,  // neither NAV-POSLLH nor NAV-PVT; frame skipped
-  malformed = 7,         // a frame completed without a known record kind
 };
 
 std::string_view text(gps_bin_return_t result);
@@ -46,8 +43,6 @@ public:
   gps_bin_format_t type = gps_bin_format_t::none;          // kind of the frame in progress
   // Kind of the record last decoded and passed on, which the frame in progress does not change.
   gps_bin_format_t decoded_type = gps_bin_format_t::none;
-  bool chk_ignore = false;
-  bool chk_ignored = false;
   std::array<std::uint8_t, 2> chk{};  // computed CK_A, CK_B
   std::int32_t h = 0;                 // sync bytes matched
   std::int32_t d = 0;                 // bytes after the sync bytes

@@ -23,15 +23,12 @@ protected:
 
 TEST_F(config_test, first_start_with_an_empty_store) {
   const auto c = start();
-  EXPECT_EQ(c->ble_name.get(), "Thingy:91 UART");
-  EXPECT_EQ(c->host.get(), "127.0.0.1");
-  EXPECT_EQ(c->port.get(), 81);
+  EXPECT_EQ(std::tuple(c->ble_name.get(), c->host.get(), c->port.get()), std::tuple("Thingy:91 UART", "127.0.0.1", 81));
   EXPECT_EQ(c->history_ble_name.get(), config_connection_t::default_ble_names);
   EXPECT_EQ(c->history_host.get(), config_connection_t::default_hosts);
   EXPECT_EQ(c->history_port.get(), std::vector<std::uint16_t>{81});
   EXPECT_EQ(stored_strings("history_host"), config_connection_t::default_hosts) << "the histories are stored";
-  EXPECT_FALSE(c->enable_bridge());
-  EXPECT_TRUE(c->enable_ble());
+  EXPECT_EQ(std::pair(c->enable_bridge().get(), c->enable_ble().get()), std::pair(false, true));
   EXPECT_EQ(store.get("enable_ble").kind, kv_value_t::kind_t::absent) << "switches are stored only when changed";
 }
 
@@ -58,34 +55,15 @@ TEST_F(config_test, the_eleventh_host_drops_the_oldest) {
 }
 
 TEST_F(config_test, parse_ipv4) {
-  const struct {
-    const char* text;
-    const char* normalised;
-  } cases[] = {
-      {"10.0.0.1", "10.0.0.1"},
-      {"010.000.000.001", "10.0.0.1"},
-      {"192.168.001.010", "192.168.1.10"},
-      {"0.1.2.3", nullptr},
-      {"255.1.2.3", nullptr},
-      {"1.2.3.0", nullptr},
-      {"1.2.3.255", nullptr},
-      {"1.2.3", nullptr},
-      {"1.2.3.4.5", nullptr},
-      {"1..2.3", nullptr},
-      {"1.2.3.x", nullptr},
-      {"", nullptr},
-      {"1.2.3.+4", nullptr},
-      {"1.2.3.-4", nullptr},
-      {"254.255.255.254", "254.255.255.254"},
-  };
-  for (const auto& c : cases) {
-    const auto r = config_connection_t::parse_ipv4(c.text);
-    if (c.normalised) {
-      EXPECT_EQ(r, std::string(c.normalised)) << c.text;
-    } else {
-      EXPECT_FALSE(r) << c.text;
-    }
-  }
+  const std::pair<const char*, const char*> accepted[] = {{"10.0.0.1", "10.0.0.1"},
+                                                          {"010.000.000.001", "10.0.0.1"},
+                                                          {"192.168.001.010", "192.168.1.10"},
+                                                          {"254.255.255.254", "254.255.255.254"}};
+  for (const auto& [text, normalised] : accepted)
+    EXPECT_EQ(config_connection_t::parse_ipv4(text), std::string(normalised)) << text;
+  for (const char* text : {"0.1.2.3", "255.1.2.3", "1.2.3.0", "1.2.3.255", "1.2.3", "1.2.3.4.5", "1..2.3", "1.2.3.x",
+                           "", "1.2.3.+4", "1.2.3.-4"})
+    EXPECT_FALSE(config_connection_t::parse_ipv4(text)) << text;
 }
 
 TEST_F(config_test, typed_host_and_port_are_validated) {
@@ -112,24 +90,19 @@ TEST_F(config_test, typed_host_and_port_are_validated) {
 }
 
 TEST_F(config_test, stored_values_of_the_wrong_type_are_ignored) {
+  const auto list = [](std::vector<kv_value_t> values) {
+    kv_value_t v;
+    v.kind = kv_value_t::kind_t::list;
+    v.list = std::move(values);
+    return v;
+  };
   store.values["enable_ble"] = memory_kv_store_t::text("false");
-  kv_value_t hosts;
-  hosts.kind = kv_value_t::kind_t::list;
-  hosts.list = {memory_kv_store_t::text("10.0.0.9"), memory_kv_store_t::integer(5)};
-  store.values["history_host"] = hosts;
-  kv_value_t ports;
-  ports.kind = kv_value_t::kind_t::list;
-  ports.list = {memory_kv_store_t::integer(70000)};
-  store.values["history_port"] = ports;
-  kv_value_t no_names;
-  no_names.kind = kv_value_t::kind_t::list;
-  store.values["history_ble_name"] = no_names;
-
+  store.values["history_host"] = list({memory_kv_store_t::text("10.0.0.9"), memory_kv_store_t::integer(5)});
+  store.values["history_port"] = list({memory_kv_store_t::integer(70000)});
+  store.values["history_ble_name"] = list({});
   const auto c = start();
-  EXPECT_TRUE(c->enable_ble());
-  EXPECT_EQ(c->host.get(), "127.0.0.1");
-  EXPECT_EQ(c->port.get(), 81);
-  EXPECT_EQ(c->ble_name.get(), "Thingy:91 UART");
+  EXPECT_EQ(std::tuple(c->enable_ble().get(), c->host.get(), c->port.get(), c->ble_name.get()),
+            std::tuple(true, "127.0.0.1", 81, "Thingy:91 UART"));
 }
 
 TEST_F(config_test, a_restart_restores_switches_and_histories) {
@@ -142,11 +115,9 @@ TEST_F(config_test, a_restart_restores_switches_and_histories) {
     c->save_port(10110);
   }
   const auto c = start();
-  EXPECT_TRUE(c->enable_bridge());
-  EXPECT_FALSE(c->enable_ble());
-  EXPECT_EQ(c->ble_name.get(), "nrf52840dk UART");
-  EXPECT_EQ(c->host.get(), "192.168.4.1");
-  EXPECT_EQ(c->port.get(), 10110);
+  EXPECT_EQ(
+      std::tuple(c->enable_bridge().get(), c->enable_ble().get(), c->ble_name.get(), c->host.get(), c->port.get()),
+      std::tuple(true, false, "nrf52840dk UART", "192.168.4.1", 10110));
   EXPECT_EQ(c->history_port.get(), (std::vector<std::uint16_t>{10110, 81}));
 }
 

@@ -84,19 +84,6 @@ TEST_F(gps_bin_test, a_wrong_ck_a_fails_at_once_and_ck_b_is_hunted_through) {
   EXPECT_EQ(log.size(), 2u);
 }
 
-TEST_F(gps_bin_test, chk_ignore_decodes_frames_with_wrong_checksums) {
-  bin.chk_ignore = true;
-  for (const std::size_t wrong : {std::size_t{1}, std::size_t{2}}) {
-    auto bad = pvt;
-    bad[bad.size() - wrong] ^= 0xFF;
-    EXPECT_EQ(bin.decode(bad), R::chk_ignored) << wrong;
-    EXPECT_TRUE(bin.chk_ignored) << "cleared only when a frame is abandoned";
-    EXPECT_EQ(bin.decode(bytes_t{0x00}), R::need_more_data);
-    EXPECT_FALSE(bin.chk_ignored);
-  }
-  EXPECT_EQ(log.size(), 4u);
-}
-
 TEST_F(gps_bin_test, length_plausibility_and_type_are_checked_after_the_checksum) {
   auto short_length = valid_pvt();
   short_length.length = 84;
