@@ -62,8 +62,7 @@ TEST_F(tcp_client_test, a_disconnect_during_a_blocked_receive_ends_the_loop_with
   client->stop();
   ASSERT_TRUE(queue.run_until([&] { return !console.copy().empty(); }));
   EXPECT_EQ(console.copy()[0], "tcp_client disconnected " + peer() + "\n");
-  EXPECT_EQ(client->so(), -1);
-  EXPECT_FALSE(client->enabled());
+  EXPECT_EQ(std::pair(client->enabled(), client->so()), std::pair(false, -1));
   queue.run_until([] { return false; }, 0.2);
   EXPECT_EQ(events.events, std::vector<std::string>{"up " + peer()});
 }
@@ -110,9 +109,10 @@ TEST_F(tcp_client_test, a_disconnect_racing_the_connect_leaves_no_stale_connecti
     while (server.accept_client(0)) server.drop_client();
   }
   queue.run_until([] { return false; }, 0.3);
-  EXPECT_FALSE(client->valid());
-  EXPECT_EQ(client->so(), -1);
+  EXPECT_EQ(std::pair(client->valid(), client->so()), std::pair(false, -1));
   EXPECT_TRUE(no_errors());
+  // Late handshakes of the stopped attempts would fill the small listen backlog: drain it.
+  while (server.accept_client(0)) server.drop_client();
   ASSERT_EQ(client->connect("127.0.0.1", server.port()), 0);
   ASSERT_TRUE(server.accept_client());
   EXPECT_TRUE(queue.run_until([&] { return client->valid(); }));
