@@ -20,6 +20,7 @@
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
 #include "support/fake_links.h"
+#include "support/link_feed.h"
 #include "support/recording_console.h"
 #include "support/sentences.h"
 #include "support/test_queue.h"
@@ -150,7 +151,7 @@ void BM_window_refresh(benchmark::State& state) {
     const double lon = 1131.0 + 0.5 * static_cast<double>(i / 2000);
     char body[128];
     std::snprintf(body, sizeof body, "$GPGGA,120000,%.4f,N,%010.4f,E,1,08,0.9,545.4,M,46.9,M,,", lat, lon);
-    hub.receive_line(with_checksum(body));
+    feed_line(hub.tcp_events(), with_checksum(body));
   }
   for (int i = 0; i < 10; ++i) {
     queue.advance(2.0);
