@@ -58,7 +58,7 @@ bool parse_tcp_url(std::string_view url, std::string& host, std::uint16_t& port)
 
 bool parse_seconds(std::string_view text, double& seconds) {
   const auto v = parse_double(text);
-  if (!v || !(*v > 0.0) || *v > 1e9) return false;
+  if (!v || !(*v > 0.0) || *v > cli_max_seconds) return false;
   seconds = *v;
   return true;
 }
@@ -106,7 +106,8 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     } else if (arg == "--duration" || arg == "--interval") {
       if (!next(value)) return fail(std::string(arg) + " needs a number of seconds");
       if (!parse_seconds(value, arg == "--duration" ? options.duration_s : options.interval_s))
-        return fail(std::string(arg) + " must be a positive number of seconds, not '" + std::string(value) + "'");
+        return fail(std::string(arg) + " must be a positive number of seconds up to 2147483, not '" +
+                    std::string(value) + "'");
     } else if (arg == "--chunk") {
       if (!next(value)) return fail("--chunk needs a number of bytes");
       const auto n = parse_unsigned(value, cli_max_chunk);
