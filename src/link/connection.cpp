@@ -21,10 +21,6 @@ bool contains_gga_tag(std::string_view line) {
   return false;
 }
 
-std::string host_port(const std::string& host, std::uint16_t port) {
-  return host + ":" + std::to_string(port);
-}
-
 }  // namespace
 
 connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory_t& links)
@@ -109,12 +105,12 @@ void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t
   status_tcp = text != nullptr && *text != '\0' ? std::string(text) : std::string("Unknown error");
   sta_fg_tcp = colour_t::red;
   console_.print(console_.date() + "  connect " + peer + "  " + std::to_string(error) + " " + status_tcp.get());
-  schedule_reconnect(tcp_host_, tcp_port_);
+  schedule_reconnect();
 }
 
 // Retries while the user still wants the link and it is not up; every failure schedules the next.
-void connection_t::schedule_reconnect(const std::string& host, std::uint16_t port) {
-  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), host, port] {
+void connection_t::schedule_reconnect() {
+  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), host = tcp_host_, port = tcp_port_] {
     const auto still_alive = alive.lock();
     if (!still_alive || !*still_alive) return;
     if (tcp_client().enabled() && !tcp_client().valid()) connect_tcp(host, port);

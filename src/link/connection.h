@@ -106,7 +106,7 @@ private:
   void count_candidate();
   void log_record();
   void log_error(gps_bin_return_t result);
-  void schedule_reconnect(const std::string& host, std::uint16_t port);
+  void schedule_reconnect();
 
   // The six decoders in the order they are offered every sentence and record, and the UBX stream
   // decoder, which hands its records to them in the same order.

@@ -6,6 +6,11 @@
 
 #include "core/colour.h"
 
+// How a TCP peer is named in status texts and console lines: "127.0.0.1:10110".
+inline std::string host_port(const std::string& host, std::uint16_t port) {
+  return host + ":" + std::to_string(port);
+}
+
 // What a transport reports to the hub, on the main thread. Every link, whatever carries its bytes,
 // reports through these three calls, so the hub holds the one receive path.
 class link_events_t {

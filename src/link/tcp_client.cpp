@@ -36,10 +36,6 @@ int finish_connect(int fd, int poll_ms, F&& stay) {
   }
 }
 
-std::string host_port(const std::string& host, std::uint16_t port) {
-  return host + ":" + std::to_string(port);
-}
-
 }  // namespace
 
 tcp_client_t::tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console)
@@ -198,7 +194,7 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
   ::shutdown(fd, SHUT_RDWR);
   ::close(fd);
   if (!lost) {
-    console_.print("tcp_client disconnected " + host + ":" + std::to_string(port) + "\n");
+    console_.print("tcp_client disconnected " + host_port(host, port) + "\n");
     return;
   }
   queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
