@@ -31,10 +31,14 @@ void print_counts(const sim_server_t& server, const capture_lines_t* capture, co
               static_cast<unsigned long long>(server.drops()));
   if (capture) {
     std::printf("served %zu capture lines\n", capture->served());
+  } else if (c.frames > 0) {
+    std::printf("sent %llu UBX frames (%llu with a bad checksum), %llu runs of junk bytes\n",
+                static_cast<unsigned long long>(c.frames), static_cast<unsigned long long>(c.bad_checksums),
+                static_cast<unsigned long long>(c.garbage_lines));
   } else {
-    std::printf("sent %llu sentences (%llu with a bad checksum), %llu junk lines, %llu UBX frames\n",
+    std::printf("sent %llu sentences (%llu with a bad checksum), %llu junk lines\n",
                 static_cast<unsigned long long>(c.sentences), static_cast<unsigned long long>(c.bad_checksums),
-                static_cast<unsigned long long>(c.garbage_lines), static_cast<unsigned long long>(c.frames));
+                static_cast<unsigned long long>(c.garbage_lines));
   }
 }
 

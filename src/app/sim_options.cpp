@@ -16,8 +16,8 @@ const char* const sim_usage =
     "  --speed M/S            walking or driving speed (default 1.4)\n"
     "  --seed N               the same seed gives the same stream\n"
     "  --ubx                  send NAV-PVT and NAV-POSLLH frames instead of sentences\n"
-    "  --bad-checksum-rate P  share of sentences sent with a wrong checksum, 0 to 1\n"
-    "  --garbage-rate P       share of sentences followed by a line of junk, 0 to 1\n"
+    "  --bad-checksum-rate P  share of sentences (or frames) sent with a wrong checksum, 0 to 1\n"
+    "  --garbage-rate P       share of sentences followed by a line of junk (or frames by junk bytes), 0 to 1\n"
     "  --drop-after S         close each connection S seconds after it was made\n"
     "  --replay FILE          serve a capture line by line instead\n"
     "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n";

@@ -28,11 +28,6 @@ std::int32_t record_value(double v) {
   return static_cast<std::int32_t>(std::lround(v));
 }
 
-void add_frame(std::string& out, std::span<const std::uint8_t> image) {
-  const auto frame = frame_of(image);
-  out.append(frame.begin(), frame.end());
-}
-
 }  // namespace
 
 sim_engine_t::sim_engine_t(const sim_config_t& config) : config_(config), rng_(config.seed) {}
@@ -69,6 +64,26 @@ void sim_engine_t::add_sentence(std::string& out, const std::string& body) {
     std::string junk = "#";
     for (int i = 0; i < length; ++i) junk.push_back(static_cast<char>(' ' + static_cast<int>(uniform() * 94)));
     out += junk + "\r\n";
+    ++counts_.garbage_lines;
+  }
+}
+
+// A frame with, by the configured shares, a wrong checksum or a run of junk bytes after it. The junk
+// never holds the first sync byte, so it cannot start a false frame that swallows the next one.
+void sim_engine_t::add_frame(std::string& out, std::span<const std::uint8_t> image) {
+  auto frame = frame_of(image);
+  if (uniform() < config_.bad_checksum_rate) {
+    frame.back() ^= 0x5A;
+    ++counts_.bad_checksums;
+  }
+  out.append(frame.begin(), frame.end());
+  ++counts_.frames;
+  if (uniform() < config_.garbage_rate) {
+    const int length = 5 + static_cast<int>(uniform() * 40);
+    for (int i = 0; i < length; ++i) {
+      const auto junk = static_cast<char>(uniform() * 255);
+      out.push_back(junk == static_cast<char>(ubx_sync[0]) ? '\xFF' : junk);
+    }
     ++counts_.garbage_lines;
   }
 }
@@ -210,5 +225,4 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
   pvt.pDOP = 145;        // 0.01
   pvt.headVeh = pvt.headMot;
   add_frame(out, image_of(pvt));
-  counts_.frames += 2;
 }

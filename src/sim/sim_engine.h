@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,8 @@ struct sim_config_t {
   double loop_radius_m = 150.0;           // m
   double speed_mps = 1.4;                 // m/s, a walk
   bool ubx = false;                       // NAV-PVT and NAV-POSLLH frames instead of sentences
-  double bad_checksum_rate = 0.0;         // share of sentences sent with a wrong checksum
-  double garbage_rate = 0.0;              // share of sentences followed by a junk line
+  double bad_checksum_rate = 0.0;         // share of sentences or frames sent with a wrong checksum
+  double garbage_rate = 0.0;              // share of sentences followed by a junk line, of frames by junk bytes
   std::int64_t start_utc_s = 1767268800;  // 2026-01-01 12:00:00
   double epoch_s = 1.0;                   // simulated seconds per epoch (1 / rate)
 };
@@ -23,8 +24,8 @@ struct sim_config_t {
 struct sim_counts_t {
   std::uint64_t sentences = 0;  // sentences sent, good and bad
   std::uint64_t bad_checksums = 0;
-  std::uint64_t garbage_lines = 0;
-  std::uint64_t frames = 0;  // UBX frames
+  std::uint64_t garbage_lines = 0;  // junk lines, or runs of junk bytes between frames
+  std::uint64_t frames = 0;         // UBX frames
 };
 
 // A moving receiver: one epoch after another, each the bytes a receiver sends in one second
@@ -45,6 +46,7 @@ private:
   };
   position_t position(double t) const;
   void add_sentence(std::string& out, const std::string& body);
+  void add_frame(std::string& out, std::span<const std::uint8_t> image);
   void add_text_epoch(std::string& out, double t);
   void add_ubx_epoch(std::string& out, double t);
   double uniform();

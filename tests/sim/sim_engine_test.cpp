@@ -28,8 +28,8 @@ struct decoded_t {
   recording_console_t console;
   offline_links_t links;
   connection_t hub{queue, console, links};
-  explicit decoded_t(const std::string& stream) {
-    replay_chunks(std::vector<std::uint8_t>(stream.begin(), stream.end()), 512, hub.tcp_events());
+  explicit decoded_t(const std::string& stream, std::size_t chunk = 512) {
+    replay_chunks(std::vector<std::uint8_t>(stream.begin(), stream.end()), chunk, hub.tcp_events());
   }
 };
 
@@ -67,6 +67,14 @@ TEST(sim_engine, the_same_seed_gives_the_same_stream_and_faults_show_in_the_coun
   // Junk lines never start with "$", so they are not candidates; every sentence is one.
   EXPECT_EQ(d.hub.msg_count + d.hub.msg_ack_count, counts.sentences);
   EXPECT_EQ(d.hub.msg_good + 1, counts.sentences - counts.bad_checksums);
+}
+
+TEST(sim_engine, frames_carry_the_faults_too) {
+  sim_engine_t sim({.seed = 3, .ubx = true, .bad_checksum_rate = 0.1, .garbage_rate = 0.1});
+  decoded_t d(epochs(sim, 100), 1);  // byte by byte: each good frame counts once
+  const auto& counts = sim.counts();
+  ASSERT_TRUE(counts.bad_checksums > 0 && counts.garbage_lines > 0);
+  EXPECT_EQ(d.hub.msg_good, counts.frames - counts.bad_checksums) << "junk between frames loses none of them";
 }
 
 TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
