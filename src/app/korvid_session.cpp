@@ -14,14 +14,14 @@ namespace {
 
 constexpr int summary_ms = 1000;  // headless: one summary line a second
 
-// "12:00:05  GPS  12 sats  HDOP 0.90  48.117300 N  11.516700 E  ALT 520.0  connected to ..."
-void print_summary(const connection_t& hub) {
+// "12:00:05  GPS  12 sats  HDOP 0.90  48.117300 N  11.516700 E  ALT 520.0  127.0.0.1:10110"
+void print_summary(const config_connection_t& cfg, const connection_t& hub) {
   const auto& g = hub.gga;
   std::printf("%02u:%02u:%02u  %.*s  %lld sats  HDOP %.2f  %.6f %.*s  %.6f %.*s  ALT %.1f  %s\n",
               static_cast<unsigned>(g.time.hh), static_cast<unsigned>(g.time.mm), static_cast<unsigned>(g.time.ss),
               static_cast<int>(g.fix_text().size()), g.fix_text().data(), static_cast<long long>(g.sat_count_i),
               g.hdop_d, g.lat.get(), static_cast<int>(g.lat_dir.size()), g.lat_dir.data(), g.lon.get(),
-              static_cast<int>(g.lon_dir.size()), g.lon_dir.data(), g.alt_d, hub.status_tcp->c_str());
+              static_cast<int>(g.lon_dir.size()), g.lon_dir.data(), g.alt_d, used_status(cfg, hub).c_str());
   std::fflush(stdout);
 }
 
@@ -64,7 +64,7 @@ int run_headless(int argc, char** argv, const window_options_t& options) {
   connection_t hub(queue, console, links);
   session.connect(cfg, hub);
   QTimer ticks;
-  QObject::connect(&ticks, &QTimer::timeout, &app, [&hub] { print_summary(hub); });
+  QObject::connect(&ticks, &QTimer::timeout, &app, [&cfg, &hub] { print_summary(cfg, hub); });
   ticks.start(summary_ms);
   stop_signal_watch_t stop_watch(app);
   app.exec();

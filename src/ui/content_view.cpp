@@ -208,10 +208,9 @@ void ContentView::refresh() {
   std::vector<text_run_t> status;
   const std::string crc = cnc_.crc_error_text();
   if (!crc.empty()) status.push_back({QString::fromStdString(crc), colour_t::secondary, status_font});
-  if (bridge || !cfg_.enable_ble())
-    status.push_back({QString::fromStdString(cnc_.status_tcp), cnc_.sta_fg_tcp, status_font});
-  if (bridge || cfg_.enable_ble())
-    status.push_back({QString::fromStdString(cnc_.status_ble), cnc_.sta_fg_ble, status_font});
+  const auto used = used_links(cfg_);
+  if (used.tcp) status.push_back({QString::fromStdString(cnc_.status_tcp), cnc_.sta_fg_tcp, status_font});
+  if (used.ble) status.push_back({QString::fromStdString(cnc_.status_ble), cnc_.sta_fg_ble, status_font});
   status_->set_runs(std::move(status));
   status_->setToolTip(cnc_.ble_enabled() ? QString::fromStdString(cnc_.ble().radio_status()) : QString());
 

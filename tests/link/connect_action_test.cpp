@@ -24,7 +24,10 @@ TEST_F(connect_test, connects_as_the_settings_say_and_disconnects_when_enabled) 
   const struct {
     bool bridge, ble;
     bool tcp_expected, ble_expected;
-  } cases[] = {{true, false, true, true}, {false, true, false, true}, {false, false, true, false}};
+    const char* status;  // what a summary line shows of the links in use
+  } cases[] = {{true, false, true, true, "Connect 10.0.0.7:10110  BLE scanning..."},
+               {false, true, false, true, "BLE scanning..."},
+               {false, false, true, false, "Connect 10.0.0.7:10110"}};
   for (const auto& c : cases) {
     settings.set_enable_bridge(c.bridge);
     settings.set_enable_ble(c.ble);
@@ -33,6 +36,7 @@ TEST_F(connect_test, connects_as_the_settings_say_and_disconnects_when_enabled) 
     connect_or_disconnect(settings, hub);
     EXPECT_EQ(links.tcp->is_enabled, c.tcp_expected);
     EXPECT_EQ(links.ble->is_enabled, c.ble_expected);
+    EXPECT_EQ(used_status(settings, hub), c.status);
     if (c.tcp_expected) {
       EXPECT_EQ(links.tcp->connects.back(), "10.0.0.7:10110");
       EXPECT_EQ(settings.history_host->front(), "10.0.0.7") << "connecting records the host";
