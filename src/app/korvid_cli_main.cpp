@@ -102,6 +102,14 @@ int main(int argc, char** argv) {
     return usage_error;
   }
 
+  if (!options.settings_file.empty()) {
+    if (const auto problem = qsettings_store_t::ini_file_problem(QString::fromStdString(options.settings_file));
+        !problem.empty()) {
+      std::fprintf(stderr, "korvid-cli: --settings: %s\n", problem.c_str());
+      return usage_error;
+    }
+  }
+
   QCoreApplication app(argc, argv);
   qt_main_queue_t queue(&app);
   stdout_console_t console;

@@ -8,6 +8,7 @@
 
 #include "app/korvid_app.h"
 #include "app/korvid_session.h"
+#include "app/stop_signals.h"
 #include "app/window_options.h"
 #include "core/console.h"
 #include "platform/qt_main_queue.h"
@@ -72,6 +73,8 @@ int main(int argc, char** argv) {
       app.quit();
     });
   }
+  // Ctrl-C in the terminal or a SIGTERM quits as the window's own Quit does: the links close.
+  stop_signal_watch_t stop_watch(app);
   const int loop = app.exec();
   // Threads waiting for the main thread give up from here on; then the links close.
   queue.close();

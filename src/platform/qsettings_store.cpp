@@ -1,5 +1,6 @@
 #include "platform/qsettings_store.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonValue>
@@ -7,7 +8,9 @@
 
 namespace {
 
-QString key_of(std::string_view key) { return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())); }
+QString key_of(std::string_view key) {
+  return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+}
 
 kv_value_t text_value(const QString& text) {
   kv_value_t v;
@@ -49,12 +52,28 @@ qsettings_store_t::qsettings_store_t() : settings_(std::make_unique<QSettings>("
 qsettings_store_t::qsettings_store_t(const QString& ini_file)
     : settings_(std::make_unique<QSettings>(ini_file, QSettings::IniFormat)) {}
 
+std::string qsettings_store_t::ini_file_problem(const QString& ini_file) {
+  const QFileInfo file(ini_file);
+  const auto quoted = [](const QString& path) { return "'" + path.toStdString() + "'"; };
+  if (file.isDir()) return quoted(ini_file) + " is a folder, not a settings file";
+  if (file.exists()) {
+    if (!file.isReadable() || !file.isWritable()) return "cannot read and write " + quoted(ini_file);
+    return {};
+  }
+  const QFileInfo folder(file.absolutePath());
+  if (!folder.isDir()) return "cannot create " + quoted(ini_file) + ": there is no folder " + quoted(folder.filePath());
+  if (!folder.isWritable()) return "cannot create " + quoted(ini_file) + ": the folder is not writable";
+  return {};
+}
+
 void qsettings_store_t::write(std::string_view key, const QString& json) {
   settings_->setValue(key_of(key), json);
   settings_->sync();
 }
 
-void qsettings_store_t::set_bool(std::string_view key, bool value) { write(key, value ? "true" : "false"); }
+void qsettings_store_t::set_bool(std::string_view key, bool value) {
+  write(key, value ? "true" : "false");
+}
 
 void qsettings_store_t::set_strings(std::string_view key, const std::vector<std::string>& value) {
   QJsonArray array;

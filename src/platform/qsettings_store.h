@@ -3,6 +3,7 @@
 #include <QSettings>
 #include <QString>
 #include <memory>
+#include <string>
 
 #include "link/kv_store.h"
 
@@ -23,6 +24,10 @@ public:
   void remove(std::string_view key) override;
 
   QString file_name() const { return settings_->fileName(); }
+
+  // Why an INI file of the user's choice cannot hold the settings ("'x' is a folder", ...), or
+  // empty when it can. QSettings itself would run on the defaults without a word.
+  static std::string ini_file_problem(const QString& ini_file);
 
 private:
   void write(std::string_view key, const QString& json);

@@ -31,6 +31,26 @@ TEST(qsettings_store, values_written_by_one_process_are_read_by_the_next) {
             "history_port=2\n");
 }
 
+TEST(qsettings_store, a_file_that_cannot_hold_the_settings_is_named) {
+  QTemporaryDir dir;
+  std::ofstream(dir.filePath("plain").toStdString()) << "x";
+  const struct {
+    const char* path;
+    const char* problem;
+  } cases[] = {
+      {"new.ini", ""},
+      {"plain", ""},
+      {"", "'*/' is a folder, not a settings file"},
+      {"missing/k.ini", "cannot create '*/missing/k.ini': there is no folder '*/missing'"},
+      {"plain/k.ini", "cannot create '*/plain/k.ini': there is no folder '*/plain'"},
+  };
+  for (const auto& c : cases) {
+    const auto path = dir.path() + "/" + c.path;
+    const auto expected = QString(c.problem).replace("*", dir.path()).toStdString();
+    EXPECT_EQ(qsettings_store_t::ini_file_problem(path), expected) << c.path;
+  }
+}
+
 TEST(qsettings_store, types_survive_the_file) {
   QTemporaryDir dir;
   const auto file = dir.filePath("types.ini");
