@@ -128,8 +128,10 @@ void BLE::check_ready() {
   events_.link_up(name_peripheral.value_or("(nil)"));
 }
 
-void BLE::value_updated(const ble_peripheral_t& p, const ble_characteristic_t&,
+// Only the UART's TX characteristic carries the receiver's stream; a value of any other is no data.
+void BLE::value_updated(const ble_peripheral_t& p, const ble_characteristic_t& c,
                         std::optional<std::span<const std::uint8_t>> value) {
+  if (!ble_char_recv || !(c == *ble_char_recv)) return;
   manager_->read_rssi(p);
   if (value && !value->empty()) events_.link_bytes(*value);
 }

@@ -145,13 +145,14 @@ void qt_ble_central_t::discover_characteristics(const ble_peripheral_t& p, std::
     for (const auto& c : s->characteristics()) found.push_back(handle_of(s, c));
     if (events_) events_->characteristics_discovered(p, found);
   });
-  auto deliver = [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray& value) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.constData());
-    if (events_)
-      events_->value_updated(p, handle_of(s, c), std::span<const std::uint8_t>(bytes, static_cast<std::size_t>(value.size())));
-  };
-  QObject::connect(s, &QLowEnergyService::characteristicChanged, this, deliver);
-  QObject::connect(s, &QLowEnergyService::characteristicRead, this, deliver);
+  // Notifications only: a read's response (characteristicRead) repeats an old value.
+  QObject::connect(s, &QLowEnergyService::characteristicChanged, this,
+                   [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray& value) {
+                     const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.constData());
+                     if (events_)
+                       events_->value_updated(p, handle_of(s, c),
+                                              std::span<const std::uint8_t>(bytes, static_cast<std::size_t>(value.size())));
+                   });
   QObject::connect(s, &QLowEnergyService::characteristicWritten, this,
                    [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray&) {
                      if (events_) events_->value_written(p, handle_of(s, c), std::nullopt);

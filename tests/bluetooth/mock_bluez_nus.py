@@ -12,7 +12,7 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
   ServicesResolved, each step announced by PropertiesChanged or InterfacesAdded:
     service0010                      6E400001-... primary
     service0010/char0011             6E400002-... RX, write and write-without-response
-    service0010/char0013             6E400003-... TX, notify
+    service0010/char0013             6E400003-... TX, read and notify
     service0010/char0013/desc0015    00002902-... its client characteristic configuration
 - org.bluez.Mock on "/", for the test:
     Notify(ay) -> b      a notification on the connected peripheral's TX characteristic
@@ -126,11 +126,13 @@ def export_gatt(device):
         ('StartNotify', '', '', start_notify),
         ('StopNotify', '', '', stop_notify),
     ]
-    for path, uuid, flags in ((rx, UUID_RX, ['write-without-response', 'write']), (tx, UUID_TX, ['notify'])):
+    # TX is readable too, and holds a value from before: a read returns it, which is no new data.
+    for path, uuid, flags, value in ((rx, UUID_RX, ['write-without-response', 'write'], b''),
+                                     (tx, UUID_TX, ['read', 'notify'], b'$GPTXT,stale*00\r\n')):
         obj = add_object(path, CHAR_IFACE, {
             'UUID': dbus.String(uuid, variant_level=1),
             'Service': dbus.ObjectPath(service, variant_level=1),
-            'Value': dbus.Array([], signature='y', variant_level=1),
+            'Value': dbus.Array([dbus.Byte(b) for b in value], signature='y', variant_level=1),
             'Notifying': dbus.Boolean(False, variant_level=1),
             'Flags': dbus.Array(flags, signature='s', variant_level=1),
         }, characteristic_methods)

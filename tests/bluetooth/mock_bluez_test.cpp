@@ -160,6 +160,7 @@ TEST_F(mock_bluez_test, the_scan_connects_only_the_exact_name_and_enables_notifi
   EXPECT_TRUE(links.ble->ready());
   EXPECT_FALSE(bluez->connected(mock_bluez_t::other_path)) << "a name that merely starts with the wanted one";
   EXPECT_FALSE(bluez->discovering()) << "the scan stops once the peripheral is found";
+  EXPECT_TRUE(links.tcp->sent.empty()) << "the TX value read at connection is no data";
 }
 
 // Each case: the notifications, in order, and the latitude the GGA decoder holds after each.

@@ -67,12 +67,14 @@ TEST_F(ble_test, becomes_ready_when_both_uart_characteristics_are_found) {
                                             "read 32", "notify 32 on"}));
 }
 
-TEST_F(ble_test, notifications_reach_the_hub_raw_and_each_asks_for_the_rssi) {
+TEST_F(ble_test, tx_notifications_reach_the_hub_raw_and_each_asks_for_the_rssi) {
   bring_up();
   notify(b("$GPGGA,1"));
   notify(bytes_t{0xB5, 0x62});
   notify(bytes_t{});
   central.events->value_updated(thingy, recv_char, std::nullopt);
+  const auto other = b("$GPTXT");
+  for (const auto& c : {send_char, battery}) central.events->value_updated(thingy, c, std::span(other));
   EXPECT_EQ(hub.received, "$GPGGA,1\xB5\x62");
   EXPECT_EQ(hub.chunks, 2u) << "an empty value is no chunk";
   EXPECT_EQ(central.rssi_requests, 5) << "one RSSI request a notification, one at connection";
