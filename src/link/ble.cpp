@@ -169,8 +169,11 @@ void BLE::ble_reconnect() {
   start_scan();
 }
 
+// A refused write loses its bytes: each is said and counted, so bridged bytes never vanish unseen.
 void BLE::value_written(const ble_peripheral_t&, const ble_characteristic_t&, const std::optional<std::string>& error) {
-  if (error) console_.print("BLE write: " + *error);
+  if (!error) return;
+  ++write_failures;
+  console_.print("BLE write: " + *error);
 }
 
 void BLE::rssi_read(const ble_peripheral_t&, int value) {

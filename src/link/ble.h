@@ -51,6 +51,7 @@ public:
   published_t<std::string> status{*this, "offline"};
   published_t<std::string> name_connect{*this, std::string(default_ble_name)};
   rssi_t rssi;
+  std::uint64_t write_failures = 0;  // writes the peripheral refused
 
   std::optional<ble_peripheral_t> ble_peripheral;
   std::optional<ble_characteristic_t> ble_char_recv;

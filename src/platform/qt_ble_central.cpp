@@ -85,6 +85,7 @@ void qt_ble_central_t::connect(const ble_peripheral_t& p) {
   if (controller_ && p == peripheral_ && controller_->state() == QLowEnergyController::ConnectingState) return;
   if (controller_) controller_->deleteLater();
   characteristics_.clear();
+  writes_.clear();
   service_objects_.clear();
   services_.clear();
   peripheral_ = p;
@@ -155,8 +156,16 @@ void qt_ble_central_t::discover_characteristics(const ble_peripheral_t& p, std::
                    });
   QObject::connect(s, &QLowEnergyService::characteristicWritten, this,
                    [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray&) {
+                     if (!writes_.empty()) writes_.pop_front();
                      if (events_) events_->value_written(p, handle_of(s, c), std::nullopt);
                    });
+  // A failed write names no characteristic; writes complete in order, so it is the oldest one.
+  QObject::connect(s, &QLowEnergyService::errorOccurred, this, [this, p](QLowEnergyService::ServiceError error) {
+    if (error != QLowEnergyService::CharacteristicWriteError || writes_.empty()) return;
+    const auto c = writes_.front();
+    writes_.pop_front();
+    if (events_) events_->value_written(p, c, std::string("characteristic write failed"));
+  });
   s->discoverDetails();
 }
 
@@ -184,6 +193,7 @@ void qt_ble_central_t::write_with_response(const ble_peripheral_t&, const ble_ch
                                            std::span<const std::uint8_t> bytes) {
   const auto* e = find(c);
   if (!e) return;
+  writes_.push_back(c);
   e->service->writeCharacteristic(
       e->characteristic, QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())),
       QLowEnergyService::WriteWithResponse);

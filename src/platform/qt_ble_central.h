@@ -6,6 +6,7 @@
 #include <QLowEnergyController>
 #include <QLowEnergyService>
 #include <QObject>
+#include <deque>
 #include <map>
 #include <memory>
 
@@ -68,5 +69,6 @@ private:
   std::vector<QBluetoothUuid> services_;
   std::vector<QLowEnergyService*> service_objects_;
   std::map<std::uint64_t, characteristic_entry_t> characteristics_;
+  std::deque<ble_characteristic_t> writes_;  // written and not yet confirmed, oldest first
   std::uint64_t next_characteristic_ = 1;
 };

@@ -112,6 +112,7 @@ public:
   QStringList write_types() const {
     return call("/", "org.bluez.Mock", "WriteTypes").arguments().value(0).toStringList();
   }
+  void fail_writes(unsigned count) const { call("/", "org.bluez.Mock", "FailWrites", {count}); }
   unsigned connects() const { return call("/", "org.bluez.Mock", "Connects").arguments().value(0).toUInt(); }
   // The end of the mock's log, for a failing test.
   std::string log() const {

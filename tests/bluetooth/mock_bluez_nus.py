@@ -19,6 +19,7 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
                          (PropertiesChanged of Value); false when nobody enabled notifications
     Written() -> ay      every byte written to RX so far, in order
     WriteTypes() -> as   the "type" option of each write ("request", "command", or "")
+    FailWrites(u)        the next u writes to RX fail with org.bluez.Error.Failed
     Connects() -> u      how often Device1.Connect was called on the UART peripheral
     Drop()               the peripheral goes away: ServicesResolved and Connected become false
                          and the GATT objects are removed
@@ -214,6 +215,9 @@ def read_value(characteristic, _options):
 def write_value(characteristic, value, options):
     if 'write' not in characteristic.props[CHAR_IFACE]['Flags']:
         raise dbus.exceptions.DBusException('Write not permitted', name='org.bluez.Error.NotPermitted')
+    if characteristic.written['fail'] > 0:
+        characteristic.written['fail'] -= 1
+        raise dbus.exceptions.DBusException('Operation failed', name='org.bluez.Error.Failed')
     characteristic.written['bytes'] += bytes(value)
     characteristic.written['types'].append(str(options.get('type', '')))
 
@@ -259,6 +263,11 @@ def WriteTypes(self):
     return dbus.Array(self.written['types'], signature='s')
 
 
+@dbus.service.method(MOCK_IFACE, in_signature='u', out_signature='')
+def FailWrites(self, count):
+    self.written['fail'] = int(count)
+
+
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='u')
 def Connects(self):
     return dbus.UInt32(mockobject.objects[device_path(NUS_ADDRESS)].connects)
@@ -273,7 +282,7 @@ def load(mock, parameters):
     global MANAGER  # pylint: disable=global-statement
     MANAGER = mock
     mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
-    mock.written = {'bytes': b'', 'types': []}
+    mock.written = {'bytes': b'', 'types': [], 'fail': 0}
     mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
         ('RegisterAgent', 'os', '', ''),
         ('RequestDefaultAgent', 'o', '', ''),

@@ -231,6 +231,15 @@ TEST_F(mock_bluez_test, writes_from_the_bridge_reach_the_rx_characteristic) {
   for (qsizetype i = types_before; i < types.size(); ++i) EXPECT_EQ(types[i], "request") << "write " << i;
 }
 
+// A write the peripheral refuses loses its bytes, so it is said and counted.
+TEST_F(mock_bluez_test, a_refused_write_is_said_and_counted) {
+  ASSERT_TRUE(connect_and_wait());
+  bluez->fail_writes(1);
+  hub->tcp_events().link_bytes(bytes_of("$PUBX,00*33\r\n"));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return links.ble->write_failures == 1; }, wait_ms));
+  EXPECT_EQ(console.lines.back(), "BLE write: characteristic write failed");
+}
+
 // The peripheral goes away: the hub shows the loss, the central scans again by itself, finds the
 // peripheral (now known to BlueZ, so reported as discovery starts) and data flows again.
 TEST_F(mock_bluez_test, a_lost_peripheral_is_found_again_by_the_rescan) {
