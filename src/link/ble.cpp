@@ -96,6 +96,18 @@ void BLE::peripheral_connected(const ble_peripheral_t& p) {
   manager_->discover_services(p);
 }
 
+// A connect that fails is handled as a loss: said, reported to the hub, and the peripheral is looked
+// for again, so the link never rests at "found" with the scan stopped.
+void BLE::connect_failed(const ble_peripheral_t& p, const std::string& error) {
+  if (!enabled_) return;
+  console_.print("BLE connect failed: " + p.description);
+  console_.print(error);
+  events_.link_down(name_connect.get(), 0);
+  disconnect_peripheral();
+  name_peripheral_reconnect = name_connect.get();
+  start_scan();
+}
+
 void BLE::services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) {
   for (const auto service : services) manager_->discover_characteristics(p, service);
 }

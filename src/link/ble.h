@@ -63,6 +63,7 @@ private:
   void manager_state_changed(ble_manager_state_t state) override;
   void peripheral_discovered(const ble_peripheral_t& p) override;
   void peripheral_connected(const ble_peripheral_t& p) override;
+  void connect_failed(const ble_peripheral_t& p, const std::string& error) override;
   void peripheral_disconnected(const ble_peripheral_t& p, const std::optional<std::string>& error) override;
   void services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) override;
   void characteristics_discovered(const ble_peripheral_t& p,

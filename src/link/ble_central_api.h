@@ -40,6 +40,8 @@ public:
   virtual void manager_state_changed(ble_manager_state_t state) = 0;
   virtual void peripheral_discovered(const ble_peripheral_t& p) = 0;
   virtual void peripheral_connected(const ble_peripheral_t& p) = 0;
+  // A connect that never succeeded: no disconnect follows.
+  virtual void connect_failed(const ble_peripheral_t& p, const std::string& error) = 0;
   // error is empty when the program asked for the disconnect.
   virtual void peripheral_disconnected(const ble_peripheral_t& p, const std::optional<std::string>& error) = 0;
   virtual void services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) = 0;

@@ -90,13 +90,18 @@ void qt_ble_central_t::connect(const ble_peripheral_t& p) {
   services_.clear();
   peripheral_ = p;
   cancelling_ = false;
+  connected_ = false;
   last_error_.clear();
   controller_ = QLowEnergyController::createCentral(info->second, this);
   QObject::connect(controller_, &QLowEnergyController::connected, this, [this, p] {
+    connected_ = true;
     if (events_) events_->peripheral_connected(p);
   });
-  QObject::connect(controller_, &QLowEnergyController::errorOccurred, this,
-                   [this](QLowEnergyController::Error) { last_error_ = controller_->errorString(); });
+  // Qt reports a connect that never succeeded by an error alone, with no disconnect to follow.
+  QObject::connect(controller_, &QLowEnergyController::errorOccurred, this, [this, p](QLowEnergyController::Error) {
+    last_error_ = controller_->errorString();
+    if (!connected_ && !cancelling_ && events_) events_->connect_failed(p, last_error_.toStdString());
+  });
   QObject::connect(controller_, &QLowEnergyController::disconnected, this, [this, p] {
     std::optional<std::string> error;
     if (!cancelling_) error = last_error_.isEmpty() ? std::string("connection lost") : last_error_.toStdString();

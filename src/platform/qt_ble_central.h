@@ -65,6 +65,7 @@ private:
   ble_peripheral_t peripheral_;
   QLowEnergyController* controller_ = nullptr;
   bool cancelling_ = false;
+  bool connected_ = false;  // the controller's connect succeeded
   QString last_error_;
   std::vector<QBluetoothUuid> services_;
   std::vector<QLowEnergyService*> service_objects_;

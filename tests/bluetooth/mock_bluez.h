@@ -113,6 +113,7 @@ public:
     return call("/", "org.bluez.Mock", "WriteTypes").arguments().value(0).toStringList();
   }
   void fail_writes(unsigned count) const { call("/", "org.bluez.Mock", "FailWrites", {count}); }
+  void fail_connects(unsigned count) const { call("/", "org.bluez.Mock", "FailConnects", {count}); }
   unsigned connects() const { return call("/", "org.bluez.Mock", "Connects").arguments().value(0).toUInt(); }
   // The end of the mock's log, for a failing test.
   std::string log() const {

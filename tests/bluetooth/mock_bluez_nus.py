@@ -20,6 +20,7 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
     Written() -> ay      every byte written to RX so far, in order
     WriteTypes() -> as   the "type" option of each write ("request", "command", or "")
     FailWrites(u)        the next u writes to RX fail with org.bluez.Error.Failed
+    FailConnects(u)      the next u calls of Device1.Connect fail with org.bluez.Error.Failed
     Connects() -> u      how often Device1.Connect was called on the UART peripheral
     Drop()               the peripheral goes away: ServicesResolved and Connected become false
                          and the GATT objects are removed
@@ -158,6 +159,9 @@ def unexport_gatt(device):
 
 def connect(device):
     device.connects += 1
+    if manager().fail_connects > 0:
+        manager().fail_connects -= 1
+        raise dbus.exceptions.DBusException('le-connection-abort-by-local', name='org.bluez.Error.Failed')
     if device.props[DEVICE_IFACE]['Connected']:
         raise dbus.exceptions.DBusException('Already Connected', name='org.bluez.Error.AlreadyConnected')
     set_props(device, DEVICE_IFACE, {'Connected': dbus.Boolean(True, variant_level=1)})
@@ -268,6 +272,11 @@ def FailWrites(self, count):
     self.written['fail'] = int(count)
 
 
+@dbus.service.method(MOCK_IFACE, in_signature='u', out_signature='')
+def FailConnects(self, count):
+    self.fail_connects = int(count)
+
+
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='u')
 def Connects(self):
     return dbus.UInt32(mockobject.objects[device_path(NUS_ADDRESS)].connects)
@@ -283,6 +292,7 @@ def load(mock, parameters):
     MANAGER = mock
     mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
     mock.written = {'bytes': b'', 'types': [], 'fail': 0}
+    mock.fail_connects = 0
     mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
         ('RegisterAgent', 'os', '', ''),
         ('RequestDefaultAgent', 'o', '', ''),

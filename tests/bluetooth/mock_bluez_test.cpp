@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QTest>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -161,6 +162,16 @@ TEST_F(mock_bluez_test, the_scan_connects_only_the_exact_name_and_enables_notifi
   EXPECT_FALSE(bluez->connected(mock_bluez_t::other_path)) << "a name that merely starts with the wanted one";
   EXPECT_FALSE(bluez->discovering()) << "the scan stops once the peripheral is found";
   EXPECT_TRUE(links.tcp->sent.empty()) << "the TX value read at connection is no data";
+}
+
+// Qt reports a refused connect by an error alone: it is shown as a loss, and the rescan connects.
+TEST_F(mock_bluez_test, a_refused_connect_is_shown_and_retried) {
+  bluez->fail_connects(1);
+  const auto connects_before = bluez->connects();
+  ASSERT_TRUE(connect_and_wait()) << "central: " << links.ble->status.get();
+  EXPECT_EQ(bluez->connects() - connects_before, 2u);
+  const auto& said = console.lines;
+  EXPECT_NE(std::find(said.begin(), said.end(), "2026-01-01 12:00:00 +0000  disconnected from " + nus_name), said.end());
 }
 
 // Each case: the notifications, in order, and the latitude the GGA decoder holds after each.

@@ -142,12 +142,14 @@ TEST_F(ble_test, a_peripheral_ready_while_disabled_is_disconnected) {
   EXPECT_FALSE(ble.ready());
 }
 
-TEST_F(ble_test, a_failed_connect_is_no_loss_and_a_stop_without_a_peripheral_cancels_nothing) {
+TEST_F(ble_test, a_failed_connect_is_a_loss_and_a_stop_without_a_peripheral_cancels_nothing) {
   central.set_radio(ble_manager_state_t::powered_on);
   ble.connect("Thingy:91 UART");
   central.events->peripheral_discovered(thingy);
-  central.events->peripheral_disconnected(thingy, std::string("connect failed"));
-  EXPECT_TRUE(hub.events.empty());
+  central.events->connect_failed(thingy, "refused");
+  EXPECT_EQ(hub.events, std::vector<std::string>{"down Thingy:91 UART 0"});
+  EXPECT_EQ(shown(), std::pair(std::string("BLE scanning..."), colour_t::blue));
+  EXPECT_EQ(central.calls.back(), "scan");
   ble.stop();
   central.calls.clear();
   ble.stop();
