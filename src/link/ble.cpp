@@ -57,12 +57,13 @@ void BLE::manager_state_changed(ble_manager_state_t state) {
       break;
     case ble_manager_state_t::powered_on:
       status = "BLE 5 powered on";
-      ble_reconnect();
       break;
     default:
       console_.print("ble_manager.state: " + std::to_string(static_cast<int>(state)) + " default?");
-      break;
+      return;
   }
+  radio_state_ = status;
+  if (state == ble_manager_state_t::powered_on) ble_reconnect();
 }
 
 void BLE::start_scan() {
