@@ -11,12 +11,14 @@
 #include <memory>
 
 #include "link/ble_central_api.h"
+#include "platform/bluez_adapters.h"
 
 // The LE central on Qt Bluetooth (BlueZ over D-Bus on Linux, WinRT, CoreBluetooth): device
 // discovery for advertised names, one controller for the connected peripheral, its services and
 // characteristics, all events on the thread that created it. The adapter's power state maps onto
 // the manager states: no adapter is "unsupported", powered off is "powered off"; the state reads
-// "unknown" until the first one has been reported from the event loop. Scans start from the event
+// "unknown" until the first one has been reported from the event loop. An adapter plugged in,
+// pulled out, switched on or off later changes the state as it happens. Scans start from the event
 // loop, so a peripheral is never reported from inside scan().
 //
 // Qt 6.4 cannot read the signal strength of a connected peripheral (and BlueZ does not offer it),
@@ -51,6 +53,8 @@ private:
     QLowEnergyCharacteristic characteristic;
   };
   ble_manager_state_t radio_state() const;
+  void report_state();
+  void watch_local_device();
   ble_peripheral_t peripheral_of(const QBluetoothDeviceInfo& info) const;
   const characteristic_entry_t* find(const ble_characteristic_t& c) const;
   ble_characteristic_t handle_of(QLowEnergyService* service, const QLowEnergyCharacteristic& c);
@@ -58,8 +62,9 @@ private:
   ble_central_events_t* events_ = nullptr;
   ble_manager_state_t state_ = ble_manager_state_t::unknown;  // as last reported to the events
   bool state_reported_ = false;
-  bool scanning_ = false;  // scan() was called and stop_scan() has not been since
-  QBluetoothLocalDevice local_;
+  bool scanning_ = false;                   // scan() was called and stop_scan() has not been since
+  QBluetoothLocalDevice* local_ = nullptr;  // the adapter Qt found when it was made, if any
+  bluez_adapters_t adapters_;
   QBluetoothDeviceDiscoveryAgent agent_;
   std::map<std::uint64_t, QBluetoothDeviceInfo> seen_;
   ble_peripheral_t peripheral_;

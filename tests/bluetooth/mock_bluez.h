@@ -114,6 +114,8 @@ public:
   }
   void fail_writes(unsigned count) const { call("/", "org.bluez.Mock", "FailWrites", {count}); }
   void fail_connects(unsigned count) const { call("/", "org.bluez.Mock", "FailConnects", {count}); }
+  void set_adapter(bool present) const { call("/", "org.bluez.Mock", "SetAdapter", {present}); }
+  void set_powered(bool on) const { call("/", "org.bluez.Mock", "SetPowered", {on}); }
   unsigned connects() const { return call("/", "org.bluez.Mock", "Connects").arguments().value(0).toUInt(); }
   // The end of the mock's log, for a failing test.
   std::string log() const {

@@ -21,7 +21,10 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
     WriteTypes() -> as   the "type" option of each write ("request", "command", or "")
     FailWrites(u)        the next u writes to RX fail with org.bluez.Error.Failed
     FailConnects(u)      the next u calls of Device1.Connect fail with org.bluez.Error.Failed
-    Connects() -> u      how often Device1.Connect was called on the UART peripheral
+    Connects() -> u      how often Device1.Connect was called, on any peripheral
+    SetAdapter(b)        the adapter is plugged in (with the cached peripheral) or pulled out (with
+                         every device, after dropping a connection)
+    SetPowered(b)        the adapter is switched on or off (which drops a connection and the scan)
     Drop()               the peripheral goes away: ServicesResolved and Connected become false
                          and the GATT objects are removed
 '''
@@ -158,7 +161,7 @@ def unexport_gatt(device):
 
 
 def connect(device):
-    device.connects += 1
+    manager().connects += 1
     if manager().fail_connects > 0:
         manager().fail_connects -= 1
         raise dbus.exceptions.DBusException('le-connection-abort-by-local', name='org.bluez.Error.Failed')
@@ -202,7 +205,6 @@ def add_device(address, name):
         ('ConnectProfile', 's', '', ''),
         ('DisconnectProfile', 's', '', ''),
     ])
-    mockobject.objects[path].connects = 0
 
 
 def drop_if_connected(device):
@@ -279,7 +281,7 @@ def FailConnects(self, count):
 
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='u')
 def Connects(self):
-    return dbus.UInt32(mockobject.objects[device_path(NUS_ADDRESS)].connects)
+    return dbus.UInt32(self.connects)
 
 
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='')
@@ -287,17 +289,28 @@ def Drop(self):
     drop(mockobject.objects[device_path(NUS_ADDRESS)])
 
 
-def load(mock, parameters):
-    global MANAGER  # pylint: disable=global-statement
-    MANAGER = mock
-    mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
-    mock.written = {'bytes': b'', 'types': [], 'fail': 0}
-    mock.fail_connects = 0
-    mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
-        ('RegisterAgent', 'os', '', ''),
-        ('RequestDefaultAgent', 'o', '', ''),
-        ('UnregisterAgent', 'o', '', ''),
-    ])
+@dbus.service.method(MOCK_IFACE, in_signature='b', out_signature='')
+def SetAdapter(self, present):
+    if present:
+        add_adapter()
+        return
+    for address in (NUS_ADDRESS, OTHER_ADDRESS):
+        if device_path(address) in mockobject.objects:
+            drop_if_connected(mockobject.objects[device_path(address)])
+            remove_object(device_path(address), DEVICE_IFACE)
+    remove_object(ADAPTER_PATH, ADAPTER_IFACE)
+
+
+@dbus.service.method(MOCK_IFACE, in_signature='b', out_signature='')
+def SetPowered(self, powered):
+    adapter = mockobject.objects[ADAPTER_PATH]
+    if not powered:
+        drop_if_connected(mockobject.objects[device_path(NUS_ADDRESS)])
+        stop_discovery(adapter)
+    set_props(adapter, ADAPTER_IFACE, {'Powered': dbus.Boolean(powered, variant_level=1)})
+
+
+def add_adapter():
     add_object(ADAPTER_PATH, ADAPTER_IFACE, {
         'Address': dbus.String('00:11:22:33:44:55', variant_level=1),
         'AddressType': dbus.String('public', variant_level=1),
@@ -315,4 +328,19 @@ def load(mock, parameters):
         ('SetDiscoveryFilter', 'a{sv}', '', set_discovery_filter),
         ('RemoveDevice', 'o', '', ''),
     ])
-    add_device(OTHER_ADDRESS, mock.nus_name + ' 2')
+    add_device(OTHER_ADDRESS, manager().nus_name + ' 2')
+
+
+def load(mock, parameters):
+    global MANAGER  # pylint: disable=global-statement
+    MANAGER = mock
+    mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
+    mock.written = {'bytes': b'', 'types': [], 'fail': 0}
+    mock.fail_connects = 0
+    mock.connects = 0
+    mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
+        ('RegisterAgent', 'os', '', ''),
+        ('RequestDefaultAgent', 'o', '', ''),
+        ('UnregisterAgent', 'o', '', ''),
+    ])
+    add_adapter()

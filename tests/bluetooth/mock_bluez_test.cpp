@@ -171,7 +171,34 @@ TEST_F(mock_bluez_test, a_refused_connect_is_shown_and_retried) {
   ASSERT_TRUE(connect_and_wait()) << "central: " << links.ble->status.get();
   EXPECT_EQ(bluez->connects() - connects_before, 2u);
   const auto& said = console.lines;
-  EXPECT_NE(std::find(said.begin(), said.end(), "2026-01-01 12:00:00 +0000  disconnected from " + nus_name), said.end());
+  EXPECT_NE(std::find(said.begin(), said.end(), "2026-01-01 12:00:00 +0000  disconnected from " + nus_name),
+            said.end());
+}
+
+// Adapters come and go while the program runs: each change shows as the radio's state, and the
+// peripheral is connected again whenever a powered adapter is there.
+TEST_F(mock_bluez_test, an_adapter_plugged_in_switched_or_pulled_out_later_is_followed) {
+  const auto central_shows = [this](const std::string& status) {
+    return QTest::qWaitFor([&] { return links.ble->status.get() == status; }, wait_ms);
+  };
+  const auto back = [this] {
+    return QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms);
+  };
+  const auto connects_before = bluez->connects();
+  bluez->set_adapter(false);
+  hub->connect_ble(nus_name);
+  ASSERT_TRUE(central_shows("BLE 2 unsupported"));
+  bluez->set_adapter(true);
+  ASSERT_TRUE(back()) << "plugged in after start";
+  bluez->set_powered(false);
+  ASSERT_TRUE(central_shows("BLE 4 powered OFF"));
+  bluez->set_powered(true);
+  ASSERT_TRUE(back()) << "switched on again";
+  bluez->set_adapter(false);
+  ASSERT_TRUE(central_shows("BLE 2 unsupported")) << "pulled out";
+  bluez->set_adapter(true);
+  ASSERT_TRUE(back());
+  EXPECT_EQ(bluez->connects() - connects_before, 3u) << "one connect each time the radio is back";
 }
 
 // Each case: the notifications, in order, and the latitude the GGA decoder holds after each.
