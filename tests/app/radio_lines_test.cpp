@@ -20,8 +20,7 @@ TEST(radio_lines, one_dated_line_for_each_new_radio_state_while_ble_is_in_use) {
     links.ble->radio = state;
     queue.run_pending();
   }
-  hub.disconnect();
-  links.ble->notify();
+  hub.disconnect();  // its notice, before the radio's change
   links.ble->radio = "BLE 4 powered OFF";
   queue.run_pending();
   EXPECT_EQ(console.lines, (std::vector<std::string>{"2026-01-01 12:00:00 +0000  BLE 2 unsupported",

@@ -19,12 +19,11 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
                          (PropertiesChanged of Value); false when nobody enabled notifications
     Written() -> ay      every byte written to RX so far, in order
     WriteTypes() -> as   the "type" option of each write ("request", "command", or "")
-    FailWrites(u)        the next u writes to RX fail with org.bluez.Error.Failed
-    FailConnects(u)      the next u calls of Device1.Connect fail with org.bluez.Error.Failed
+    FailNext(s, u)       the next u writes to RX ("write") or calls of Device1.Connect
+                         ("connect") fail with org.bluez.Error.Failed
     Connects() -> u      how often Device1.Connect was called, on any peripheral
-    SetAdapter(b)        the adapter is plugged in (with the cached peripheral) or pulled out (with
-                         every device, after dropping a connection)
-    SetPowered(b)        the adapter is switched on or off (which drops a connection and the scan)
+    SetAdapter(b)        the adapter is plugged in or pulled out (with its devices)
+    SetPowered(b)        the adapter is switched on or off
     Drop()               the peripheral goes away: ServicesResolved and Connected become false
                          and the GATT objects are removed
 '''
@@ -63,15 +62,10 @@ def byte_array(value):
     return dbus.Array([dbus.Byte(b) for b in value], signature='y')
 
 
-def emit_changed(obj, interface, changed):
+def set_props(obj, interface, changed):
+    obj.props[interface].update(changed)
     obj.EmitSignal(dbus.PROPERTIES_IFACE, 'PropertiesChanged', 'sa{sv}as', [
         interface, dbus.Dictionary(changed, signature='sv'), dbus.Array([], signature='s')])
-
-
-def set_props(obj, interface, changed):
-    for key, value in changed.items():
-        obj.props[interface][key] = value
-    emit_changed(obj, interface, {k: v for k, v in changed.items()})
 
 
 MANAGER = None  # the main object "/", which is the ObjectManager
@@ -79,6 +73,13 @@ MANAGER = None  # the main object "/", which is the ObjectManager
 
 def manager():
     return MANAGER
+
+
+def fails(what):  # as the test asked with FailNext
+    if manager().fail[what] == 0:
+        return False
+    manager().fail[what] -= 1
+    return True
 
 
 def add_object(path, interface, props, methods):
@@ -104,10 +105,6 @@ def start_discovery(adapter):
 
 def stop_discovery(adapter):
     set_props(adapter, ADAPTER_IFACE, {'Discovering': dbus.Boolean(False, variant_level=1)})
-
-
-def set_discovery_filter(adapter, discovery_filter):
-    adapter.discovery_filter = discovery_filter
 
 
 # Device
@@ -162,8 +159,7 @@ def unexport_gatt(device):
 
 def connect(device):
     manager().connects += 1
-    if manager().fail_connects > 0:
-        manager().fail_connects -= 1
+    if fails('connect'):
         raise dbus.exceptions.DBusException('le-connection-abort-by-local', name='org.bluez.Error.Failed')
     if device.props[DEVICE_IFACE]['Connected']:
         raise dbus.exceptions.DBusException('Already Connected', name='org.bluez.Error.AlreadyConnected')
@@ -191,19 +187,11 @@ def add_device(address, name):
         'Class': dbus.UInt32(0, variant_level=1),
         'RSSI': dbus.Int16(-60, variant_level=1),
         'UUIDs': dbus.Array([UUID_NUS], signature='s', variant_level=1),
-        'Paired': dbus.Boolean(False, variant_level=1),
-        'Trusted': dbus.Boolean(False, variant_level=1),
-        'Blocked': dbus.Boolean(False, variant_level=1),
-        'LegacyPairing': dbus.Boolean(False, variant_level=1),
         'Connected': dbus.Boolean(False, variant_level=1),
         'ServicesResolved': dbus.Boolean(False, variant_level=1),
     }, [
         ('Connect', '', '', connect),
         ('Disconnect', '', '', drop_if_connected),
-        ('Pair', '', '', ''),
-        ('CancelPairing', '', '', ''),
-        ('ConnectProfile', 's', '', ''),
-        ('DisconnectProfile', 's', '', ''),
     ])
 
 
@@ -221,8 +209,7 @@ def read_value(characteristic, _options):
 def write_value(characteristic, value, options):
     if 'write' not in characteristic.props[CHAR_IFACE]['Flags']:
         raise dbus.exceptions.DBusException('Write not permitted', name='org.bluez.Error.NotPermitted')
-    if characteristic.written['fail'] > 0:
-        characteristic.written['fail'] -= 1
+    if fails('write'):
         raise dbus.exceptions.DBusException('Operation failed', name='org.bluez.Error.Failed')
     characteristic.written['bytes'] += bytes(value)
     characteristic.written['types'].append(str(options.get('type', '')))
@@ -269,14 +256,9 @@ def WriteTypes(self):
     return dbus.Array(self.written['types'], signature='s')
 
 
-@dbus.service.method(MOCK_IFACE, in_signature='u', out_signature='')
-def FailWrites(self, count):
-    self.written['fail'] = int(count)
-
-
-@dbus.service.method(MOCK_IFACE, in_signature='u', out_signature='')
-def FailConnects(self, count):
-    self.fail_connects = int(count)
+@dbus.service.method(MOCK_IFACE, in_signature='su', out_signature='')
+def FailNext(self, what, count):
+    self.fail[str(what)] = int(count)
 
 
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='u')
@@ -319,13 +301,12 @@ def add_adapter():
         'Class': dbus.UInt32(0, variant_level=1),
         'Powered': dbus.Boolean(True, variant_level=1),
         'Discoverable': dbus.Boolean(False, variant_level=1),
-        'Pairable': dbus.Boolean(False, variant_level=1),
         'Discovering': dbus.Boolean(False, variant_level=1),
         'UUIDs': dbus.Array([], signature='s', variant_level=1),
     }, [
         ('StartDiscovery', '', '', start_discovery),
         ('StopDiscovery', '', '', stop_discovery),
-        ('SetDiscoveryFilter', 'a{sv}', '', set_discovery_filter),
+        ('SetDiscoveryFilter', 'a{sv}', '', ''),
         ('RemoveDevice', 'o', '', ''),
     ])
     add_device(OTHER_ADDRESS, manager().nus_name + ' 2')
@@ -335,12 +316,7 @@ def load(mock, parameters):
     global MANAGER  # pylint: disable=global-statement
     MANAGER = mock
     mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
-    mock.written = {'bytes': b'', 'types': [], 'fail': 0}
-    mock.fail_connects = 0
+    mock.written = {'bytes': b'', 'types': []}
+    mock.fail = {'write': 0, 'connect': 0}
     mock.connects = 0
-    mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
-        ('RegisterAgent', 'os', '', ''),
-        ('RequestDefaultAgent', 'o', '', ''),
-        ('UnregisterAgent', 'o', '', ''),
-    ])
     add_adapter()
