@@ -49,7 +49,7 @@ public:
 
 private:
   struct characteristic_entry_t {
-    QLowEnergyService* service;
+    QLowEnergyService* service = nullptr;
     QLowEnergyCharacteristic characteristic;
   };
   ble_manager_state_t radio_state() const;
