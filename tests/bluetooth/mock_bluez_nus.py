@@ -287,7 +287,8 @@ def SetAdapter(self, present):
 def SetPowered(self, powered):
     adapter = mockobject.objects[ADAPTER_PATH]
     if not powered:
-        drop_if_connected(mockobject.objects[device_path(NUS_ADDRESS)])
+        if device_path(NUS_ADDRESS) in mockobject.objects:
+            drop_if_connected(mockobject.objects[device_path(NUS_ADDRESS)])
         stop_discovery(adapter)
     set_props(adapter, ADAPTER_IFACE, {'Powered': dbus.Boolean(powered, variant_level=1)})
 
