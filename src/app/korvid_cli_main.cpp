@@ -9,6 +9,7 @@
 
 #include "app/cli_options.h"
 #include "app/program_links.h"
+#include "app/radio_lines.h"
 #include "app/snapshot_json.h"
 #include "app/stop_signals.h"
 #include "core/console.h"
@@ -54,8 +55,10 @@ int replay(const cli_options_t& options, connection_t& hub) {
   return 0;
 }
 
-int run_connected(const cli_options_t& options, QCoreApplication& app, connection_t& hub, console_t& console) {
+int run_connected(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub,
+                  console_t& console) {
   stop_signal_watch_t stop_watch(app);
+  const radio_lines_t radio_lines(hub, queue, console);
   QTimer snapshots;
   if (options.json) {
     QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
@@ -120,7 +123,8 @@ int main(int argc, char** argv) {
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
 
-  const int status = options.replay_file.empty() ? run_connected(options, app, hub, console) : replay(options, hub);
+  const int status =
+      options.replay_file.empty() ? run_connected(options, app, queue, hub, console) : replay(options, hub);
   // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
   if (options.replay_file.empty()) hub.disconnect();

@@ -57,12 +57,13 @@ void BLE::manager_state_changed(ble_manager_state_t state) {
       break;
     case ble_manager_state_t::powered_on:
       status = "BLE 5 powered on";
-      ble_reconnect();
       break;
     default:
       console_.print("ble_manager.state: " + std::to_string(static_cast<int>(state)) + " default?");
-      break;
+      return;
   }
+  radio_state_ = status;
+  if (state == ble_manager_state_t::powered_on) ble_reconnect();
 }
 
 void BLE::start_scan() {
@@ -94,6 +95,18 @@ void BLE::peripheral_connected(const ble_peripheral_t& p) {
   status = "BLE connected: " + p.name.value_or("[no name]");
   manager_->read_rssi(p);
   manager_->discover_services(p);
+}
+
+// A connect that fails is handled as a loss: said, reported to the hub, and the peripheral is looked
+// for again, so the link never rests at "found" with the scan stopped.
+void BLE::connect_failed(const ble_peripheral_t& p, const std::string& error) {
+  if (!enabled_) return;
+  console_.print("BLE connect failed: " + p.description);
+  console_.print(error);
+  events_.link_down(name_connect.get(), 0);
+  disconnect_peripheral();
+  name_peripheral_reconnect = name_connect.get();
+  start_scan();
 }
 
 void BLE::services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) {
@@ -128,8 +141,10 @@ void BLE::check_ready() {
   events_.link_up(name_peripheral.value_or("(nil)"));
 }
 
-void BLE::value_updated(const ble_peripheral_t& p, const ble_characteristic_t&,
+// Only the UART's TX characteristic carries the receiver's stream; a value of any other is no data.
+void BLE::value_updated(const ble_peripheral_t& p, const ble_characteristic_t& c,
                         std::optional<std::span<const std::uint8_t>> value) {
+  if (!ble_char_recv || !(c == *ble_char_recv)) return;
   manager_->read_rssi(p);
   if (value && !value->empty()) events_.link_bytes(*value);
 }
@@ -167,8 +182,11 @@ void BLE::ble_reconnect() {
   start_scan();
 }
 
+// A refused write loses its bytes: each is said and counted, so bridged bytes never vanish unseen.
 void BLE::value_written(const ble_peripheral_t&, const ble_characteristic_t&, const std::optional<std::string>& error) {
-  if (error) console_.print("BLE write: " + *error);
+  if (!error) return;
+  ++write_failures;
+  console_.print("BLE write: " + *error);
 }
 
 void BLE::rssi_read(const ble_peripheral_t&, int value) {

@@ -25,7 +25,7 @@ public:
 // by its advertised name, connects, subscribes to the UART characteristic's notifications, hands
 // their bytes to the hub, and rescans by itself when the peripheral is lost. Everything runs on the
 // main thread.
-class BLE final : public observable_t, public ble_link_t, private ble_central_events_t {
+class BLE final : public ble_link_t, private ble_central_events_t {
 public:
   static constexpr std::string_view uuid_char_recv = "6E400003-B5A3-F393-E0A9-E50E24DCCA9E";  // notify
   static constexpr std::string_view uuid_char_send = "6E400002-B5A3-F393-E0A9-E50E24DCCA9E";  // write
@@ -40,6 +40,7 @@ public:
   void write(std::span<const std::uint8_t> bytes) override;
   std::string radio_status() const override { return status; }
   colour_t radio_colour() const override { return sta_fg; }
+  std::string radio_state() const override { return radio_state_; }
 
   void start_scan();
   void disconnect_peripheral();
@@ -51,6 +52,7 @@ public:
   published_t<std::string> status{*this, "offline"};
   published_t<std::string> name_connect{*this, std::string(default_ble_name)};
   rssi_t rssi;
+  std::uint64_t write_failures = 0;  // writes the peripheral refused
 
   std::optional<ble_peripheral_t> ble_peripheral;
   std::optional<ble_characteristic_t> ble_char_recv;
@@ -62,6 +64,7 @@ private:
   void manager_state_changed(ble_manager_state_t state) override;
   void peripheral_discovered(const ble_peripheral_t& p) override;
   void peripheral_connected(const ble_peripheral_t& p) override;
+  void connect_failed(const ble_peripheral_t& p, const std::string& error) override;
   void peripheral_disconnected(const ble_peripheral_t& p, const std::optional<std::string>& error) override;
   void services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) override;
   void characteristics_discovered(const ble_peripheral_t& p,
@@ -80,4 +83,5 @@ private:
   std::unique_ptr<ble_central_api_t> manager_;
   console_t& console_;
   bool enabled_ = false;
+  std::string radio_state_;
 };

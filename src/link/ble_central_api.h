@@ -40,12 +40,15 @@ public:
   virtual void manager_state_changed(ble_manager_state_t state) = 0;
   virtual void peripheral_discovered(const ble_peripheral_t& p) = 0;
   virtual void peripheral_connected(const ble_peripheral_t& p) = 0;
+  // A connect that never succeeded: no disconnect follows.
+  virtual void connect_failed(const ble_peripheral_t& p, const std::string& error) = 0;
   // error is empty when the program asked for the disconnect.
   virtual void peripheral_disconnected(const ble_peripheral_t& p, const std::optional<std::string>& error) = 0;
   virtual void services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) = 0;
   virtual void characteristics_discovered(const ble_peripheral_t& p,
                                           const std::vector<ble_characteristic_t>& characteristics) = 0;
-  // A notification or a read; no value when the characteristic has none.
+  // A notification; no value when it carries none. Read responses are not reported: the value a
+  // read returns is the last one notified, not new data.
   virtual void value_updated(const ble_peripheral_t& p, const ble_characteristic_t& c,
                              std::optional<std::span<const std::uint8_t>> value) = 0;
   virtual void value_written(const ble_peripheral_t& p, const ble_characteristic_t& c,

@@ -39,8 +39,12 @@ tcp_link_t& connection_t::tcp_client() {
   return *tcp_client_;
 }
 
+// The screens show the central's own state (the radio's, above all), so its notices are the hub's.
 ble_link_t& connection_t::ble() {
-  if (!ble_) ble_ = links_.make_ble(ble_side_);
+  if (!ble_) {
+    ble_ = links_.make_ble(ble_side_);
+    any_cancellable_.push_back(ble_->subscribe([this] { notify(); }));
+  }
   return *ble_;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/colour.h"
+#include "core/observable.h"
 
 // How a TCP peer is named in status texts and console lines: "127.0.0.1:10110".
 inline std::string host_port(const std::string& host, std::uint16_t port) {
@@ -45,7 +46,8 @@ public:
   virtual bool valid() const = 0;
 };
 
-class ble_link_t : public link_t {
+// Observable: a notice comes before each change of what it shows (its status and colour).
+class ble_link_t : public link_t, public observable_t {
 public:
   // Sets the name to look for, enables the link and starts scanning.
   virtual void connect(const std::string& name) = 0;
@@ -53,4 +55,6 @@ public:
   // tell a user why nothing happens.
   virtual std::string radio_status() const = 0;
   virtual colour_t radio_colour() const = 0;
+  // The radio's state as last reported ("BLE 5 powered on", "BLE 2 unsupported"); empty before.
+  virtual std::string radio_state() const = 0;
 };

@@ -30,6 +30,7 @@ public:
   void write(std::span<const std::uint8_t>) override {}
   std::string radio_status() const override { return "offline"; }
   colour_t radio_colour() const override { return colour_t::secondary; }
+  std::string radio_state() const override { return {}; }
 
 private:
   bool enabled_ = false;

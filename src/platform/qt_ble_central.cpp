@@ -11,7 +11,12 @@ std::string uuid_text(const QBluetoothUuid& uuid) {
 
 }  // namespace
 
-qt_ble_central_t::qt_ble_central_t() {
+qt_ble_central_t::qt_ble_central_t()
+    : adapters_([this] {
+        watch_local_device();
+        report_state();
+      }) {
+  watch_local_device();
   // Scan until stopped: the central stops it when it finds its peripheral.
   agent_.setLowEnergyDiscoveryTimeout(0);
   QObject::connect(&agent_, &QBluetoothDeviceDiscoveryAgent::deviceDiscovered, this,
@@ -22,14 +27,25 @@ qt_ble_central_t::qt_ble_central_t() {
                      seen_[p.id] = info;
                      if (events_) events_->peripheral_discovered(p);
                    });
-  QObject::connect(&local_, &QBluetoothLocalDevice::hostModeStateChanged, this, [this] {
-    // Until the first state has been reported the radio counts as unknown; that report reads the
-    // state of its moment.
-    if (!state_reported_) return;
-    const auto previous = state_;
-    state_ = radio_state();
-    if (state_ != previous && events_) events_->manager_state_changed(state_);
-  });
+}
+
+// Qt's local device keeps the adapter it found when it was made, or none: after a change in the
+// adapters a new one finds the current adapter.
+void qt_ble_central_t::watch_local_device() {
+  if (local_) local_->deleteLater();
+  local_ = new QBluetoothLocalDevice(this);
+  QObject::connect(local_, &QBluetoothLocalDevice::hostModeStateChanged, this, [this] { report_state(); });
+}
+
+// Until the first state has been reported the radio counts as unknown; that report reads the state
+// of its moment. A radio that is no longer on ends the scan: its owner scans again once it is.
+void qt_ble_central_t::report_state() {
+  if (!state_reported_) return;
+  const auto previous = state_;
+  state_ = radio_state();
+  if (state_ == previous) return;
+  if (state_ != ble_manager_state_t::powered_on) stop_scan();
+  if (events_) events_->manager_state_changed(state_);
 }
 
 qt_ble_central_t::~qt_ble_central_t() {
@@ -50,9 +66,9 @@ void qt_ble_central_t::set_events(ble_central_events_t* events) {
 }
 
 ble_manager_state_t qt_ble_central_t::radio_state() const {
-  if (!local_.isValid()) return ble_manager_state_t::unsupported;
-  return local_.hostMode() == QBluetoothLocalDevice::HostPoweredOff ? ble_manager_state_t::powered_off
-                                                                    : ble_manager_state_t::powered_on;
+  if (!local_->isValid()) return ble_manager_state_t::unsupported;
+  return local_->hostMode() == QBluetoothLocalDevice::HostPoweredOff ? ble_manager_state_t::powered_off
+                                                                     : ble_manager_state_t::powered_on;
 }
 
 ble_peripheral_t qt_ble_central_t::peripheral_of(const QBluetoothDeviceInfo& info) const {
@@ -85,17 +101,23 @@ void qt_ble_central_t::connect(const ble_peripheral_t& p) {
   if (controller_ && p == peripheral_ && controller_->state() == QLowEnergyController::ConnectingState) return;
   if (controller_) controller_->deleteLater();
   characteristics_.clear();
+  writes_.clear();
   service_objects_.clear();
   services_.clear();
   peripheral_ = p;
   cancelling_ = false;
+  connected_ = false;
   last_error_.clear();
   controller_ = QLowEnergyController::createCentral(info->second, this);
   QObject::connect(controller_, &QLowEnergyController::connected, this, [this, p] {
+    connected_ = true;
     if (events_) events_->peripheral_connected(p);
   });
-  QObject::connect(controller_, &QLowEnergyController::errorOccurred, this,
-                   [this](QLowEnergyController::Error) { last_error_ = controller_->errorString(); });
+  // Qt reports a connect that never succeeded by an error alone, with no disconnect to follow.
+  QObject::connect(controller_, &QLowEnergyController::errorOccurred, this, [this, p](QLowEnergyController::Error) {
+    last_error_ = controller_->errorString();
+    if (!connected_ && !cancelling_ && events_) events_->connect_failed(p, last_error_.toStdString());
+  });
   QObject::connect(controller_, &QLowEnergyController::disconnected, this, [this, p] {
     std::optional<std::string> error;
     if (!cancelling_) error = last_error_.isEmpty() ? std::string("connection lost") : last_error_.toStdString();
@@ -145,23 +167,34 @@ void qt_ble_central_t::discover_characteristics(const ble_peripheral_t& p, std::
     for (const auto& c : s->characteristics()) found.push_back(handle_of(s, c));
     if (events_) events_->characteristics_discovered(p, found);
   });
-  auto deliver = [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray& value) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.constData());
-    if (events_)
-      events_->value_updated(p, handle_of(s, c), std::span<const std::uint8_t>(bytes, static_cast<std::size_t>(value.size())));
-  };
-  QObject::connect(s, &QLowEnergyService::characteristicChanged, this, deliver);
-  QObject::connect(s, &QLowEnergyService::characteristicRead, this, deliver);
+  // Notifications only: a read's response (characteristicRead) repeats an old value.
+  QObject::connect(s, &QLowEnergyService::characteristicChanged, this,
+                   [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray& value) {
+                     const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.constData());
+                     if (events_)
+                       events_->value_updated(
+                           p, handle_of(s, c),
+                           std::span<const std::uint8_t>(bytes, static_cast<std::size_t>(value.size())));
+                   });
   QObject::connect(s, &QLowEnergyService::characteristicWritten, this,
                    [this, s, p](const QLowEnergyCharacteristic& c, const QByteArray&) {
+                     if (!writes_.empty()) writes_.pop_front();
                      if (events_) events_->value_written(p, handle_of(s, c), std::nullopt);
                    });
+  // A failed write names no characteristic; writes complete in order, so it is the oldest one.
+  QObject::connect(s, &QLowEnergyService::errorOccurred, this, [this, p](QLowEnergyService::ServiceError error) {
+    if (error != QLowEnergyService::CharacteristicWriteError || writes_.empty()) return;
+    const auto c = writes_.front();
+    writes_.pop_front();
+    if (events_) events_->value_written(p, c, std::string("characteristic write failed"));
+  });
   s->discoverDetails();
 }
 
 void qt_ble_central_t::read_value(const ble_peripheral_t&, const ble_characteristic_t& c) {
   const auto* e = find(c);
-  if (e && (e->characteristic.properties() & QLowEnergyCharacteristic::Read)) e->service->readCharacteristic(e->characteristic);
+  if (e && (e->characteristic.properties() & QLowEnergyCharacteristic::Read))
+    e->service->readCharacteristic(e->characteristic);
 }
 
 void qt_ble_central_t::set_notify(const ble_peripheral_t&, const ble_characteristic_t& c, bool on) {
@@ -169,8 +202,8 @@ void qt_ble_central_t::set_notify(const ble_peripheral_t&, const ble_characteris
   if (!e) return;
   const auto config = e->characteristic.clientCharacteristicConfiguration();
   if (config.isValid())
-    e->service->writeDescriptor(config, on ? QLowEnergyCharacteristic::CCCDEnableNotification
-                                           : QLowEnergyCharacteristic::CCCDDisable);
+    e->service->writeDescriptor(
+        config, on ? QLowEnergyCharacteristic::CCCDEnableNotification : QLowEnergyCharacteristic::CCCDDisable);
 }
 
 std::size_t qt_ble_central_t::max_write_size(const ble_peripheral_t&) const {
@@ -183,6 +216,7 @@ void qt_ble_central_t::write_with_response(const ble_peripheral_t&, const ble_ch
                                            std::span<const std::uint8_t> bytes) {
   const auto* e = find(c);
   if (!e) return;
+  writes_.push_back(c);
   e->service->writeCharacteristic(
       e->characteristic, QByteArray(reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())),
       QLowEnergyService::WriteWithResponse);

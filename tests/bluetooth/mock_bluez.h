@@ -112,6 +112,10 @@ public:
   QStringList write_types() const {
     return call("/", "org.bluez.Mock", "WriteTypes").arguments().value(0).toStringList();
   }
+  // The next `count` writes ("write") or connects ("connect") fail.
+  void fail_next(const QString& what, unsigned count) const { call("/", "org.bluez.Mock", "FailNext", {what, count}); }
+  void set_adapter(bool present) const { call("/", "org.bluez.Mock", "SetAdapter", {present}); }
+  void set_powered(bool on) const { call("/", "org.bluez.Mock", "SetPowered", {on}); }
   unsigned connects() const { return call("/", "org.bluez.Mock", "Connects").arguments().value(0).toUInt(); }
   // The end of the mock's log, for a failing test.
   std::string log() const {

@@ -12,14 +12,18 @@ What it offers on the system bus as org.bluez, through the ObjectManager on "/":
   ServicesResolved, each step announced by PropertiesChanged or InterfacesAdded:
     service0010                      6E400001-... primary
     service0010/char0011             6E400002-... RX, write and write-without-response
-    service0010/char0013             6E400003-... TX, notify
+    service0010/char0013             6E400003-... TX, read and notify
     service0010/char0013/desc0015    00002902-... its client characteristic configuration
 - org.bluez.Mock on "/", for the test:
     Notify(ay) -> b      a notification on the connected peripheral's TX characteristic
                          (PropertiesChanged of Value); false when nobody enabled notifications
     Written() -> ay      every byte written to RX so far, in order
     WriteTypes() -> as   the "type" option of each write ("request", "command", or "")
-    Connects() -> u      how often Device1.Connect was called on the UART peripheral
+    FailNext(s, u)       the next u writes to RX ("write") or calls of Device1.Connect
+                         ("connect") fail with org.bluez.Error.Failed
+    Connects() -> u      how often Device1.Connect was called, on any peripheral
+    SetAdapter(b)        the adapter is plugged in or pulled out (with its devices)
+    SetPowered(b)        the adapter is switched on or off
     Drop()               the peripheral goes away: ServicesResolved and Connected become false
                          and the GATT objects are removed
 '''
@@ -58,15 +62,10 @@ def byte_array(value):
     return dbus.Array([dbus.Byte(b) for b in value], signature='y')
 
 
-def emit_changed(obj, interface, changed):
+def set_props(obj, interface, changed):
+    obj.props[interface].update(changed)
     obj.EmitSignal(dbus.PROPERTIES_IFACE, 'PropertiesChanged', 'sa{sv}as', [
         interface, dbus.Dictionary(changed, signature='sv'), dbus.Array([], signature='s')])
-
-
-def set_props(obj, interface, changed):
-    for key, value in changed.items():
-        obj.props[interface][key] = value
-    emit_changed(obj, interface, {k: v for k, v in changed.items()})
 
 
 MANAGER = None  # the main object "/", which is the ObjectManager
@@ -74,6 +73,13 @@ MANAGER = None  # the main object "/", which is the ObjectManager
 
 def manager():
     return MANAGER
+
+
+def fails(what):  # as the test asked with FailNext
+    if manager().fail[what] == 0:
+        return False
+    manager().fail[what] -= 1
+    return True
 
 
 def add_object(path, interface, props, methods):
@@ -101,10 +107,6 @@ def stop_discovery(adapter):
     set_props(adapter, ADAPTER_IFACE, {'Discovering': dbus.Boolean(False, variant_level=1)})
 
 
-def set_discovery_filter(adapter, discovery_filter):
-    adapter.discovery_filter = discovery_filter
-
-
 # Device
 
 def gatt_paths(device):
@@ -126,11 +128,13 @@ def export_gatt(device):
         ('StartNotify', '', '', start_notify),
         ('StopNotify', '', '', stop_notify),
     ]
-    for path, uuid, flags in ((rx, UUID_RX, ['write-without-response', 'write']), (tx, UUID_TX, ['notify'])):
+    # TX is readable too, and holds a value from before: a read returns it, which is no new data.
+    for path, uuid, flags, value in ((rx, UUID_RX, ['write-without-response', 'write'], b''),
+                                     (tx, UUID_TX, ['read', 'notify'], b'$GPTXT,stale*00\r\n')):
         obj = add_object(path, CHAR_IFACE, {
             'UUID': dbus.String(uuid, variant_level=1),
             'Service': dbus.ObjectPath(service, variant_level=1),
-            'Value': dbus.Array([], signature='y', variant_level=1),
+            'Value': dbus.Array([dbus.Byte(b) for b in value], signature='y', variant_level=1),
             'Notifying': dbus.Boolean(False, variant_level=1),
             'Flags': dbus.Array(flags, signature='s', variant_level=1),
         }, characteristic_methods)
@@ -154,7 +158,9 @@ def unexport_gatt(device):
 
 
 def connect(device):
-    device.connects += 1
+    manager().connects += 1
+    if fails('connect'):
+        raise dbus.exceptions.DBusException('le-connection-abort-by-local', name='org.bluez.Error.Failed')
     if device.props[DEVICE_IFACE]['Connected']:
         raise dbus.exceptions.DBusException('Already Connected', name='org.bluez.Error.AlreadyConnected')
     set_props(device, DEVICE_IFACE, {'Connected': dbus.Boolean(True, variant_level=1)})
@@ -181,21 +187,12 @@ def add_device(address, name):
         'Class': dbus.UInt32(0, variant_level=1),
         'RSSI': dbus.Int16(-60, variant_level=1),
         'UUIDs': dbus.Array([UUID_NUS], signature='s', variant_level=1),
-        'Paired': dbus.Boolean(False, variant_level=1),
-        'Trusted': dbus.Boolean(False, variant_level=1),
-        'Blocked': dbus.Boolean(False, variant_level=1),
-        'LegacyPairing': dbus.Boolean(False, variant_level=1),
         'Connected': dbus.Boolean(False, variant_level=1),
         'ServicesResolved': dbus.Boolean(False, variant_level=1),
     }, [
         ('Connect', '', '', connect),
         ('Disconnect', '', '', drop_if_connected),
-        ('Pair', '', '', ''),
-        ('CancelPairing', '', '', ''),
-        ('ConnectProfile', 's', '', ''),
-        ('DisconnectProfile', 's', '', ''),
     ])
-    mockobject.objects[path].connects = 0
 
 
 def drop_if_connected(device):
@@ -212,6 +209,8 @@ def read_value(characteristic, _options):
 def write_value(characteristic, value, options):
     if 'write' not in characteristic.props[CHAR_IFACE]['Flags']:
         raise dbus.exceptions.DBusException('Write not permitted', name='org.bluez.Error.NotPermitted')
+    if fails('write'):
+        raise dbus.exceptions.DBusException('Operation failed', name='org.bluez.Error.Failed')
     characteristic.written['bytes'] += bytes(value)
     characteristic.written['types'].append(str(options.get('type', '')))
 
@@ -257,9 +256,14 @@ def WriteTypes(self):
     return dbus.Array(self.written['types'], signature='s')
 
 
+@dbus.service.method(MOCK_IFACE, in_signature='su', out_signature='')
+def FailNext(self, what, count):
+    self.fail[str(what)] = int(count)
+
+
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='u')
 def Connects(self):
-    return dbus.UInt32(mockobject.objects[device_path(NUS_ADDRESS)].connects)
+    return dbus.UInt32(self.connects)
 
 
 @dbus.service.method(MOCK_IFACE, in_signature='', out_signature='')
@@ -267,16 +271,29 @@ def Drop(self):
     drop(mockobject.objects[device_path(NUS_ADDRESS)])
 
 
-def load(mock, parameters):
-    global MANAGER  # pylint: disable=global-statement
-    MANAGER = mock
-    mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
-    mock.written = {'bytes': b'', 'types': []}
-    mock.AddObject('/org/bluez', 'org.bluez.AgentManager1', {}, [
-        ('RegisterAgent', 'os', '', ''),
-        ('RequestDefaultAgent', 'o', '', ''),
-        ('UnregisterAgent', 'o', '', ''),
-    ])
+@dbus.service.method(MOCK_IFACE, in_signature='b', out_signature='')
+def SetAdapter(self, present):
+    if present:
+        add_adapter()
+        return
+    for address in (NUS_ADDRESS, OTHER_ADDRESS):
+        if device_path(address) in mockobject.objects:
+            drop_if_connected(mockobject.objects[device_path(address)])
+            remove_object(device_path(address), DEVICE_IFACE)
+    remove_object(ADAPTER_PATH, ADAPTER_IFACE)
+
+
+@dbus.service.method(MOCK_IFACE, in_signature='b', out_signature='')
+def SetPowered(self, powered):
+    adapter = mockobject.objects[ADAPTER_PATH]
+    if not powered:
+        if device_path(NUS_ADDRESS) in mockobject.objects:
+            drop_if_connected(mockobject.objects[device_path(NUS_ADDRESS)])
+        stop_discovery(adapter)
+    set_props(adapter, ADAPTER_IFACE, {'Powered': dbus.Boolean(powered, variant_level=1)})
+
+
+def add_adapter():
     add_object(ADAPTER_PATH, ADAPTER_IFACE, {
         'Address': dbus.String('00:11:22:33:44:55', variant_level=1),
         'AddressType': dbus.String('public', variant_level=1),
@@ -285,13 +302,22 @@ def load(mock, parameters):
         'Class': dbus.UInt32(0, variant_level=1),
         'Powered': dbus.Boolean(True, variant_level=1),
         'Discoverable': dbus.Boolean(False, variant_level=1),
-        'Pairable': dbus.Boolean(False, variant_level=1),
         'Discovering': dbus.Boolean(False, variant_level=1),
         'UUIDs': dbus.Array([], signature='s', variant_level=1),
     }, [
         ('StartDiscovery', '', '', start_discovery),
         ('StopDiscovery', '', '', stop_discovery),
-        ('SetDiscoveryFilter', 'a{sv}', '', set_discovery_filter),
+        ('SetDiscoveryFilter', 'a{sv}', '', ''),
         ('RemoveDevice', 'o', '', ''),
     ])
-    add_device(OTHER_ADDRESS, mock.nus_name + ' 2')
+    add_device(OTHER_ADDRESS, manager().nus_name + ' 2')
+
+
+def load(mock, parameters):
+    global MANAGER  # pylint: disable=global-statement
+    MANAGER = mock
+    mock.nus_name = str(parameters.get('name', 'korvid-test-nus'))
+    mock.written = {'bytes': b'', 'types': []}
+    mock.fail = {'write': 0, 'connect': 0}
+    mock.connects = 0
+    add_adapter()

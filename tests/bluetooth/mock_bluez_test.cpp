@@ -6,6 +6,7 @@
 
 #include "mock_bluez.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -36,31 +37,21 @@ bytes_t bytes_of(const std::string& s) {
 }
 
 // The distinct values a published text took while it was watched, in order. A notice comes before
-// each assignment, so a notice records the text being replaced and the current text ends the list.
-class text_history_t {
-public:
+// each assignment, so a notice notes the text being replaced; seen() notes the current one.
+struct text_history_t {
   text_history_t(observable_t& owner, const published_t<std::string>& text)
-      : text_(text), subscription_(owner.subscribe([this] { note(seen_, text_.get()); })) {}
-  std::vector<std::string> seen() const {
-    auto all = seen_;
-    note(all, text_.get());
-    return all;
+      : text(text), subscription(owner.subscribe([this] { note(); })) {}
+  void note() {
+    if (list.empty() || list.back() != text.get()) list.push_back(text.get());
   }
-
-private:
-  static void note(std::vector<std::string>& list, const std::string& text) {
-    if (list.empty() || list.back() != text) list.push_back(text);
+  std::vector<std::string> seen() {
+    note();
+    return list;
   }
-  const published_t<std::string>& text_;
-  std::vector<std::string> seen_;
-  subscription_t subscription_;
+  const published_t<std::string>& text;
+  std::vector<std::string> list;
+  subscription_t subscription;
 };
-
-std::string joined(const std::vector<std::string>& list) {
-  std::string text;
-  for (const auto& s : list) text += "[" + s + "] ";
-  return text;
-}
 
 // The program's transports, except that TCP is a double: it records what the bridge sends it,
 // which also tells the test when a notification has been handled.
@@ -122,10 +113,16 @@ protected:
     if (HasFailure()) std::cout << "mock log:\n" << bluez->log() << "\n";
   }
 
-  // The hub connects by name; true once the link is up and notifications are enabled.
+  // True once the link is up and notifications are enabled; connect_and_wait connects by name first.
+  bool up() {
+    return QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms);
+  }
   bool connect_and_wait() {
     hub->connect_ble(nus_name);
-    return QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms);
+    return up();
+  }
+  bool central_shows(const std::string& status) {
+    return QTest::qWaitFor([&] { return links.ble->status.get() == status; }, wait_ms);
   }
 
   // Waits until the bridge has passed on one more notification than `before`.
@@ -146,10 +143,9 @@ protected:
 };
 
 TEST_F(mock_bluez_test, the_scan_connects_only_the_exact_name_and_enables_notifications) {
-  const text_history_t hub_status(*hub, hub->status_ble);
+  text_history_t hub_status(*hub, hub->status_ble);
   const auto connects_before = bluez->connects();
-  ASSERT_TRUE(connect_and_wait()) << "hub: " << hub->status_ble.get()
-                                  << ", central: " << joined(links.ble_status->seen());
+  ASSERT_TRUE(connect_and_wait()) << ::testing::PrintToString(links.ble_status->seen());
   // Every step once: no second scan while connecting, no second connection attempt, no loss.
   EXPECT_EQ(links.ble_status->seen(),
             (std::vector<std::string>{"offline", "BLE 5 powered on", "BLE scanning...",
@@ -160,6 +156,36 @@ TEST_F(mock_bluez_test, the_scan_connects_only_the_exact_name_and_enables_notifi
   EXPECT_TRUE(links.ble->ready());
   EXPECT_FALSE(bluez->connected(mock_bluez_t::other_path)) << "a name that merely starts with the wanted one";
   EXPECT_FALSE(bluez->discovering()) << "the scan stops once the peripheral is found";
+  EXPECT_TRUE(links.tcp->sent.empty()) << "the TX value read at connection is no data";
+}
+
+// Qt reports a refused connect by an error alone: it is shown as a loss, and the rescan connects.
+TEST_F(mock_bluez_test, a_refused_connect_is_shown_and_retried) {
+  bluez->fail_next("connect", 1);
+  const auto connects_before = bluez->connects();
+  ASSERT_TRUE(connect_and_wait()) << "central: " << links.ble->status.get();
+  EXPECT_EQ(bluez->connects() - connects_before, 2u);
+  EXPECT_THAT(console.lines, ::testing::Contains("2026-01-01 12:00:00 +0000  disconnected from " + nus_name));
+}
+
+// Adapters come and go while the program runs: each change shows as the radio's state, and the
+// peripheral is connected again whenever a powered adapter is there.
+TEST_F(mock_bluez_test, an_adapter_plugged_in_switched_or_pulled_out_later_is_followed) {
+  const auto connects_before = bluez->connects();
+  bluez->set_adapter(false);
+  hub->connect_ble(nus_name);
+  ASSERT_TRUE(central_shows("BLE 2 unsupported"));
+  bluez->set_adapter(true);
+  ASSERT_TRUE(up()) << "plugged in after start";
+  bluez->set_powered(false);
+  ASSERT_TRUE(central_shows("BLE 4 powered OFF"));
+  bluez->set_powered(true);
+  ASSERT_TRUE(up()) << "switched on again";
+  bluez->set_adapter(false);
+  ASSERT_TRUE(central_shows("BLE 2 unsupported")) << "pulled out";
+  bluez->set_adapter(true);
+  ASSERT_TRUE(up());
+  EXPECT_EQ(bluez->connects() - connects_before, 3u) << "one connect each time the radio is back";
 }
 
 // Each case: the notifications, in order, and the latitude the GGA decoder holds after each.
@@ -230,17 +256,25 @@ TEST_F(mock_bluez_test, writes_from_the_bridge_reach_the_rx_characteristic) {
   for (qsizetype i = types_before; i < types.size(); ++i) EXPECT_EQ(types[i], "request") << "write " << i;
 }
 
+// A write the peripheral refuses loses its bytes, so it is said and counted.
+TEST_F(mock_bluez_test, a_refused_write_is_said_and_counted) {
+  ASSERT_TRUE(connect_and_wait());
+  bluez->fail_next("write", 1);
+  hub->tcp_events().link_bytes(bytes_of("$PUBX,00*33\r\n"));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return links.ble->write_failures == 1; }, wait_ms));
+  EXPECT_EQ(console.lines.back(), "BLE write: characteristic write failed");
+}
+
 // The peripheral goes away: the hub shows the loss, the central scans again by itself, finds the
 // peripheral (now known to BlueZ, so reported as discovery starts) and data flows again.
 TEST_F(mock_bluez_test, a_lost_peripheral_is_found_again_by_the_rescan) {
   ASSERT_TRUE(connect_and_wait());
-  const text_history_t hub_status(*hub, hub->status_ble);
-  const text_history_t ble_status(*links.ble, links.ble->status);
+  text_history_t hub_status(*hub, hub->status_ble);
+  text_history_t ble_status(*links.ble, links.ble->status);
   const auto connects_before = bluez->connects();
   ASSERT_TRUE(bluez->drop());
   // The dropped peripheral's characteristics are gone, so "notifying" holds only once it is back.
-  ASSERT_TRUE(QTest::qWaitFor([this] { return hub->status_ble.get() == nus_name && bluez->notifying(); }, wait_ms))
-      << joined(hub_status.seen());
+  ASSERT_TRUE(up()) << ::testing::PrintToString(hub_status.seen());
   EXPECT_EQ(hub_status.seen(), (std::vector<std::string>{nus_name, "BLE scanning...", nus_name}));
   EXPECT_EQ(ble_status.seen(),
             (std::vector<std::string>{nus_name, "BLE scanning...", "BLE found a " + nus_name + " device",

@@ -48,6 +48,7 @@ struct fake_ble_t final : ble_link_t {
   }
   std::string radio_status() const override { return radio; }
   colour_t radio_colour() const override { return colour_t::red; }
+  std::string radio_state() const override { return radio; }
   std::string radio = "BLE 2 unsupported";
 
   std::string name_connect;

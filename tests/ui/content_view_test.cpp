@@ -89,6 +89,10 @@ TEST_F(content_view_test, the_status_button_connects_shows_the_radio_and_disconn
   EXPECT_EQ(hub.links.tcp->connects, std::vector<std::string>{"127.0.0.1:81"});
   run();
   EXPECT_EQ(view.status_button()->toolTip(), "BLE 2 unsupported") << "the radio's own state";
+  hub.links.ble->notify();
+  hub.links.ble->radio = "BLE 4 powered OFF";
+  run();
+  EXPECT_EQ(view.status_button()->toolTip(), "BLE 4 powered OFF") << "a change of the radio alone";
   view.status_button()->click();
   EXPECT_FALSE(hub.hub.tcp_enabled() || hub.hub.ble_enabled());
 }
