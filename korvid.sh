@@ -13,7 +13,7 @@ packages=(
   cmake ninja-build g++ pkg-config ccache
   qt6-base-dev qt6-svg-dev qt6-connectivity-dev qt6-sensors-dev qt6-positioning-dev libgl-dev
   fonts-noto-color-emoji
-  libgtest-dev libgmock-dev libbenchmark-dev gpsd-clients
+  libgtest-dev libgmock-dev libbenchmark-dev gpsd gpsd-clients
   clang libfuzzer-14-dev libclang-rt-14-dev clang-format clang-tidy
   dbus python3-dbusmock
 )
