@@ -8,17 +8,21 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "core/termios_speed.h"
 
 namespace {
 
 // A UUCP lock file names the process holding the port, as ASCII digits; the lock is stale once
-// that process has gone.
+// that process has gone. The file is named after the device itself, also when the port is opened
+// by one of its links (/dev/serial/by-id/...).
 bool lock_file_held(const std::string& path, const std::string& lock_dir) {
-  const auto slash = path.rfind('/');
-  std::ifstream file(lock_dir + "/LCK.." + path.substr(slash == std::string::npos ? 0 : slash + 1));
+  std::error_code error;
+  const auto device = std::filesystem::canonical(path, error).filename().string();
+  std::ifstream file(lock_dir + "/LCK.." + device);
   long pid = 0;
   if (!(file >> pid) || pid <= 0 || pid == ::getpid()) return false;
   return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;

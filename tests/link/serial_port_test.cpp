@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "link/serial_port_list.h"
 #include "link/serial_tty.h"
 #include "sim/sim_engine.h"
 #include "sim/sim_pacer.h"
@@ -158,8 +159,11 @@ TEST_F(serial_port_test, ports_that_cannot_be_used_say_why) {
   ASSERT_TRUE(locked.open() && lock_file.open() && no_rights.open() && silent.open());
   const auto dir = std::filesystem::temp_directory_path() / ("korvid-lock-" + std::to_string(::getpid()));
   std::filesystem::create_directories(dir);
+  // The lock file is named after the device, which is opened here through a link.
   const auto lock_name = lock_file.slave_path().substr(lock_file.slave_path().rfind('/') + 1);
   std::ofstream(dir / ("LCK.." + lock_name)) << "      " << ::getppid() << "\n";
+  const auto link = (dir / "usb-receiver-if00").string();
+  std::filesystem::create_symlink(lock_file.slave_path(), link);
   const int holder = ::open(locked.slave_path().c_str(), O_RDWR | O_NOCTTY);
   ASSERT_EQ(::flock(holder, LOCK_EX), 0);
   ::chmod(no_rights.slave_path().c_str(), 0600);
@@ -175,7 +179,7 @@ TEST_F(serial_port_test, ports_that_cannot_be_used_say_why) {
       {"/nonexistent/ttyUSB0", 9600, ENOENT, "no such device"},
       {"/proc/self/status", 9600, ENOTTY, "not a serial device"},
       {locked.slave_path(), 9600, EWOULDBLOCK, "port in use: another program holds its lock"},
-      {lock_file.slave_path(), 9600, EWOULDBLOCK, "port in use: another program holds its lock"},
+      {link, 9600, EWOULDBLOCK, "port in use: another program holds its lock"},
       {silent.slave_path(), 1200, EINVAL, "baud rate not supported"},
       {silent.slave_path(), 0, ETIMEDOUT, "no NMEA or UBX data at any baud rate"},
   };
@@ -187,6 +191,22 @@ TEST_F(serial_port_test, ports_that_cannot_be_used_say_why) {
     EXPECT_EQ(serial_error_text(c.error), c.text);
   }
   ::close(holder);
+  std::filesystem::remove_all(dir);
+}
+
+TEST(serial_port_list, a_device_is_remembered_by_its_by_id_link) {
+  sim_pty_t pty;
+  ASSERT_TRUE(pty.open());
+  const auto dir = std::filesystem::temp_directory_path() / ("korvid-by-id-" + std::to_string(::getpid()));
+  std::filesystem::create_directories(dir);
+  std::filesystem::create_symlink("/dev/null", dir / "usb-other-if00");
+  std::filesystem::create_symlink(pty.slave_path(), dir / "usb-u-blox_GNSS-if00");
+  const auto by_id = by_id_path(pty.slave_path(), dir);
+  EXPECT_EQ(by_id, (dir / "usb-u-blox_GNSS-if00").string());
+  EXPECT_EQ(by_id_path("/dev/zero", dir), "");
+  EXPECT_EQ(by_id_path(pty.slave_path(), "/nonexistent"), "");
+  EXPECT_EQ((serial_port_info_t{pty.slave_path(), by_id, "", ""}.stable_path()), by_id);
+  EXPECT_EQ((serial_port_info_t{pty.slave_path(), "", "", ""}.stable_path()), pty.slave_path());
   std::filesystem::remove_all(dir);
 }
 
