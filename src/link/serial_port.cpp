@@ -47,8 +47,8 @@ void serial_port_t::stop() {
   std::lock_guard lock(state_mutex_);
   enabled_ = false;
   valid_ = false;
+  // The attempt's thread sees the new generation and closes the port within poll_ms.
   ++generation_;
-  fd_ = -1;  // the attempt's thread closes the port within poll_ms
 }
 
 void serial_port_t::write(std::span<const std::uint8_t> bytes) {

@@ -5,11 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "nmea/sentence.h"
 #include "support/records.h"
 
 namespace {
 
 const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+const std::string longest = with_checksum("$GPGLL," + std::string(70, '1'));  // 80 characters
 const std::string noise = "\xF3\x81\xC4\xFE$\x92*\xE0\xB5\x62\x01\xFF\xFF\x07";
 
 std::string pvt_frame(bool good) {
@@ -30,6 +32,7 @@ TEST(checksum_probe, finds_the_first_valid_sentence_or_frame_in_noise_fed_in_any
       {"$A*41\r\n", ""},                                         // too short to be a sentence
       {pvt_frame(false), ""},
       {"$GPGGA," + std::string(80, '1') + gga, gga},  // a "$" without LF in reach begins nothing
+      {longest + "\r\n", longest + "\r\n"},
   };
   for (const auto& c : cases) {
     for (const std::size_t chunk : {std::size_t{1}, std::size_t{7}, c.stream.size()}) {

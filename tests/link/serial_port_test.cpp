@@ -135,6 +135,8 @@ TEST_F(serial_port_test, a_removed_device_is_a_loss_and_a_new_one_is_opened_agai
 TEST_F(serial_port_test, a_stop_during_detection_is_quiet_and_frees_the_port_for_the_next_open) {
   sim_pty_t silent;
   ASSERT_TRUE(silent.open());
+  const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+  const auto before = descriptors();
   ASSERT_EQ(port->open(silent.slave_path(), 0), 0);
   ASSERT_TRUE(wait_for("status detecting baud rate (9600)..."));
   port->stop();
@@ -143,6 +145,10 @@ TEST_F(serial_port_test, a_stop_during_detection_is_quiet_and_frees_the_port_for
   ASSERT_TRUE(wait_for("up " + serial_peer(silent.slave_path(), 57600)));
   queue.run_until([] { return false; }, window_s);
   EXPECT_EQ(events().size(), 2u) << "nothing from the stopped attempt";
+  port->stop();
+  ASSERT_TRUE(queue.run_until([&] { return console.copy().size() == 1; }));
+  EXPECT_EQ(console.copy()[0], "serial_port closed " + silent.slave_path() + "\n");
+  EXPECT_EQ(descriptors(), before);
 }
 
 // Opens the path as a user without the root's rights would: the error number.

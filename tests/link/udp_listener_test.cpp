@@ -75,7 +75,9 @@ TEST_F(udp_listener_test, a_taken_port_is_reported_and_a_stopped_listener_frees_
   second.listen(port);
   ASSERT_TRUE(queue.run_until([&] { return !second_events.record.events.empty(); }));
   EXPECT_EQ(second_events.record.events[0], "down :" + std::to_string(port) + " " + std::to_string(EADDRINUSE));
+  EXPECT_TRUE(listener->enabled());
   listener->stop();
+  EXPECT_FALSE(listener->enabled());
   ASSERT_TRUE(queue.run_until([&] { return !console.copy().empty(); }));
   EXPECT_EQ(console.copy()[0], "udp_listener closed :" + std::to_string(port) + "\n");
   second.listen(port);
