@@ -11,9 +11,9 @@ build=${KORVID_BUILD:-$root/build}
 
 packages=(
   cmake ninja-build g++ pkg-config ccache
-  qt6-base-dev qt6-svg-dev qt6-connectivity-dev qt6-sensors-dev qt6-positioning-dev libgl-dev
+  qt6-base-dev qt6-svg-dev qt6-connectivity-dev qt6-sensors-dev qt6-positioning-dev qt6-serialport-dev libgl-dev
   fonts-noto-color-emoji
-  libgtest-dev libgmock-dev libbenchmark-dev gpsd-clients
+  libgtest-dev libgmock-dev libbenchmark-dev gpsd gpsd-clients
   clang libfuzzer-14-dev libclang-rt-14-dev clang-format clang-tidy
   dbus python3-dbusmock
 )

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@
 
 #include "app/sim_options.h"
 #include "sim/capture_lines.h"
+#include "sim/sim_pacer.h"
+#include "sim/sim_pty.h"
+#include "sim/sim_udp.h"
 
 namespace {
 
@@ -26,9 +30,13 @@ int fail(const std::string& message) {
   return usage_error;
 }
 
-void print_counts(const sim_server_t& server, const capture_lines_t* capture, const sim_counts_t& c) {
-  std::printf("korvid-sim: %llu connections, %llu dropped; ", static_cast<unsigned long long>(server.connections()),
-              static_cast<unsigned long long>(server.drops()));
+// What was served, and with a TCP server how many connections it had.
+void print_counts(const sim_server_t* server, const capture_lines_t* capture, const sim_counts_t& c) {
+  std::printf("korvid-sim: ");
+  if (server) {
+    std::printf("%llu connections, %llu dropped; ", static_cast<unsigned long long>(server->connections()),
+                static_cast<unsigned long long>(server->drops()));
+  }
   if (capture) {
     std::printf("served %zu capture lines\n", capture->served());
   } else if (c.frames > 0) {
@@ -40,6 +48,35 @@ void print_counts(const sim_server_t& server, const capture_lines_t* capture, co
                 static_cast<unsigned long long>(c.sentences), static_cast<unsigned long long>(c.bad_checksums),
                 static_cast<unsigned long long>(c.garbage_lines));
   }
+}
+
+// The stream on a pseudo-terminal, as a receiver on a serial port: a program opens the printed path.
+int serve_pty(const sim_options_t& options, const std::function<std::string()>& next_piece) {
+  sim_pty_t pty(options.baud, options.receiver.seed);
+  if (!pty.open()) {
+    std::fprintf(stderr, "korvid-sim: cannot create a pseudo-terminal: %s\n", std::strerror(errno));
+    return 1;
+  }
+  std::printf("korvid-sim: serving on %s\n", pty.slave_path().c_str());
+  std::fflush(stdout);
+  run_paced(
+      options.server.period_s, options.server.duration_s, next_piece,
+      [&](const std::string& piece) { pty.send(piece); }, stop_requested);
+  return 0;
+}
+
+int send_udp(const sim_options_t& options, const std::function<std::string()>& next_piece) {
+  sim_udp_t udp;
+  if (!udp.open(options.udp_host, options.udp_port)) {
+    std::fprintf(stderr, "korvid-sim: cannot send to %s: %s\n", options.udp_host.c_str(), std::strerror(errno));
+    return 1;
+  }
+  std::printf("korvid-sim: sending to %s port %u\n", options.udp_host.c_str(), options.udp_port);
+  std::fflush(stdout);
+  run_paced(
+      options.server.period_s, options.server.duration_s, next_piece,
+      [&](const std::string& piece) { udp.send(piece); }, stop_requested);
+  return 0;
 }
 
 }  // namespace
@@ -65,6 +102,16 @@ int main(int argc, char** argv) {
   const bool replay = !options.replay_file.empty();
   if (replay && lines.empty()) return fail("'" + options.replay_file + "' is empty");
 
+  sim_engine_t engine(options.receiver);
+  const std::function<std::string()> next_piece = [&] { return replay ? lines.next() : engine.next_epoch(); };
+  std::signal(SIGINT, request_stop);
+  std::signal(SIGTERM, request_stop);
+  if (options.pty || !options.udp_host.empty()) {
+    const int status = options.pty ? serve_pty(options, next_piece) : send_udp(options, next_piece);
+    if (status == 0) print_counts(nullptr, replay ? &lines : nullptr, engine.counts());
+    return status;
+  }
+
   sim_server_t server(options.server);
   if (!server.listen()) {
     std::fprintf(stderr, "korvid-sim: cannot listen on 127.0.0.1:%u: %s\n", options.server.port, std::strerror(errno));
@@ -72,15 +119,7 @@ int main(int argc, char** argv) {
   }
   std::printf("korvid-sim: serving on 127.0.0.1:%u\n", server.port());
   std::fflush(stdout);
-  std::signal(SIGINT, request_stop);
-  std::signal(SIGTERM, request_stop);
-
-  sim_engine_t engine(options.receiver);
-  if (replay) {
-    server.run([&] { return lines.next(); }, stop_requested);
-  } else {
-    server.run([&] { return engine.next_epoch(); }, stop_requested);
-  }
-  print_counts(server, replay ? &lines : nullptr, engine.counts());
+  server.run(next_piece, stop_requested);
+  print_counts(&server, replay ? &lines : nullptr, engine.counts());
   return 0;
 }

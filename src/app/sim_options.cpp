@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "core/termios_speed.h"
 #include "nmea/fields.h"
 
 const char* const sim_usage =
@@ -20,6 +21,9 @@ const char* const sim_usage =
     "  --garbage-rate P       share of sentences followed by a line of junk (or frames by junk bytes), 0 to 1\n"
     "  --drop-after S         close each connection S seconds after it was made\n"
     "  --replay FILE          serve a capture line by line instead\n"
+    "  --pty                  serve on a new pseudo-terminal instead of TCP, as a serial receiver\n"
+    "  --baud N               with --pty: answer only when the terminal is set to N baud\n"
+    "  --udp HOST:PORT        send each epoch as a datagram to HOST:PORT instead of serving TCP\n"
     "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n";
 
 namespace {
@@ -29,6 +33,19 @@ bool parse_number(std::string_view text, double low, double high, double& out) {
   const auto v = parse_double(text);
   if (!v || !(*v >= low && *v <= high)) return false;
   out = *v;
+  return true;
+}
+
+// "127.0.0.1:10110" or "[::1]:10110": the host without brackets, and a port above 0.
+bool parse_host_port(std::string_view text, std::string& host, std::uint16_t& port) {
+  const auto colon = text.rfind(':');
+  if (colon == std::string_view::npos) return false;
+  auto name = text.substr(0, colon);
+  if (name.size() >= 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
+  const auto number = parse_unsigned(text.substr(colon + 1), 65535);
+  if (name.empty() || !number || *number == 0) return false;
+  host = std::string(name);
+  port = static_cast<std::uint16_t>(*number);
   return true;
 }
 
@@ -77,10 +94,22 @@ sim_parse_t parse_sim(std::span<const std::string_view> args) {
     } else if (arg == "--replay") {
       options.replay_file = std::string(value());
       if (options.replay_file.empty()) return fail("--replay needs a file name");
+    } else if (arg == "--pty") {
+      options.pty = true;
+    } else if (arg == "--baud") {
+      const auto baud = parse_unsigned(value(), UINT32_MAX);
+      if (!baud || !termios_speed(static_cast<std::uint32_t>(*baud)))
+        return fail("--baud takes one of 4800, 9600, 19200, 38400, 57600, 115200, 230400, 460800");
+      options.baud = static_cast<std::uint32_t>(*baud);
+    } else if (arg == "--udp") {
+      if (!parse_host_port(value(), options.udp_host, options.udp_port))
+        return fail("--udp takes HOST:PORT, an IPv4 address or a bracketed IPv6 one");
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
   }
+  if (options.pty && !options.udp_host.empty()) return fail("--pty and --udp exclude each other");
+  if (options.baud != 0 && !options.pty) return fail("--baud needs --pty");
   options.server.period_s = 1.0 / rate_hz;
   options.receiver.epoch_s = options.server.period_s;
   return {options, {}};

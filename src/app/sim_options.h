@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,6 +14,10 @@ struct sim_options_t {
   sim_config_t receiver;       // the epoch length follows --rate
   sim_server_config_t server;  // the period follows --rate
   std::string replay_file;     // serve this capture line by line instead
+  bool pty = false;            // serve on a pseudo-terminal instead of TCP
+  std::uint32_t baud = 0;      // with pty: the only rate the device answers at; 0 answers at any
+  std::string udp_host;        // send datagrams to udp_host:udp_port instead of serving TCP
+  std::uint16_t udp_port = 0;
   bool help = false;
 };
 

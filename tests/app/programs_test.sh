@@ -30,5 +30,20 @@ for path in "$out" "$out/missing/k.ini"; do
   grep -q -- '--settings' "$out/cli.txt" || fail "korvid-cli --settings $path said nothing"
 done
 
+# korvid-sim --pty serves a pseudo-terminal that a reader opens as a serial port; with --baud the
+# device answers only once the terminal is set to that rate.
+"$bin/korvid-sim" --pty --rate 20 --baud 38400 --duration 10 > "$out/sim.txt" &
+pid=$!
+for _ in $(seq 50); do grep -q 'serving on /dev/pts/' "$out/sim.txt" && break; sleep 0.1; done
+tty=$(sed -n 's/.*serving on //p' "$out/sim.txt")
+# What was sent before the change of rate is read away first.
+stty -F "$tty" raw 9600 && timeout 0.5 cat "$tty" > /dev/null
+timeout 1 cat "$tty" > "$out/at9600.bin"
+stty -F "$tty" raw 38400 && timeout 1 cat "$tty" > "$out/at38400.bin"
+grep -aq 'GPGGA' "$out/at9600.bin" && fail "korvid-sim --baud 38400 answered at 9600"
+grep -aq '^\$GPGGA,.*\*[0-9A-F][0-9A-F]' "$out/at38400.bin" || fail "korvid-sim --pty sent no sentence at 38400"
+kill -TERM "$pid"
+wait "$pid" || fail "korvid-sim --pty did not stop cleanly on SIGTERM"
+
 [ "$failures" -eq 0 ] && echo "programs: all passed"
 exit "$failures"

@@ -38,6 +38,10 @@ TEST(sim_options, reads_the_receiver_and_the_server) {
   EXPECT_EQ(o.server.duration_s, 20.0);
   EXPECT_EQ(parse({"--replay", "a.log"}).options->replay_file, "a.log");
   EXPECT_EQ(parse({}).options->server.port, 10110);
+  const auto pty = parse({"--pty", "--baud", "38400"}).options;
+  EXPECT_EQ(std::pair(pty->pty, pty->baud), std::pair(true, 38400u));
+  const auto udp = parse({"--udp", "[::1]:10110"}).options;
+  EXPECT_EQ(std::pair(udp->udp_host, udp->udp_port), std::pair(std::string("::1"), std::uint16_t{10110}));
 }
 
 TEST(sim_options, help_ends_the_reading_and_the_first_bad_option_is_named) {
@@ -67,6 +71,12 @@ TEST(sim_options, help_ends_the_reading_and_the_first_bad_option_is_named) {
       {{"--drop-after", "0"}, "--drop-after takes a positive number of seconds"},
       {{"--duration", "0.001"}, "--duration takes a positive number of seconds"},
       {{"--replay"}, "--replay needs a file name"},
+      {{"--pty", "--baud", "12345"}, "--baud takes one of 4800, 9600"},
+      {{"--baud", "9600"}, "--baud needs --pty"},
+      {{"--pty", "--udp", "127.0.0.1:5"}, "--pty and --udp exclude each other"},
+      {{"--udp", "127.0.0.1"}, "--udp takes HOST:PORT"},
+      {{"--udp", ":5"}, "--udp takes"},
+      {{"--udp", "127.0.0.1:0"}, "--udp takes"},
   };
   for (const auto& c : cases) {
     const auto r = parse(c.args);
