@@ -20,11 +20,17 @@ struct chunk_cut_t {
 
 // Turns a link's received chunks into lines or binary chunks. Text chunks are cut at LF with CRs
 // removed and empty lines dropped; the unfinished end of one chunk is kept and prefixed to the next.
+// A line keeps at most its first line_limit bytes and drops the rest up to its LF, so a stream that
+// never sends LF costs no more memory than one that does.
 // The first chunk that is not UTF-8 switches the stream to binary for good (until reset), except a
 // lone 0x00 or 0xFF or exactly 0x00 0xFF, which go the binary way without switching: some
 // receivers send such bytes around a power cycle in the middle of their text.
 class chunk_splitter_t {
 public:
+  static constexpr std::size_t line_limit = 1024;  // bytes kept of one line
+
+  chunk_splitter_t() { partial_.reserve(line_limit); }
+
   // A new connection: text mode and no unfinished line.
   void reset();
   chunk_cut_t feed(std::span<const std::uint8_t> chunk);
@@ -34,6 +40,7 @@ public:
 private:
   std::span<const std::string> cut_lines(std::span<const std::uint8_t> text);
   void add_line(std::string_view piece);
+  void keep(const char* text, std::size_t size);
 
   bool binary_ = false;
   std::string partial_;             // the line being assembled; between chunks, the remainder

@@ -26,6 +26,7 @@ std::vector<std::string> split(chunk_splitter_t& splitter, const std::vector<byt
 }
 
 TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
+  const std::string long_line = "$" + std::string(1099, 'x'), kept = "L:" + long_line.substr(0, 1024);
   const struct {
     const char* name;
     std::vector<bytes_t> chunks;
@@ -44,13 +45,17 @@ TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
       {"empty lines are dropped", {b("\n\n$A\n\r\n")}, {"L:$A"}, false},
       {"CRs inside a line vanish", {b("$A\rB\n")}, {"L:$AB"}, false},
       {"a remainder is completed by the next LF", {b("$A"), b("B"), b("\n")}, {"-", "-", "L:$AB"}, false},
+      {"a line keeps its first 1024 bytes", {b(long_line + "\n$A\n")}, {kept + "|$A"}, false},
+      {"so does one without LF for a long time, with CRs in it",
+       {b(long_line.substr(0, 500)), b("\r" + long_line.substr(500) + long_line), b("\n")},
+       {"-", "-", kept},
+       false},
       {"a NUL byte is an ordinary character", {bytes_t{'$', 0, 'A', '\n'}}, {std::string("L:$\0A", 5)}, false},
       {"the first non-UTF-8 chunk switches to binary for good",
        {bytes_t{0xB5, 0x62, 0x01}, b("$A\r\n")},
        {"B", "B"},
        true},
       {"a lone 0xFF goes binary without switching", {bytes_t{0xFF}, b("$A\n")}, {"B", "L:$A"}, false},
-      {"a lone 0x00 is text", {bytes_t{0x00}}, {"-"}, false},
       {"0x00 0xFF goes binary without switching", {bytes_t{0x00, 0xFF}, b("$A\n")}, {"B", "L:$A"}, false},
       {"0xFF 0x00 switches", {bytes_t{0xFF, 0x00}}, {"B"}, true},
       {"0xFF 0xFF switches", {bytes_t{0xFF, 0xFF}}, {"B"}, true},
