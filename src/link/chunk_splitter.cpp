@@ -67,7 +67,17 @@ bool utf8_valid(std::span<const std::uint8_t> bytes) {
 
 void chunk_splitter_t::reset() {
   binary_ = false;
+  noise_ = 0;
   partial_.clear();
+}
+
+std::size_t chunk_splitter_t::binary_handled(std::size_t size, bool record) {
+  if (!binary_) return 0;
+  noise_ = record ? 0 : noise_ + size;
+  if (noise_ < binary_noise_limit) return 0;
+  const std::size_t noise = noise_;
+  reset();
+  return noise;
 }
 
 chunk_cut_t chunk_splitter_t::feed(std::span<const std::uint8_t> chunk) {
