@@ -43,7 +43,7 @@ TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
        {"L:$A", "L:$B"},
        false},
       {"empty lines are dropped", {b("\n\n$A\n\r\n")}, {"L:$A"}, false},
-      {"CRs inside a line vanish", {b("$A\rB\n")}, {"L:$AB"}, false},
+      {"CRs inside a line vanish", {b("$Z\n$A\rB\n")}, {"L:$Z|$AB"}, false},
       {"a remainder is completed by the next LF", {b("$A"), b("B"), b("\n")}, {"-", "-", "L:$AB"}, false},
       {"a line keeps its first 1024 bytes", {b(long_line + "\n$A\n")}, {kept + "|$A"}, false},
       {"so does one without LF for a long time, with CRs in it",

@@ -322,17 +322,18 @@ TEST_F(hub_test, binary_chunks_without_a_frame_end_count_nothing) {
 }
 
 // Each run feeds a fresh hub binary chunks of 1024 ('n') or 1023 ('m') bytes that are not UTF-8, a
-// NAV-PVT frame ('p'), that frame and another kind's header in one chunk ('P'), or an unfinished
-// line ('t'). 2048 bytes without a record return the link to text, with no unfinished line.
+// NAV-PVT frame ('p'), that frame and another kind's header in one chunk ('P'), an unfinished line
+// ('t') or a lone 0xFF ('f'). 2048 bytes without a record return the link to text, with no
+// unfinished line; a lone 0xFF goes the binary way but leaves text mode and the count alone.
 TEST_F(hub_test, binary_noise_without_a_record_returns_the_link_to_text) {
   const auto frame = frame_of(image_of(valid_pvt()));
   auto then_other = frame;
   then_other.insert(then_other.end(), {0xB5, 0x62, 0x05, 0x01});
-  const std::map<char, bytes_t> chunks = {
-      {'n', bytes_t(1024, 0xFE)}, {'m', bytes_t(1023, 0xFE)}, {'p', frame}, {'P', then_other}, {'t', {'$', 'G', 'P'}}};
+  const std::map<char, bytes_t> chunks = {{'n', bytes_t(1024, 0xFE)}, {'m', bytes_t(1023, 0xFE)}, {'p', frame},
+                                          {'P', then_other},          {'t', {'$', 'G', 'P'}},     {'f', {0xFF}}};
   const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"nm", {}},  {"tnn", {"2048"}}, {"mmm", {"3069"}}, {"nnnn", {"2048", "2048"}},
-      {"npn", {}}, {"nPn", {}},       {"pnn", {"2048"}},
+      {"npn", {}}, {"nPn", {}},       {"pnn", {"2048"}}, {"nn" + std::string(2048, 'f'), {"2048"}},
   };
   for (const auto& [run, counts_said] : cases) {
     connection_t fresh(queue, console, links);
