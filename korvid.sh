@@ -61,8 +61,9 @@ style() {
   [ "$status" -eq 0 ] || { echo "clang-tidy found faults in the changed files"; return 1; }
 }
 
-# libFuzzer targets with ASan and UBSan over the Qt-free layers, each run for a bounded time on a
-# corpus seeded with the sample stream and, where present, the receiver captures.
+# libFuzzer targets with ASan and UBSan over the Qt-free layers, each run for a bounded time. Each
+# starts from its minimised corpus in fuzz/corpus/ (only read), the sample stream and, where present,
+# the receiver captures; the inputs it finds go to a corpus in the build tree.
 fuzz() {
   local seconds=${KORVID_FUZZ_SECONDS:-30}
   local fbuild=$build-fuzz
@@ -80,9 +81,11 @@ fuzz() {
     name=$(basename "$target")
     corpus=$fbuild/corpus/$name
     mkdir -p "$corpus"
+    local kept=()
+    [ -d "$root/fuzz/corpus/$name" ] && kept=("$root/fuzz/corpus/$name")
     echo "== fuzzing $name for ${seconds} s"
     "$target" -max_total_time="$seconds" -print_final_stats=1 -max_len=4096 -timeout=10 \
-      "$corpus" "${seeds[@]}" 2>&1 | grep -E '^(stat::number_of_executed_units|Done|==|SUMMARY)|ERROR' || true
+      "$corpus" "${kept[@]}" "${seeds[@]}" 2>&1 | grep -E '^(stat::number_of_executed_units|Done|==|SUMMARY)|ERROR' || true
     [ "${PIPESTATUS[0]}" -eq 0 ] || { echo "fuzzing $name found a fault"; return 1; }
   done
 }

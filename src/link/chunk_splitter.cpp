@@ -1,5 +1,6 @@
 #include "link/chunk_splitter.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "core/word_scan.h"
@@ -66,7 +67,17 @@ bool utf8_valid(std::span<const std::uint8_t> bytes) {
 
 void chunk_splitter_t::reset() {
   binary_ = false;
+  noise_ = 0;
   partial_.clear();
+}
+
+std::size_t chunk_splitter_t::binary_handled(std::size_t size, bool record) {
+  if (!binary_) return 0;
+  noise_ = record ? 0 : noise_ + size;
+  if (noise_ < binary_noise_limit) return 0;
+  const std::size_t noise = noise_;
+  reset();
+  return noise;
 }
 
 chunk_cut_t chunk_splitter_t::feed(std::span<const std::uint8_t> chunk) {
@@ -82,7 +93,8 @@ chunk_cut_t chunk_splitter_t::feed(std::span<const std::uint8_t> chunk) {
 
 // CRs are dropped wherever they stand and LF ends a line. A line that lies wholly in the chunk (no
 // remainder before it, at most a CR right before its LF) is copied once, straight into its slot;
-// anything else is assembled in partial_.
+// anything else is assembled in partial_. Either way a line keeps at most line_limit bytes, so it is
+// the same however the stream was cut into chunks.
 std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::uint8_t> chunk) {
   line_count_ = 0;
   const auto* text = reinterpret_cast<const char*>(chunk.data());
@@ -92,7 +104,7 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
     std::size_t next = i + 1;
     if (text[i] == '\r') {
       if (next == size || text[next] != '\n') {
-        partial_.append(text + start, i - start);  // a CR inside a line, or at the chunk's end
+        keep(text + start, i - start);  // a CR inside a line, or at the chunk's end
         start = next;
         continue;
       }
@@ -100,15 +112,15 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
     }
     const std::string_view run(text + start, i - start);
     if (partial_.empty()) {
-      if (!run.empty()) add_line(run);
+      if (!run.empty()) add_line(run.substr(0, line_limit));
     } else {
-      partial_.append(run);
+      keep(run.data(), run.size());
       add_line(partial_);
       partial_.clear();
     }
     start = next;
   }
-  partial_.append(text + start, size - start);
+  keep(text + start, size - start);
   const std::uint8_t last = chunk.empty() ? 0 : chunk.back();
   if (last == '\r' || last == '\n') {
     if (!partial_.empty()) add_line(partial_);
@@ -120,4 +132,8 @@ std::span<const std::string> chunk_splitter_t::cut_lines(std::span<const std::ui
 void chunk_splitter_t::add_line(std::string_view piece) {
   if (line_count_ == lines_.size()) lines_.emplace_back();
   lines_[line_count_++].assign(piece);
+}
+
+void chunk_splitter_t::keep(const char* text, std::size_t size) {
+  partial_.append(text, std::min(size, line_limit - partial_.size()));
 }

@@ -27,6 +27,7 @@ connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory
     : gsa(queue), gsv(queue), queue_(queue), console_(console), links_(links) {
   // A sentence of at most sentence_max_length characters has at most that many fields.
   fields_.resize(sentence_max_length);
+  gps_bin_.arr_update.push_back(&record_tally_);
   for (auto* decoder : decoders_) any_cancellable_.push_back(decoder->subscribe([this] { notify(); }));
 }
 
@@ -124,12 +125,17 @@ void connection_t::schedule_reconnect() {
 // Every chunk is first forwarded to the other link for the bridge, then cut into lines or decoded
 // as binary. A link that was never created cannot be up: bridged bytes for it are dropped without
 // creating it (and, for Bluetooth, without waking the platform's stack for every TCP chunk).
+// Whether a binary chunk decoded a record decides whether the link stays binary.
 void connection_t::link_bytes(side_t& side, std::span<const std::uint8_t> bytes) {
   link_t* other = &side == &tcp_side_ ? static_cast<link_t*>(ble_.get()) : tcp_client_.get();
   if (other) other->write(bytes);
   const auto cut = side.splitter.feed(bytes);
   if (cut.binary) {
+    const auto records = record_tally_.records;
     receive_arr(bytes);
+    const auto noise = side.splitter.binary_handled(bytes.size(), record_tally_.records != records);
+    if (noise != 0)
+      console_.print(console_.date() + "  back to text after " + std::to_string(noise) + " bytes without a UBX record");
     return;
   }
   if (cut.lines.empty()) return;

@@ -108,9 +108,17 @@ private:
   void log_error(gps_bin_return_t result);
   void schedule_reconnect();
 
+  // Counts the records the UBX decoder passes on, so the hub knows whether a chunk decoded one.
+  struct record_tally_t final : gps_protocol_bin_t {
+    void update_posllh(const gps_posllh_t&) override { ++records; }
+    void update_pvt(const gps_pvt_t&) override { ++records; }
+    std::uint64_t records = 0;
+  };
+
   // The six decoders in the order they are offered every sentence and record, and the UBX stream
-  // decoder, which hands its records to them in the same order.
+  // decoder, which hands its records to them in the same order and then to the tally.
   const std::array<gps_decoder_t*, 6> decoders_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
+  record_tally_t record_tally_;
   gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}};
   main_queue_t& queue_;
   console_t& console_;

@@ -26,6 +26,7 @@ std::vector<std::string> split(chunk_splitter_t& splitter, const std::vector<byt
 }
 
 TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
+  const std::string long_line = "$" + std::string(1099, 'x'), kept = "L:" + long_line.substr(0, 1024);
   const struct {
     const char* name;
     std::vector<bytes_t> chunks;
@@ -42,15 +43,16 @@ TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
        {"L:$A", "L:$B"},
        false},
       {"empty lines are dropped", {b("\n\n$A\n\r\n")}, {"L:$A"}, false},
-      {"CRs inside a line vanish", {b("$A\rB\n")}, {"L:$AB"}, false},
+      {"CRs inside a line vanish", {b("$Z\n$A\rB\n")}, {"L:$Z|$AB"}, false},
       {"a remainder is completed by the next LF", {b("$A"), b("B"), b("\n")}, {"-", "-", "L:$AB"}, false},
+      {"a line keeps its first 1024 bytes", {b(long_line + "\n$A\n")}, {kept + "|$A"}, false},
+      {"so does one without LF for a long time, with CRs in it",
+       {b(long_line.substr(0, 500)), b("\r" + long_line.substr(500) + long_line), b("\n")},
+       {"-", "-", kept},
+       false},
       {"a NUL byte is an ordinary character", {bytes_t{'$', 0, 'A', '\n'}}, {std::string("L:$\0A", 5)}, false},
-      {"the first non-UTF-8 chunk switches to binary for good",
-       {bytes_t{0xB5, 0x62, 0x01}, b("$A\r\n")},
-       {"B", "B"},
-       true},
+      {"the first non-UTF-8 chunk switches to binary", {bytes_t{0xB5, 0x62, 0x01}, b("$A\r\n")}, {"B", "B"}, true},
       {"a lone 0xFF goes binary without switching", {bytes_t{0xFF}, b("$A\n")}, {"B", "L:$A"}, false},
-      {"a lone 0x00 is text", {bytes_t{0x00}}, {"-"}, false},
       {"0x00 0xFF goes binary without switching", {bytes_t{0x00, 0xFF}, b("$A\n")}, {"B", "L:$A"}, false},
       {"0xFF 0x00 switches", {bytes_t{0xFF, 0x00}}, {"B"}, true},
       {"0xFF 0xFF switches", {bytes_t{0xFF, 0xFF}}, {"B"}, true},
@@ -66,15 +68,6 @@ TEST(chunk_splitter, cuts_lines_keeps_remainders_and_switches_to_binary) {
     EXPECT_EQ(split(splitter, s.chunks), s.results) << s.name;
     EXPECT_EQ(splitter.binary(), s.binary_after) << s.name;
   }
-}
-
-TEST(chunk_splitter, reset_returns_to_text_and_forgets_the_remainder) {
-  chunk_splitter_t splitter;
-  split(splitter, {b("$GP"), bytes_t{0x80, 0x81}});
-  ASSERT_TRUE(splitter.binary());
-  splitter.reset();
-  EXPECT_FALSE(splitter.binary());
-  EXPECT_EQ(split(splitter, {b("$A\n")}), std::vector<std::string>{"L:$A"});
 }
 
 TEST(utf8_valid, accepts_utf8_and_nothing_else) {

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -268,9 +269,9 @@ TEST_F(hub_test, bridge_forwards_raw_bytes_only_to_a_link_that_is_up) {
   links.ble->ready = true;
   links.tcp->is_valid = true;
   both_ways(text);
-  both_ways(binary);
+  hub.tcp_events().link_bytes(binary);
   EXPECT_EQ(links.ble->written, (std::vector<bytes_t>{text, binary}));
-  EXPECT_EQ(links.tcp->sent, (std::vector<bytes_t>{text, binary}));
+  EXPECT_EQ(links.tcp->sent, (std::vector<bytes_t>{text})) << "a link's own bytes never go back to it";
 }
 
 TEST_F(hub_test, re_emits_its_decoders_notices) {
@@ -318,6 +319,33 @@ TEST_F(hub_test, binary_chunks_without_a_frame_end_count_nothing) {
   EXPECT_TRUE(hub.arr_rx->empty());
   hub.tcp_events().link_bytes(std::span(frame).subspan(50));
   EXPECT_EQ(counts(hub), "0 ack 1 1") << "the first good record acknowledges the stream";
+}
+
+// Each run feeds a fresh hub binary chunks of 1024 ('n') or 1023 ('m') bytes that are not UTF-8, a
+// NAV-PVT frame ('p'), that frame and another kind's header in one chunk ('P'), an unfinished line
+// ('t') or a lone 0xFF ('f'). 2048 bytes without a record return the link to text, with no
+// unfinished line; a lone 0xFF goes the binary way but leaves text mode and the count alone.
+TEST_F(hub_test, binary_noise_without_a_record_returns_the_link_to_text) {
+  const auto frame = frame_of(image_of(valid_pvt()));
+  auto then_other = frame;
+  then_other.insert(then_other.end(), {0xB5, 0x62, 0x05, 0x01});
+  const std::map<char, bytes_t> chunks = {{'n', bytes_t(1024, 0xFE)}, {'m', bytes_t(1023, 0xFE)}, {'p', frame},
+                                          {'P', then_other},          {'t', {'$', 'G', 'P'}},     {'f', {0xFF}}};
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
+      {"nm", {}},  {"tnn", {"2048"}}, {"mmm", {"3069"}}, {"nnnn", {"2048", "2048"}},
+      {"npn", {}}, {"nPn", {}},       {"pnn", {"2048"}}, {"nn" + std::string(2048, 'f'), {"2048"}},
+  };
+  for (const auto& [run, counts_said] : cases) {
+    connection_t fresh(queue, console, links);
+    console.lines.clear();
+    for (const char step : run) fresh.tcp_events().link_bytes(chunks.at(step));
+    std::vector<std::string> said;
+    for (const auto& count : counts_said)
+      said.push_back("2026-01-01 12:00:00 +0000  back to text after " + count + " bytes without a UBX record");
+    EXPECT_EQ(console.lines, said) << run;
+    feed_line(fresh.tcp_events(), gga);
+    EXPECT_EQ(!fresh.arr_rx->empty() && fresh.arr_rx->back() == gga, !said.empty()) << run << ": text decoded";
+  }
 }
 
 }  // namespace
