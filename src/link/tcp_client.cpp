@@ -127,9 +127,17 @@ void tcp_client_t::join_finished_threads() {
   });
 }
 
+// On the main thread, where stop() and connect() move the generation on, a report of an attempt that
+// is no longer current is dropped: nothing of a request reaches the hub once the user has ended it.
+void tcp_client_t::report(std::uint64_t generation, std::function<void()> call) {
+  queue_.post([this, alive = std::weak_ptr(alive_), generation, call = std::move(call)] {
+    if (const auto a = alive.lock(); a && *a && current(generation)) call();
+  });
+}
+
 void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint64_t generation) {
   auto report_error = [&](int error) {
-    queue_.post_and_wait([this, host, port, error] { events_.link_down(host_port(host, port), error); });
+    report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
   };
   const int fd = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
   if (fd < 0) {
@@ -159,15 +167,13 @@ void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint6
 
   if (error == 0 && claim_connection(generation, fd)) {
     // Posted before the receive loop starts, so the hub hears of the link before its first chunk.
-    queue_.post([this, alive = std::weak_ptr(alive_), host, port] {
-      if (const auto a = alive.lock(); a && *a) events_.link_up(host_port(host, port));
-    });
+    report(generation, [this, host, port] { events_.link_up(host_port(host, port)); });
     start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
     return;
   }
   const bool wanted = release_connection(generation, fd);
   ::close(fd);
-  if (error > 0 && wanted && enabled_) report_error(error);
+  if (error > 0 && wanted) report_error(error);
 }
 
 void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd) {
@@ -183,7 +189,9 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
     }
     const std::span<const std::uint8_t> chunk(buffer.data(), static_cast<std::size_t>(n));
     // Once the main queue is closing the hand-over gives up, and the loop ends.
-    if (!queue_.post_and_wait([this, chunk] { events_.link_bytes(chunk); })) {
+    if (!queue_.post_and_wait([this, chunk, generation] {
+          if (current(generation)) events_.link_bytes(chunk);
+        })) {
       closing = true;
       break;
     }
@@ -197,7 +205,5 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
     console_.print("tcp_client disconnected " + host_port(host, port) + "\n");
     return;
   }
-  queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
-    if (const auto a = alive.lock(); a && *a) events_.link_down(host_port(host, port), error);
-  });
+  report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
 }

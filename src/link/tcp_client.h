@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -22,7 +23,9 @@
 // never read from, or close, a newer connection's descriptor. The flags are atomics for their
 // readers; the few changes that must agree with the generation (a connection made, a connection
 // lost, a disconnect, a bridge send) hold state_mutex_, so a disconnect racing a connect can never
-// leave valid set without a connection. The owner closes the main queue before destroying the
+// leave valid set without a connection. A report is checked against the generation on the main
+// thread, where it arrives, so none from an attempt that a disconnect or a newer connect ended
+// reaches the hub, however the threads raced. The owner closes the main queue before destroying the
 // client, so no thread waits for a main thread that has stopped serving.
 class tcp_client_t final : public tcp_link_t {
 public:
@@ -46,6 +49,7 @@ private:
   bool current(std::uint64_t generation) const { return generation_ == generation; }
   bool claim_connection(std::uint64_t generation, int fd);
   bool release_connection(std::uint64_t generation, int fd);
+  void report(std::uint64_t generation, std::function<void()> call);
   void start_thread(const char* name, std::function<void()> body);
   void join_finished_threads();
 

@@ -240,6 +240,19 @@ TEST_F(hub_test, a_refused_connection_is_shown_in_red_and_retried_every_4_s_unti
   EXPECT_EQ(links.tcp->connects.size(), 6u) << "no retry once the link came up";
 }
 
+TEST_F(hub_test, a_newer_connect_ends_the_retries_of_the_request_before) {
+  hub.connect_tcp("127.0.0.1", 9);
+  hub.tcp_events().link_down("127.0.0.1:9", ECONNREFUSED);
+  queue.advance(2.0);
+  hub.connect_tcp("10.0.0.1", 81);  // a slow host: no report within the old retry's 4 s
+  queue.advance(2.0);
+  EXPECT_EQ(links.tcp->connects, (std::vector<std::string>{"127.0.0.1:9", "10.0.0.1:81"}));
+  EXPECT_EQ(hub.status_tcp.get(), "Connect 10.0.0.1:81");
+  hub.tcp_events().link_down("10.0.0.1:81", ETIMEDOUT);
+  queue.advance(4.0);
+  EXPECT_EQ(links.tcp->connects, (std::vector<std::string>{"127.0.0.1:9", "10.0.0.1:81", "10.0.0.1:81"}));
+}
+
 TEST_F(hub_test, a_retry_still_pending_when_the_hub_goes_does_nothing) {
   auto gone = std::make_unique<connection_t>(queue, console, links);
   gone->connect_tcp("127.0.0.1", 9);

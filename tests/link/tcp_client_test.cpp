@@ -158,4 +158,24 @@ TEST_F(hub_over_tcp_test, a_server_that_stops_and_comes_back_is_reconnected_as_t
   EXPECT_FALSE(hub->binary());
 }
 
+// The last report of a request may be on its way to the main thread when the user ends the request.
+TEST_F(hub_over_tcp_test, a_report_on_its_way_when_the_user_ends_the_request_changes_nothing) {
+  loopback_server_t up;
+  loopback_server_t refused;
+  refused.stop_listening();
+  for (const auto* server : {&up, &refused}) {
+    hub->connect_tcp("127.0.0.1", server->port());
+    ASSERT_TRUE(queue.wait_posted());
+    hub->disconnect();
+    queue.run_pending();
+    EXPECT_EQ(std::pair(hub->status_tcp.get(), hub->sta_fg_tcp.get()),
+              std::pair(std::string("offline"), colour_t::accent));
+  }
+  hub->connect_tcp("127.0.0.1", refused.port());
+  ASSERT_TRUE(queue.wait_posted());
+  hub->connect_tcp("127.0.0.1", up.port());
+  ASSERT_TRUE(queue.run_until([&] { return hub->sta_fg_tcp.get() == colour_t::secondary; }));
+  EXPECT_EQ(queue.delayed_count(), 0u) << "the refusal of the request before neither shows nor retries";
+}
+
 }  // namespace
