@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/word_scan.h"
+#include "link/link_error.h"
 #include "nmea/sentence.h"
 #include "ubx/record_text.h"
 
@@ -107,8 +108,7 @@ void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t
     console_.print(console_.date() + "  disconnected from " + peer);
     return;
   }
-  const char* text = std::strerror(error);
-  status_tcp = text != nullptr && *text != '\0' ? std::string(text) : std::string("Unknown error");
+  status_tcp = link_error_text(error);
   sta_fg_tcp = colour_t::red;
   console_.print(console_.date() + "  connect " + peer + "  " + std::to_string(error) + " " + status_tcp.get());
   schedule_reconnect();

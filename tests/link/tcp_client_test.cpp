@@ -1,6 +1,7 @@
 #include "link/tcp_client.h"
 
 #include <gtest/gtest.h>
+#include <netdb.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -118,6 +119,21 @@ TEST_F(tcp_client_test, a_disconnect_racing_the_connect_leaves_no_stale_connecti
   EXPECT_TRUE(queue.run_until([&] { return client->valid(); }));
 }
 
+TEST_F(tcp_client_test, host_names_and_ipv6_addresses_reach_the_peer) {
+  loopback_server_t v6(0, AF_INET6);
+  const std::pair<loopback_server_t*, std::string> cases[] = {{&server, "localhost"}, {&v6, "[::1]"}};
+  for (const auto& [to, host] : cases) {
+    ASSERT_EQ(client->connect(host, to->port()), 0);
+    ASSERT_TRUE(to->accept_client());
+    ASSERT_TRUE(wait_for_events(events.events.size() + 1));
+    EXPECT_EQ(events.events.back(), "up " + host + ":" + std::to_string(to->port()));
+    to->send("$A\n");
+    ASSERT_TRUE(queue.run_until([&] { return events.received.size() == 3; }));
+    events.received.clear();
+    client->stop();
+  }
+}
+
 // The hub with the real client: failures in red with the system's text, retried every 4 s until
 // the peer is back; a new connection starts as text whatever the last one carried.
 class hub_over_tcp_test : public ::testing::Test {
@@ -156,6 +172,40 @@ TEST_F(hub_over_tcp_test, a_server_that_stops_and_comes_back_is_reconnected_as_t
   server->send("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
   ASSERT_TRUE(queue.run_until([&] { return hub->gga.lat.get() != 0.0; }));
   EXPECT_FALSE(hub->binary());
+}
+
+// Each failure shows its own text in red and is retried after 4 s: a peer that sends nothing, an
+// address that never answers, a name the C library cannot look up (an unknown interface, which
+// fails without asking a name server).
+TEST_F(hub_over_tcp_test, a_silent_peer_an_unanswered_connect_and_a_failed_lookup_are_shown_and_retried) {
+  links.timing = {.connect_timeout_s = 0.2, .silence_limit_s = 0.2};
+  loopback_server_t silent;
+  loopback_server_t unanswering;
+  unanswering.stop_answering();
+  const struct {
+    std::string host;
+    std::uint16_t port;
+    loopback_server_t* accepting;
+    int error;
+    std::string text;
+  } cases[] = {
+      {"127.0.0.1", silent.port(), &silent, ENODATA, "no data for 15 s"},
+      {"127.0.0.1", unanswering.port(), nullptr, ETIMEDOUT, "Connection timed out"},
+      {"[::1%nosuchif]", 81, nullptr, EAI_NONAME, "Name or service not known"},
+  };
+  for (const auto& c : cases) {
+    const auto peer = c.host + ":" + std::to_string(c.port);
+    hub->connect_tcp(c.host, c.port);
+    ASSERT_TRUE(!c.accepting || c.accepting->accept_client());
+    ASSERT_TRUE(queue.run_until([&] { return hub->sta_fg_tcp.get() == colour_t::red; })) << peer;
+    EXPECT_EQ(hub->status_tcp.get(), c.text);
+    EXPECT_EQ(console.copy().back(),
+              console.date() + "  connect " + peer + "  " + std::to_string(c.error) + " " + c.text);
+    queue.advance(4.0);
+    EXPECT_EQ(hub->status_tcp.get(), "Connect " + peer);
+    EXPECT_TRUE(!c.accepting || c.accepting->accept_client()) << "reconnected";
+    hub->disconnect();
+  }
 }
 
 // The last report of a request may be on its way to the main thread when the user ends the request.
