@@ -127,9 +127,6 @@ TEST_F(tcp_client_test, host_names_and_ipv6_addresses_reach_the_peer) {
     ASSERT_TRUE(to->accept_client());
     ASSERT_TRUE(wait_for_events(events.events.size() + 1));
     EXPECT_EQ(events.events.back(), "up " + host + ":" + std::to_string(to->port()));
-    to->send("$A\n");
-    ASSERT_TRUE(queue.run_until([&] { return events.received.size() == 3; }));
-    events.received.clear();
     client->stop();
   }
 }
