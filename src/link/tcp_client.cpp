@@ -142,7 +142,7 @@ void tcp_client_t::report(std::uint64_t generation, std::function<void()> call) 
 
 // Looks the host up, then tries its addresses in turn until one connects; the last failure is
 // reported. Nothing is reported once a disconnect or a newer connect has ended the attempt.
-void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint64_t generation) {
+void tcp_client_t::connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation) {
   const auto stay = [this, generation] { return current(generation); };
   const auto found = look_up(lookup_name(host), port, connect_poll_ms, stay);
   if (!found) return;

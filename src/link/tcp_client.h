@@ -52,7 +52,7 @@ public:
   int so() const { return so_; }
 
 private:
-  void connect_task(std::string host, std::uint16_t port, std::uint64_t generation);
+  void connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation);
   int try_address(const std::string& host, std::uint16_t port, std::uint64_t generation,
                   const socket_address_t& address);
   void receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd);
