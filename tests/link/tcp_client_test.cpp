@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <netdb.h>
+#include <netinet/tcp.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -56,6 +57,15 @@ TEST_F(tcp_client_test, received_bytes_reach_the_main_thread_raw_and_in_order) {
   ASSERT_TRUE(queue.run_until([&] { return events.received.size() == 15; }));
   EXPECT_EQ(events.received, "$GPGGA,12" + std::string(binary.begin(), binary.end()));
   EXPECT_EQ(client->connect("127.0.0.1", server.port()), -1) << "already connected";
+  // Keepalive finds a peer that vanished: probes after 10 s idle, every 5 s, 3 of them.
+  auto option = [&](int level, int name, int value = 0) {
+    socklen_t length = sizeof value;
+    ::getsockopt(client->so(), level, name, &value, &length);
+    return value;
+  };
+  EXPECT_EQ(std::tuple(option(SOL_SOCKET, SO_KEEPALIVE), option(IPPROTO_TCP, TCP_KEEPIDLE),
+                       option(IPPROTO_TCP, TCP_KEEPINTVL), option(IPPROTO_TCP, TCP_KEEPCNT)),
+            std::tuple(1, 10, 5, 3));
 }
 
 TEST_F(tcp_client_test, a_disconnect_during_a_blocked_receive_ends_the_loop_without_a_report) {
@@ -179,28 +189,21 @@ TEST_F(hub_over_tcp_test, a_silent_peer_an_unanswered_connect_and_a_failed_looku
   loopback_server_t silent;
   loopback_server_t unanswering;
   unanswering.stop_answering();
-  const struct {
-    std::string host;
-    std::uint16_t port;
-    loopback_server_t* accepting;
-    int error;
-    std::string text;
-  } cases[] = {
+  const std::tuple<std::string, std::uint16_t, loopback_server_t*, int, std::string> cases[] = {
       {"127.0.0.1", silent.port(), &silent, ENODATA, "no data for 15 s"},
       {"127.0.0.1", unanswering.port(), nullptr, ETIMEDOUT, "Connection timed out"},
       {"[::1%nosuchif]", 81, nullptr, EAI_NONAME, "Name or service not known"},
   };
-  for (const auto& c : cases) {
-    const auto peer = c.host + ":" + std::to_string(c.port);
-    hub->connect_tcp(c.host, c.port);
-    ASSERT_TRUE(!c.accepting || c.accepting->accept_client());
+  for (const auto& [host, port, accepting, error, text] : cases) {
+    const auto peer = host + ":" + std::to_string(port);
+    hub->connect_tcp(host, port);
+    ASSERT_TRUE(!accepting || accepting->accept_client());
     ASSERT_TRUE(queue.run_until([&] { return hub->sta_fg_tcp.get() == colour_t::red; })) << peer;
-    EXPECT_EQ(hub->status_tcp.get(), c.text);
-    EXPECT_EQ(console.copy().back(),
-              console.date() + "  connect " + peer + "  " + std::to_string(c.error) + " " + c.text);
+    EXPECT_EQ(hub->status_tcp.get(), text);
+    EXPECT_EQ(console.copy().back(), console.date() + "  connect " + peer + "  " + std::to_string(error) + " " + text);
     queue.advance(4.0);
     EXPECT_EQ(hub->status_tcp.get(), "Connect " + peer);
-    EXPECT_TRUE(!c.accepting || c.accepting->accept_client()) << "reconnected";
+    EXPECT_TRUE(!accepting || accepting->accept_client()) << "reconnected";
     hub->disconnect();
   }
 }
