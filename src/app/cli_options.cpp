@@ -1,5 +1,6 @@
 #include "app/cli_options.h"
 
+#include "link/host_address.h"
 #include "link/replay.h"
 #include "nmea/fields.h"
 
@@ -15,7 +16,8 @@ const char* const cli_usage =
     "                  (\"-\" reads standard input)\n"
     "  --chunk N       replay in chunks of N bytes, 1 to 65536 (default 2047)\n"
     "  --connect tcp://HOST:PORT\n"
-    "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1;\n"
+    "                  connect to a receiver; HOST is an IPv4 address such as 127.0.0.1, a host\n"
+    "                  name or an IPv6 address in brackets such as [::1];\n"
     "                  a lost or refused link is retried every 4 s\n"
     "  --connect ble://NAME\n"
     "                  connect to the Bluetooth LE peripheral advertising NAME (Nordic UART Service)\n"
@@ -29,32 +31,7 @@ const char* const cli_usage =
     "  --show-all      log every valid sentence, not only GGA\n"
     "  --help          show this text\n";
 
-bool is_dotted_quad(std::string_view host) {
-  for (int part = 0; part < 4; ++part) {
-    const auto dot = host.find('.');
-    if ((part < 3) == (dot == std::string_view::npos)) return false;  // exactly three dots
-    const auto number = host.substr(0, dot);
-    if (number.empty() || number.size() > 3 || number.front() == '+' || !parse_unsigned(number, 255)) return false;
-    host.remove_prefix(dot == std::string_view::npos ? host.size() : dot + 1);
-  }
-  return true;
-}
-
 namespace {
-
-// tcp://HOST:PORT with a dotted-quad host and a port 1 to 65535.
-bool parse_tcp_url(std::string_view url, std::string& host, std::uint16_t& port) {
-  constexpr std::string_view scheme = "tcp://";
-  if (url.substr(0, scheme.size()) != scheme) return false;
-  url.remove_prefix(scheme.size());
-  const auto colon = url.rfind(':');
-  if (colon == std::string_view::npos || !is_dotted_quad(url.substr(0, colon))) return false;
-  const auto p = parse_unsigned(url.substr(colon + 1), 65535);
-  if (!p || *p == 0 || url[colon + 1] == '+') return false;
-  host = std::string(url.substr(0, colon));
-  port = static_cast<std::uint16_t>(*p);
-  return true;
-}
 
 bool parse_seconds(std::string_view text, double& seconds) {
   const auto v = parse_double(text);
@@ -95,9 +72,12 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       } else if (value.substr(0, ble_scheme.size()) == ble_scheme) {
         options.ble_name = std::string(value.substr(ble_scheme.size()));
         if (options.ble_name.empty()) return fail("--connect ble://NAME needs the peripheral's name");
-      } else if (!parse_tcp_url(value, options.host, options.port))
-        return fail("--connect takes tcp://HOST:PORT with an IPv4 address and a port 1 to 65535, not '" +
-                    std::string(value) + "'");
+      } else {
+        const auto tcp = parse_tcp_url(value);
+        if (!tcp.address) return fail("--connect " + tcp.error);
+        options.host = tcp.address->host;
+        options.port = tcp.address->port;
+      }
     } else if (arg == "--bridge") {
       options.bridge = true;
     } else if (arg == "--settings") {

@@ -30,9 +30,6 @@ inline constexpr std::size_t cli_max_chunk = 65536;  // bytes
 // s: the longest wait a timer of whole milliseconds in an int holds (about 24.8 days)
 inline constexpr double cli_max_seconds = 2147483.0;
 
-// "192.168.1.5": four decimal numbers 0 to 255 separated by dots, and nothing else.
-bool is_dotted_quad(std::string_view host);
-
 // Either the options or a one-line message naming what was wrong.
 struct cli_parse_t {
   std::optional<cli_options_t> options;

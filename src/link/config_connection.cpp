@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "nmea/fields.h"
+#include "link/host_address.h"
 
 const std::vector<std::string> config_connection_t::default_ble_names = {std::string(default_ble_name),
                                                                          "nrf9160dk UART", "nrf52840dk UART"};
@@ -56,9 +56,13 @@ void config_connection_t::load() {
   } else {
     save_ble_name(std::string(default_ble_name));
   }
-  if (const auto hosts = strings(store_.get(key_history_host))) {
-    history_host = *hosts;
-    host = hosts->front();
+  // A stored host meets the rules of a typed one: it is normalised, or dropped when it is no host.
+  std::vector<std::string> hosts;
+  for (const auto& h : strings(store_.get(key_history_host)).value_or(std::vector<std::string>{}))
+    if (const auto parsed = parse_host(h)) hosts.push_back(*parsed);
+  if (!hosts.empty()) {
+    history_host = hosts;
+    host = hosts.front();
   } else {
     save_host(std::string(default_host));
   }
@@ -90,7 +94,7 @@ std::string config_connection_t::save_ble_name(const std::string& name) {
 }
 
 std::string config_connection_t::save_host(const std::string& given) {
-  if (const auto h = parse_ipv4(given)) {
+  if (const auto h = parse_host(given)) {
     host = *h;
   } else if (!history_host->empty()) {
     host = history_host->front();
@@ -122,7 +126,7 @@ void config_connection_t::set_host_bind(const std::string& text) {
   std::string typed = text;
   std::replace(typed.begin(), typed.end(), ',', '.');
   host_bind_ = typed;
-  if (const auto h = parse_ipv4(typed)) {
+  if (const auto h = parse_host(typed)) {
     host_valid = true;
     host = *h;
   } else {
@@ -137,9 +141,8 @@ const std::string& config_connection_t::port_bind() {
 
 void config_connection_t::set_port_bind(const std::string& text) {
   port_bind_ = text;
-  const auto p = parse_unsigned(text, UINT16_MAX);
-  if (p && *p != 0 && text.front() != '+') {
-    port = static_cast<std::uint16_t>(*p);
+  if (const auto p = parse_port(text)) {
+    port = *p;
     port_valid = true;
   } else {
     port_valid = false;
@@ -161,27 +164,4 @@ void config_connection_t::delete_config() {
   for (const auto key : {key_enable_bridge, key_enable_ble, key_history_ble_name, key_history_host, key_history_port})
     store_.remove(key);
   console_.print("delete_config");
-}
-
-std::optional<std::string> config_connection_t::parse_ipv4(std::string_view text) {
-  unsigned octets[4] = {0, 0, 0, 0};
-  bool all_parts_good = true;
-  for (int i = 0; i < 4; ++i) {
-    const auto dot = i < 3 ? text.find('.') : std::string_view::npos;
-    const auto part = text.substr(0, dot);
-    const auto number = parse_unsigned(part, 255);
-    if (!part.empty() && part.front() != '+' && number) {
-      octets[i] = static_cast<unsigned>(*number);
-    } else {
-      all_parts_good = false;
-    }
-    if (dot == std::string_view::npos) {
-      if (i < 3) all_parts_good = false;
-      break;
-    }
-    text.remove_prefix(dot + 1);
-  }
-  if (!all_parts_good || octets[0] < 1 || octets[0] > 254 || octets[3] < 1 || octets[3] > 254) return std::nullopt;
-  return std::to_string(octets[0]) + "." + std::to_string(octets[1]) + "." + std::to_string(octets[2]) + "." +
-         std::to_string(octets[3]);
 }

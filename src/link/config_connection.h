@@ -36,7 +36,8 @@ public:
   std::string save_host(const std::string& host);
   std::uint16_t save_port(std::uint16_t port);
 
-  // The text being edited in the host and port fields, "192,168,1,20" read as "192.168.1.20".
+  // The text being edited in the host and port fields, "192,168,1,20" read as "192.168.1.20". A
+  // host is valid by the rules of link/host_address.h.
   const std::string& host_bind();
   void set_host_bind(const std::string& text);
   const std::string& port_bind();
@@ -51,10 +52,6 @@ public:
   // Forgets everything stored; the current values keep until the next start.
   void delete_config();
   void reset_histories();
-
-  // A dotted-quad address with its first and last numbers in 1 to 254, normalised (leading
-  // zeros dropped); nothing otherwise.
-  static std::optional<std::string> parse_ipv4(std::string_view text);
 
   published_t<std::string> ble_name{*this, std::string(default_ble_name)};
   published_t<std::vector<std::string>> history_ble_name{*this, {std::string(default_ble_name)}};

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/word_scan.h"
+#include "link/link_error.h"
 #include "nmea/sentence.h"
 #include "ubx/record_text.h"
 
@@ -50,6 +51,11 @@ ble_link_t& connection_t::ble() {
 }
 
 void connection_t::connect_tcp(const std::string& host, std::uint16_t port) {
+  ++tcp_request_;
+  attempt_tcp(host, port);
+}
+
+void connection_t::attempt_tcp(const std::string& host, std::uint16_t port) {
   console_.print(console_.date() + "  Connect " + host_port(host, port));
   status_tcp = "Connect " + host_port(host, port);
   sta_fg_tcp = colour_t::green;
@@ -69,6 +75,7 @@ void connection_t::connect_ble(const std::string& name) {
 
 void connection_t::disconnect() {
   console_.print(console_.date() + "  Disconnecting");
+  ++tcp_request_;
   if (tcp_client_) tcp_client_->stop();
   if (ble_) ble_->stop();
   status_ble = "offline";
@@ -106,19 +113,20 @@ void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t
     console_.print(console_.date() + "  disconnected from " + peer);
     return;
   }
-  const char* text = std::strerror(error);
-  status_tcp = text != nullptr && *text != '\0' ? std::string(text) : std::string("Unknown error");
+  status_tcp = link_error_text(error);
   sta_fg_tcp = colour_t::red;
   console_.print(console_.date() + "  connect " + peer + "  " + std::to_string(error) + " " + status_tcp.get());
   schedule_reconnect();
 }
 
-// Retries while the user still wants the link and it is not up; every failure schedules the next.
+// Retries the request that failed while it is still the user's last and the link is not up; every
+// failure schedules the next. A disconnect or a new connect ends the request and its retries.
 void connection_t::schedule_reconnect() {
-  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), host = tcp_host_, port = tcp_port_] {
+  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), request = tcp_request_,
+                                      host = tcp_host_, port = tcp_port_] {
     const auto still_alive = alive.lock();
     if (!still_alive || !*still_alive) return;
-    if (tcp_client().enabled() && !tcp_client().valid()) connect_tcp(host, port);
+    if (request == tcp_request_ && !tcp_client().valid()) attempt_tcp(host, port);
   });
 }
 

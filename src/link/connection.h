@@ -106,6 +106,7 @@ private:
   void count_candidate();
   void log_record();
   void log_error(gps_bin_return_t result);
+  void attempt_tcp(const std::string& host, std::uint16_t port);
   void schedule_reconnect();
 
   // Counts the records the UBX decoder passes on, so the hub knows whether a chunk decoded one.
@@ -129,6 +130,7 @@ private:
   std::unique_ptr<ble_link_t> ble_;
   std::string tcp_host_;  // the address of the last TCP connect, for its retries
   std::uint16_t tcp_port_ = 0;
+  std::uint64_t tcp_request_ = 0;  // counts the user's TCP connects and disconnects; a retry serves one
   bool binary_ = false;
   bool log_shown_ = false;  // the screens show the log: it keeps log_limit_shown entries
   std::vector<subscription_t> any_cancellable_;

@@ -13,7 +13,9 @@ inline std::string host_port(const std::string& host, std::uint16_t port) {
 }
 
 // What a transport reports to the hub, on the main thread. Every link, whatever carries its bytes,
-// reports through these three calls, so the hub holds the one receive path.
+// reports through these three calls, so the hub holds the one receive path. A report belongs to
+// the link's current request: once stop() or a newer connect has ended a request, nothing of it
+// arrives.
 class link_events_t {
 public:
   virtual ~link_events_t() = default;

@@ -1,6 +1,5 @@
 #include "link/tcp_client.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -11,7 +10,10 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+
+#include "link/host_address.h"
 
 namespace {
 
@@ -19,9 +21,11 @@ void set_int_option(int fd, int level, int option, int value) {
   ::setsockopt(fd, level, option, &value, sizeof value);
 }
 
-// Waits for a non-blocking connect to finish; gives up (returning -1) once `stay` says so.
+// Waits for a non-blocking connect to finish: its error (0 when connected), ETIMEDOUT once
+// timeout_s has passed, or -1 as soon as `stay` no longer holds.
 template <class F>
-int finish_connect(int fd, int poll_ms, F&& stay) {
+int finish_connect(int fd, int poll_ms, double timeout_s, F&& stay) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(timeout_s);
   for (;;) {
     pollfd p{fd, POLLOUT, 0};
     const int ready = ::poll(&p, 1, poll_ms);
@@ -33,13 +37,14 @@ int finish_connect(int fd, int poll_ms, F&& stay) {
       if (::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) != 0) return errno;
       return error;
     }
+    if (std::chrono::steady_clock::now() >= deadline) return ETIMEDOUT;
   }
 }
 
 }  // namespace
 
-tcp_client_t::tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console)
-    : events_(events), queue_(queue), console_(console) {}
+tcp_client_t::tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console, tcp_timing_t timing)
+    : events_(events), queue_(queue), console_(console), timing_(timing) {}
 
 tcp_client_t::~tcp_client_t() {
   *alive_ = false;
@@ -127,54 +132,81 @@ void tcp_client_t::join_finished_threads() {
   });
 }
 
-void tcp_client_t::connect_task(std::string host, std::uint16_t port, std::uint64_t generation) {
-  auto report_error = [&](int error) {
-    queue_.post_and_wait([this, host, port, error] { events_.link_down(host_port(host, port), error); });
-  };
-  const int fd = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-  if (fd < 0) {
-    report_error(errno);
-    return;
+// On the main thread, where stop() and connect() move the generation on, a report of an attempt that
+// is no longer current is dropped: nothing of a request reaches the hub once the user has ended it.
+void tcp_client_t::report(std::uint64_t generation, std::function<void()> call) {
+  queue_.post([this, alive = std::weak_ptr(alive_), generation, call = std::move(call)] {
+    if (const auto a = alive.lock(); a && *a && current(generation)) call();
+  });
+}
+
+// Looks the host up, then tries its addresses in turn until one connects; the last failure is
+// reported. Nothing is reported once a disconnect or a newer connect has ended the attempt.
+void tcp_client_t::connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation) {
+  const auto stay = [this, generation] { return current(generation); };
+  const auto found = look_up(lookup_name(host), port, connect_poll_ms, stay);
+  if (!found) return;
+  int error = found->error;
+  for (const auto& address : found->addresses) {
+    error = try_address(host, port, generation, address);
+    if (error <= 0) return;
   }
+  report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
+}
+
+// 0 when connected (the receive loop runs), -1 when the attempt was ended meanwhile, else the error.
+int tcp_client_t::try_address(const std::string& host, std::uint16_t port, std::uint64_t generation,
+                              const socket_address_t& address) {
+  const int fd = ::socket(address.family, SOCK_STREAM, IPPROTO_TCP);
+  if (fd < 0) return errno;
   // Published while connecting, so a disconnect can shut the attempt down.
   {
     std::lock_guard lock(state_mutex_);
     if (current(generation)) so_ = fd;
   }
   set_int_option(fd, IPPROTO_TCP, TCP_NODELAY, 1);
-
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = ::inet_addr(host.c_str());
+  // A peer that vanished without a word (a receiver losing power) is found within about 25 s.
+  set_int_option(fd, SOL_SOCKET, SO_KEEPALIVE, 1);
+  set_int_option(fd, IPPROTO_TCP, TCP_KEEPIDLE, 10);
+  set_int_option(fd, IPPROTO_TCP, TCP_KEEPINTVL, 5);
+  set_int_option(fd, IPPROTO_TCP, TCP_KEEPCNT, 3);
 
   // Non-blocking while connecting, so that a disconnect is seen within connect_poll_ms.
   const int flags = ::fcntl(fd, F_GETFL, 0);
   ::fcntl(fd, F_SETFL, flags | O_NONBLOCK);
   int error = 0;
-  if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    error = errno == EINPROGRESS ? finish_connect(fd, connect_poll_ms, [&] { return current(generation); }) : errno;
+  if (::connect(fd, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0) {
+    error = errno == EINPROGRESS
+                ? finish_connect(fd, connect_poll_ms, timing_.connect_timeout_s, [&] { return current(generation); })
+                : errno;
   }
   ::fcntl(fd, F_SETFL, flags);
 
   if (error == 0 && claim_connection(generation, fd)) {
-    // Posted before the receive loop starts, so the hub hears of the link before its first chunk.
-    queue_.post([this, alive = std::weak_ptr(alive_), host, port] {
-      if (const auto a = alive.lock(); a && *a) events_.link_up(host_port(host, port));
-    });
+    // Reported before the receive loop starts, so the hub hears of the link before its first chunk.
+    report(generation, [this, host, port] { events_.link_up(host_port(host, port)); });
     start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
-    return;
+    return 0;
   }
   const bool wanted = release_connection(generation, fd);
   ::close(fd);
-  if (error > 0 && wanted && enabled_) report_error(error);
+  return wanted && error > 0 ? error : -1;
 }
 
 void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd) {
   std::array<std::uint8_t, recv_size> buffer{};
   bool closing = false;
   int error = 0;
+  const int silence_ms = static_cast<int>(timing_.silence_limit_s * 1000);
   while (valid_ && current(generation)) {
+    // A peer that stays connected but sends nothing is as good as lost.
+    pollfd p{fd, POLLIN, 0};
+    const int ready = ::poll(&p, 1, silence_ms);
+    if (ready == 0) {
+      error = ENODATA;
+      break;
+    }
+    if (ready < 0 && errno == EINTR) continue;
     const auto n = ::recv(fd, buffer.data(), buffer.size(), 0);
     if (n <= 0) {
       // An orderly close by the peer sets no error; it is reported as a reset connection.
@@ -183,7 +215,9 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
     }
     const std::span<const std::uint8_t> chunk(buffer.data(), static_cast<std::size_t>(n));
     // Once the main queue is closing the hand-over gives up, and the loop ends.
-    if (!queue_.post_and_wait([this, chunk] { events_.link_bytes(chunk); })) {
+    if (!queue_.post_and_wait([this, chunk, generation] {
+          if (current(generation)) events_.link_bytes(chunk);
+        })) {
       closing = true;
       break;
     }
@@ -197,7 +231,5 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
     console_.print("tcp_client disconnected " + host_port(host, port) + "\n");
     return;
   }
-  queue_.post([this, alive = std::weak_ptr(alive_), host, port, error] {
-    if (const auto a = alive.lock(); a && *a) events_.link_down(host_port(host, port), error);
-  });
+  report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,10 +11,18 @@
 
 #include "core/console.h"
 #include "core/main_queue.h"
+#include "link/host_lookup.h"
 #include "link/link.h"
+#include "link/link_error.h"
+
+struct tcp_timing_t {
+  double connect_timeout_s = 10.0;  // an address that does not answer is given up after this
+  double silence_limit_s = tcp_silence_limit_s;
+};
 
 // The TCP link to a receiver, or a serial-to-network bridge in front of one, serving NMEA text
-// and UBX binary on a plain port. Each connect attempt runs on a thread named "connect"; each
+// and UBX binary on a plain port. Each connect attempt (the host's lookup, then its addresses in
+// turn, each given up after a timeout) runs on a thread named "connect"; each
 // connection's receive loop on a thread named "task_rx", which hands every raw chunk to the main
 // thread and waits, so at most one chunk is in flight. Every report arrives on the main thread.
 //
@@ -22,14 +31,16 @@
 // never read from, or close, a newer connection's descriptor. The flags are atomics for their
 // readers; the few changes that must agree with the generation (a connection made, a connection
 // lost, a disconnect, a bridge send) hold state_mutex_, so a disconnect racing a connect can never
-// leave valid set without a connection. The owner closes the main queue before destroying the
+// leave valid set without a connection. A report is checked against the generation on the main
+// thread, where it arrives, so none from an attempt that a disconnect or a newer connect ended
+// reaches the hub, however the threads raced. The owner closes the main queue before destroying the
 // client, so no thread waits for a main thread that has stopped serving.
 class tcp_client_t final : public tcp_link_t {
 public:
   static constexpr std::size_t recv_size = 2047;  // bytes per receive call
   static constexpr int connect_poll_ms = 100;     // how often a pending connect checks for a disconnect
 
-  tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console);
+  tcp_client_t(link_events_t& events, main_queue_t& queue, console_t& console, tcp_timing_t timing = {});
   ~tcp_client_t() override;
 
   std::int32_t connect(const std::string& host, std::uint16_t port) override;
@@ -41,17 +52,21 @@ public:
   int so() const { return so_; }
 
 private:
-  void connect_task(std::string host, std::uint16_t port, std::uint64_t generation);
+  void connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation);
+  int try_address(const std::string& host, std::uint16_t port, std::uint64_t generation,
+                  const socket_address_t& address);
   void receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd);
   bool current(std::uint64_t generation) const { return generation_ == generation; }
   bool claim_connection(std::uint64_t generation, int fd);
   bool release_connection(std::uint64_t generation, int fd);
+  void report(std::uint64_t generation, std::function<void()> call);
   void start_thread(const char* name, std::function<void()> body);
   void join_finished_threads();
 
   link_events_t& events_;
   main_queue_t& queue_;
   console_t& console_;
+  const tcp_timing_t timing_;
   std::atomic<bool> enabled_{false};
   std::atomic<bool> valid_{false};
   std::atomic<int> so_{-1};

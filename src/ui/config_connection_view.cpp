@@ -90,7 +90,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   auto* ip = new QGroupBox("IP address and port");
   auto* ip_row = new QHBoxLayout(ip);
   host_->setPlaceholderText("host");
-  host_->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
+  host_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
   port_->setPlaceholderText("port");
   port_->setInputMethodHints(Qt::ImhDigitsOnly);
   port_->setFixedWidth(80);

@@ -54,18 +54,6 @@ TEST_F(config_test, the_eleventh_host_drops_the_oldest) {
   EXPECT_EQ(c->port_bind(), "10110");
 }
 
-TEST_F(config_test, parse_ipv4) {
-  const std::pair<const char*, const char*> accepted[] = {{"10.0.0.1", "10.0.0.1"},
-                                                          {"010.000.000.001", "10.0.0.1"},
-                                                          {"192.168.001.010", "192.168.1.10"},
-                                                          {"254.255.255.254", "254.255.255.254"}};
-  for (const auto& [text, normalised] : accepted)
-    EXPECT_EQ(config_connection_t::parse_ipv4(text), std::string(normalised)) << text;
-  for (const char* text : {"0.1.2.3", "255.1.2.3", "1.2.3.0", "1.2.3.255", "1.2.3", "1.2.3.4.5", "1..2.3", "1.2.3.x",
-                           "", "1.2.3.+4", "1.2.3.-4"})
-    EXPECT_FALSE(config_connection_t::parse_ipv4(text)) << text;
-}
-
 TEST_F(config_test, typed_host_and_port_are_validated) {
   const auto c = start();
   c->set_host_bind("192,168,1,20");
@@ -75,6 +63,8 @@ TEST_F(config_test, typed_host_and_port_are_validated) {
   c->set_host_bind("192.168.1.");
   EXPECT_FALSE(c->host_valid);
   EXPECT_EQ(c->host.get(), "192.168.1.20") << "an invalid host never replaces the current one";
+  c->set_host_bind("::1");
+  EXPECT_EQ(std::pair(c->host_valid.get(), c->host.get()), std::pair(true, std::string("[::1]")));
 
   const struct {
     const char* text;
@@ -103,6 +93,8 @@ TEST_F(config_test, stored_values_of_the_wrong_type_are_ignored) {
   const auto c = start();
   EXPECT_EQ(std::tuple(c->enable_ble().get(), c->host.get(), c->port.get(), c->ble_name.get()),
             std::tuple(true, "127.0.0.1", 81, "Thingy:91 UART"));
+  store.values["history_host"] = list({memory_kv_store_t::text("no host!"), memory_kv_store_t::text("010.0.0.9")});
+  EXPECT_EQ(start()->history_host.get(), strings_t{"10.0.0.9"}) << "stored hosts meet the typed hosts' rules";
 }
 
 TEST_F(config_test, a_restart_restores_switches_and_histories) {

@@ -10,33 +10,46 @@
 #include <string>
 #include <vector>
 
-// A TCP server on 127.0.0.1 for tests: listens on a given or an ephemeral port, accepts one
-// client at a time, sends what the test says. Every wait is bounded.
+// A TCP server on 127.0.0.1 (or ::1) for tests: listens on a given or an ephemeral port, accepts
+// one client at a time, sends what the test says. Every wait is bounded.
 class loopback_server_t {
 public:
-  explicit loopback_server_t(std::uint16_t port = 0) { listen_on(port); }
+  explicit loopback_server_t(std::uint16_t port = 0, int family = AF_INET) : family_(family) { listen_on(port); }
   ~loopback_server_t() {
     drop_client();
     stop_listening();
+    if (filler_ != -1) ::close(filler_);
   }
   loopback_server_t(const loopback_server_t&) = delete;
   loopback_server_t& operator=(const loopback_server_t&) = delete;
 
   std::uint16_t port() const { return port_; }
 
-  bool listen_on(std::uint16_t port) {
-    listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  bool listen_on(std::uint16_t port, int backlog = 4) {
+    listener_ = ::socket(family_, SOCK_STREAM, 0);
     int one = 1;
     ::setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-    sockaddr_in a{};
-    a.sin_family = AF_INET;
-    a.sin_port = htons(port);
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::bind(listener_, reinterpret_cast<sockaddr*>(&a), sizeof a) != 0 || ::listen(listener_, 4) != 0) return false;
-    socklen_t length = sizeof a;
-    ::getsockname(listener_, reinterpret_cast<sockaddr*>(&a), &length);
-    port_ = ntohs(a.sin_port);
+    sockaddr_storage a{};
+    socklen_t length = family_ == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+    if (family_ == AF_INET6) {
+      reinterpret_cast<sockaddr_in6&>(a) = {AF_INET6, htons(port), 0, in6addr_loopback, 0};
+    } else {
+      reinterpret_cast<sockaddr_in&>(a) = {AF_INET, htons(port), {htonl(INADDR_LOOPBACK)}, {}};
+    }
+    auto* address = reinterpret_cast<sockaddr*>(&a);
+    if (::bind(listener_, address, length) != 0 || ::listen(listener_, backlog) != 0) return false;
+    ::getsockname(listener_, address, &length);
+    port_ = ntohs(reinterpret_cast<sockaddr_in&>(a).sin_port);
     return true;
+  }
+  // Listens again (IPv4) with its accept queue filled by a connection of its own: the kernel then
+  // answers no further connect.
+  void stop_answering() {
+    stop_listening();
+    listen_on(port_, 0);
+    filler_ = ::socket(family_, SOCK_STREAM, 0);
+    sockaddr_in a{AF_INET, htons(port_), {htonl(INADDR_LOOPBACK)}, {}};
+    ::connect(filler_, reinterpret_cast<sockaddr*>(&a), sizeof a);
   }
   void stop_listening() {
     if (listener_ != -1) ::close(listener_);
@@ -69,5 +82,7 @@ public:
 private:
   int listener_ = -1;
   int client_ = -1;
+  int filler_ = -1;
+  int family_ = AF_INET;
   std::uint16_t port_ = 0;
 };

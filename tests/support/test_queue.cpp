@@ -91,6 +91,11 @@ bool test_queue_t::run_until(const std::function<bool()>& pred, double wall_time
   }
 }
 
+bool test_queue_t::wait_posted(double wall_timeout_s) {
+  std::unique_lock lock(mutex_);
+  return cv_.wait_for(lock, std::chrono::duration<double>(wall_timeout_s), [&] { return !ready_.empty(); });
+}
+
 void test_queue_t::close() {
   std::lock_guard lock(mutex_);
   closing_ = true;

@@ -24,6 +24,9 @@ public:
   void advance(double seconds);
   // Serves the queue until pred() holds or wall_timeout_s passes; for tests with real threads.
   bool run_until(const std::function<bool()>& pred, double wall_timeout_s = 5.0);
+  // Waits until a task is ready, without running it: for a test that acts while a thread's report is
+  // on its way to the main thread.
+  bool wait_posted(double wall_timeout_s = 5.0);
   // Releases waiting threads; later post_and_wait calls give up.
   void close();
 
