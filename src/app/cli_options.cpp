@@ -6,9 +6,9 @@
 
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
-    "       korvid-cli --connect tcp://HOST:PORT|ble://NAME|saved [--settings FILE] [--duration S]\n"
+    "       korvid-cli --connect ADDRESS|saved [--settings FILE] [--duration S]\n"
     "                  [--interval S] [--json] [--show-all]\n"
-    "       korvid-cli --bridge --connect ble://NAME --connect tcp://HOST:PORT [...]\n"
+    "       korvid-cli --bridge --connect ble://NAME|serial://PATH --connect tcp://HOST:PORT [...]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"
     "\n"
@@ -21,8 +21,15 @@ const char* const cli_usage =
     "                  a lost or refused link is retried every 4 s\n"
     "  --connect ble://NAME\n"
     "                  connect to the Bluetooth LE peripheral advertising NAME (Nordic UART Service)\n"
-    "  --bridge        with a ble:// and a tcp:// connection: open both and forward the bytes\n"
-    "                  received on either to the other (a BLE-to-TCP relay)\n"
+    "  --connect serial:///dev/ttyACM0[?baud=N]\n"
+    "                  read a receiver on a serial or USB port; without a rate it is detected\n"
+    "  --connect udp://:PORT\n"
+    "                  read the datagrams sent to a local port (IPv4 and IPv6)\n"
+    "  --connect gpsd://HOST[:PORT][?raw]\n"
+    "                  read what a gpsd daemon relays (port 2947): NMEA, or with ?raw every byte\n"
+    "  --bridge        with a tcp:// and one other connection: open both and forward the bytes\n"
+    "                  received on either to the other (a BLE-to-TCP relay, corrections to a\n"
+    "                  receiver on a serial port)\n"
     "  --connect saved connect as the saved settings say (the host and port, the name, or both)\n"
     "  --settings FILE use this INI file instead of the user's settings\n"
     "  --duration S    stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
@@ -69,6 +76,10 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       constexpr std::string_view ble_scheme = "ble://";
       if (value == "saved") {
         options.connect_saved = true;
+      } else if (is_source_url(value)) {
+        const auto source = parse_source_url(value);
+        if (!source.address) return fail("--connect " + source.error);
+        options.source = source.address;
       } else if (value.substr(0, ble_scheme.size()) == ble_scheme) {
         options.ble_name = std::string(value.substr(ble_scheme.size()));
         if (options.ble_name.empty()) return fail("--connect ble://NAME needs the peripheral's name");
@@ -98,11 +109,12 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     }
   }
   if (options.help) return {options, {}};
-  const bool both = !options.host.empty() && !options.ble_name.empty();
-  if (options.bridge != both) return fail("--bridge goes with one ble:// and one tcp:// connection");
-  if (options.connect_saved && (!options.host.empty() || !options.ble_name.empty()))
-    return fail("--connect saved stands alone");
-  const bool connect = !options.host.empty() || !options.ble_name.empty() || options.connect_saved;
+  const bool tcp = !options.host.empty(), ble = !options.ble_name.empty(), source = options.source.has_value();
+  const int links = int{tcp} + int{ble} + int{source};
+  if (options.bridge ? !(tcp && links == 2) : links > 1)
+    return fail("--bridge goes with one tcp:// and one ble://, serial://, udp:// or gpsd:// connection");
+  if (options.connect_saved && (tcp || ble || source)) return fail("--connect saved stands alone");
+  const bool connect = tcp || ble || source || options.connect_saved;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");

@@ -7,14 +7,17 @@
 #include <string>
 #include <string_view>
 
+#include "link/source_address.h"
+
 // What korvid-cli was asked to do.
 struct cli_options_t {
   std::string replay_file;
-  std::string host;            // --connect tcp://HOST:PORT
-  std::string ble_name;        // --connect ble://NAME
-  bool bridge = false;         // both links at once, bytes forwarded between them
-  bool connect_saved = false;  // --connect saved: as the saved settings say
-  std::string settings_file;   // an INI file instead of the user's settings
+  std::string host;                        // --connect tcp://HOST:PORT
+  std::string ble_name;                    // --connect ble://NAME
+  std::optional<source_address_t> source;  // --connect serial://..., udp://... or gpsd://...
+  bool bridge = false;                     // both links at once, bytes forwarded between them
+  bool connect_saved = false;              // --connect saved: as the saved settings say
+  std::string settings_file;               // an INI file instead of the user's settings
   std::uint16_t port = 0;
   double duration_s = 0;  // 0: until interrupted
   double interval_s = 1;  // between JSON snapshots

@@ -78,6 +78,7 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
     connect_or_disconnect(*settings, hub);
   } else {
     if (!options.ble_name.empty()) hub.connect_ble(options.ble_name);
+    if (options.source) hub.connect_source(*options.source);
     if (!options.host.empty()) hub.connect_tcp(options.host, options.port);
   }
   app.exec();

@@ -30,6 +30,18 @@ void write_hub(json_writer_t& w, const connection_t& hub) {
   w.end_object();
 }
 
+// Only once a serial, UDP or gpsd link was asked for, so that other snapshots keep their sections.
+void write_source(json_writer_t& w, const connection_t& hub) {
+  if (!hub.source()) return;
+  w.key("source");
+  w.begin_object();
+  put(w, "address", hub.source()->address().text());
+  put(w, "status", hub.status_source.get());
+  put(w, "enabled", hub.source_enabled());
+  put(w, "valid", hub.source()->valid());
+  w.end_object();
+}
+
 void write_time(json_writer_t& w, const time_hms_t& t) {
   w.key("time");
   w.begin_object();
@@ -196,6 +208,7 @@ std::string snapshot_json(const connection_t& hub) {
   write_vtg(w, hub.vtg);
   write_gsa(w, hub.gsa);
   write_gsv(w, hub.gsv);
+  write_source(w, hub);
   w.end_object();
   return w.text();
 }

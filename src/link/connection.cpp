@@ -7,6 +7,7 @@
 
 #include "core/word_scan.h"
 #include "link/link_error.h"
+#include "link/serial_link.h"
 #include "nmea/sentence.h"
 #include "ubx/record_text.h"
 
@@ -73,15 +74,42 @@ void connection_t::connect_ble(const std::string& name) {
   ble().connect(name);
 }
 
+// A new address gets a new link; the same address keeps the link it has.
+void connection_t::connect_source(const source_address_t& address) {
+  ++source_request_;
+  if (!source_ || source_->address() != address) {
+    if (source_) source_->stop();
+    source_ = links_.make_source(address, source_side_);
+  }
+  if (!source_) {
+    console_.print(console_.date() + "  " + address.text() + " cannot be opened by this program");
+    status_source = "not available";
+    sta_fg_source = colour_t::red;
+    return;
+  }
+  attempt_source();
+}
+
+void connection_t::attempt_source() {
+  console_.print(console_.date() + "  Connect " + source_->address().text());
+  status_source = "Connect " + source_->address().text();
+  sta_fg_source = colour_t::green;
+  if (source_->open() != 0) console_.print("already connected");
+}
+
 void connection_t::disconnect() {
   console_.print(console_.date() + "  Disconnecting");
   ++tcp_request_;
+  ++source_request_;
   if (tcp_client_) tcp_client_->stop();
   if (ble_) ble_->stop();
+  if (source_) source_->stop();
   status_ble = "offline";
   status_tcp = "offline";
+  status_source = "offline";
   sta_fg_ble = colour_t::accent;
   sta_fg_tcp = colour_t::accent;
+  sta_fg_source = colour_t::accent;
 }
 
 void connection_t::reset() {
@@ -107,6 +135,10 @@ void connection_t::link_up(side_t& side, const std::string& peer) {
 }
 
 void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t error) {
+  if (&side == &source_side_) {
+    source_down(peer, error);
+    return;
+  }
   if (&side == &ble_side_) {
     status_ble = "BLE scanning...";
     sta_fg_ble = colour_t::red;
@@ -130,13 +162,36 @@ void connection_t::schedule_reconnect() {
   });
 }
 
-// Every chunk is first forwarded to the other link for the bridge, then cut into lines or decoded
-// as binary. A link that was never created cannot be up: bridged bytes for it are dropped without
-// creating it (and, for Bluetooth, without waking the platform's stack for every TCP chunk).
-// Whether a binary chunk decoded a record decides whether the link stays binary.
+// Shown and retried as a TCP failure is, in the words of the link's kind.
+void connection_t::source_down(const std::string& peer, std::int32_t error) {
+  const bool serial = source_ && source_->address().kind == source_address_t::kind_t::serial;
+  status_source = serial ? serial_error_text(error) : link_error_text(error);
+  sta_fg_source = colour_t::red;
+  console_.print(console_.date() + "  connect " + peer + "  " + std::to_string(error) + " " + status_source.get());
+  queue_.post_after(reconnect_delay, [this, alive = std::weak_ptr<bool>(alive_), request = source_request_] {
+    const auto still_alive = alive.lock();
+    if (!still_alive || !*still_alive) return;
+    if (request == source_request_ && source_ && !source_->valid()) attempt_source();
+  });
+}
+
+// The bridge: TCP sends to Bluetooth and to a source link (corrections for a receiver on a serial
+// port); Bluetooth and a source link send to TCP. A link that was never created cannot be up:
+// bridged bytes for it are dropped without creating it (and, for Bluetooth, without waking the
+// platform's stack for every TCP chunk).
+void connection_t::bridge(const side_t& from, std::span<const std::uint8_t> bytes) {
+  if (&from != &tcp_side_) {
+    if (tcp_client_) tcp_client_->write(bytes);
+    return;
+  }
+  if (ble_) ble_->write(bytes);
+  if (source_) source_->write(bytes);
+}
+
+// Every chunk is first forwarded to the other links for the bridge, then cut into lines or decoded
+// as binary. Whether a binary chunk decoded a record decides whether the link stays binary.
 void connection_t::link_bytes(side_t& side, std::span<const std::uint8_t> bytes) {
-  link_t* other = &side == &tcp_side_ ? static_cast<link_t*>(ble_.get()) : tcp_client_.get();
-  if (other) other->write(bytes);
+  bridge(side, bytes);
   const auto cut = side.splitter.feed(bytes);
   if (cut.binary) {
     const auto records = record_tally_.records;

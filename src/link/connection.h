@@ -40,6 +40,8 @@ public:
   // Operations of the screens.
   void connect_tcp(const std::string& host, std::uint16_t port);
   void connect_ble(const std::string& name);
+  // A serial port, a UDP port or a gpsd daemon, the third link beside TCP and Bluetooth.
+  void connect_source(const source_address_t& address);
   void disconnect();
   void reset();
   // Empties the log and restarts the message counters and the acknowledgement, as a new link does.
@@ -51,6 +53,7 @@ public:
   // Where each transport reports. A replay feeds the TCP link's receive path without connecting.
   link_events_t& tcp_events() { return tcp_side_; }
   link_events_t& ble_events() { return ble_side_; }
+  link_status_events_t& source_events() { return source_side_; }
 
   // The transports, created on first use.
   tcp_link_t& tcp_client();
@@ -58,6 +61,9 @@ public:
   // Whether the user wants a link; false for a transport not yet created.
   bool tcp_enabled() const { return tcp_client_ && tcp_client_->enabled(); }
   bool ble_enabled() const { return ble_ && ble_->enabled(); }
+  bool source_enabled() const { return source_ && source_->enabled(); }
+  // The source link last asked for; nullptr before the first.
+  const source_link_t* source() const { return source_.get(); }
 
   // The data handled last was a binary chunk (UBX), not text lines.
   bool binary() const { return binary_; }
@@ -66,6 +72,8 @@ public:
   published_t<colour_t> sta_fg_tcp{*this, colour_t::primary};
   published_t<std::string> status_ble{*this, "offline"};
   published_t<std::string> status_tcp{*this, "offline"};
+  published_t<colour_t> sta_fg_source{*this, colour_t::primary};
+  published_t<std::string> status_source{*this, "offline"};
   published_t<string_ring_t> arr_rx{*this, string_ring_t(log_limit_shown)};
   published_t<bool> show_all{*this, false};  // log every valid sentence, not only GGA
   std::uint64_t msg_ack_count = 0;
@@ -83,10 +91,11 @@ public:
 
 private:
   // One per transport: where it reports, with the status it drives and its own line cutter.
-  class side_t final : public link_events_t {
+  class side_t final : public link_status_events_t {
   public:
     side_t(connection_t& hub, published_t<std::string>& status, published_t<colour_t>& colour)
         : hub_(hub), status(status), colour(colour) {}
+    void link_status(const std::string& text) override { status = text; }
     void link_up(const std::string& peer) override { hub_.link_up(*this, peer); }
     void link_down(const std::string& peer, std::int32_t error) override { hub_.link_down(*this, peer, error); }
     void link_bytes(std::span<const std::uint8_t> bytes) override { hub_.link_bytes(*this, bytes); }
@@ -108,6 +117,9 @@ private:
   void log_error(gps_bin_return_t result);
   void attempt_tcp(const std::string& host, std::uint16_t port);
   void schedule_reconnect();
+  void attempt_source();
+  void source_down(const std::string& peer, std::int32_t error);
+  void bridge(const side_t& from, std::span<const std::uint8_t> bytes);
 
   // Counts the records the UBX decoder passes on, so the hub knows whether a chunk decoded one.
   struct record_tally_t final : gps_protocol_bin_t {
@@ -126,11 +138,14 @@ private:
   link_factory_t& links_;
   side_t tcp_side_{*this, status_tcp, sta_fg_tcp};
   side_t ble_side_{*this, status_ble, sta_fg_ble};
+  side_t source_side_{*this, status_source, sta_fg_source};
   std::unique_ptr<tcp_link_t> tcp_client_;
   std::unique_ptr<ble_link_t> ble_;
   std::string tcp_host_;  // the address of the last TCP connect, for its retries
   std::uint16_t tcp_port_ = 0;
   std::uint64_t tcp_request_ = 0;  // counts the user's TCP connects and disconnects; a retry serves one
+  std::unique_ptr<source_link_t> source_;
+  std::uint64_t source_request_ = 0;  // the same for the source link
   bool binary_ = false;
   bool log_shown_ = false;  // the screens show the log: it keeps log_limit_shown entries
   std::vector<subscription_t> any_cancellable_;

@@ -26,6 +26,12 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
       {{"--connect", "tcp://gps-1.lan:81"}, {.host = "gps-1.lan", .port = 81, .chunk = 2047}},
       {{"--bridge", "--connect", "ble://Thingy:91 UART", "--connect", "tcp://127.0.0.1:10110"},
        {.host = "127.0.0.1", .ble_name = "Thingy:91 UART", .bridge = true, .port = 10110, .chunk = 2047}},
+      {{"--bridge", "--connect", "serial:///dev/ttyACM0", "--connect", "tcp://127.0.0.1:2101"},
+       {.host = "127.0.0.1",
+        .source = source_address_t{.path = "/dev/ttyACM0"},
+        .bridge = true,
+        .port = 2101,
+        .chunk = 2047}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -46,7 +52,8 @@ TEST(cli_options, names_what_is_wrong) {
       {{}, "nothing to do"},
       {{"--connect"}, "--connect needs"},
       {{"--connect", "tcp://127.0.0.1"}, "takes tcp://HOST:PORT, not 'tcp://127.0.0.1'"},
-      {{"--connect", "udp://127.0.0.1:81"}, "takes tcp://HOST:PORT, not"},
+      {{"--connect", "udp://127.0.0.1:81"}, "--connect takes udp://:PORT"},
+      {{"--connect", "ftp://127.0.0.1:81"}, "takes tcp://HOST:PORT, not"},
       {{"--connect", "tcp://127.0.0.1:0"}, "PORT from 1 to 65535, not '0' in 'tcp://127.0.0.1:0'"},
       {{"--connect", "tcp://127.0.0.1:+81"}, "not '+81'"},
       {{"--connect", "tcp://0.0.0.0:81"}, "HOST that is a dotted quad with its first and last numbers 1 to 254"},
@@ -57,7 +64,8 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "tcp://127.0.0.1:81", "--interval", "x"}, "--interval must be"},
       {{"--connect", "tcp://127.0.0.1:81", "--duration", "2147484"}, "seconds up to 2147483, not '2147484'"},
       {{"--connect", "saved", "--settings"}, "--settings needs a file name"},
-      {{"--bridge", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with one ble:// and one tcp://"},
+      {{"--bridge", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with one tcp:// and one ble://"},
+      {{"--bridge", "--connect", "udp://:1", "--connect", "ble://x"}, "--bridge goes with"},
       {{"--connect", "ble://x", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with"},
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},

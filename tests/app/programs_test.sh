@@ -45,5 +45,41 @@ grep -aq '^\$GPGGA,.*\*[0-9A-F][0-9A-F]' "$out/at38400.bin" || fail "korvid-sim 
 kill -TERM "$pid"
 wait "$pid" || fail "korvid-sim --pty did not stop cleanly on SIGTERM"
 
+# korvid-cli reaches a live fix over each link of a receiver on the desk: a pseudo-terminal whose
+# rate it must find, UDP datagrams, and a gpsd daemon. Each peer is started by the caller.
+fix_over() {
+  "$bin/korvid-cli" --connect "$1" --duration 3 --json --interval 100 > "$out/fix.txt" 2>&1
+  grep '^{' "$out/fix.txt" | tail -1 | /usr/bin/python3 -c '
+import json, sys
+d = json.load(sys.stdin)
+sys.exit(0 if d["source"]["valid"] and d["gga"]["fix_i"] > 0 and d["hub"]["msg_good"] > 5 else 1)' ||
+    fail "no fix over $1: $(grep -v '^{' "$out/fix.txt" | head -3)"
+}
+free_port() { /usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'; }
+
+"$bin/korvid-sim" --pty --baud 38400 --rate 5 --duration 8 > "$out/pty.txt" 2>&1 &
+sim=$!
+for _ in $(seq 20); do grep -q 'serving on' "$out/pty.txt" && break; sleep 0.1; done
+fix_over "serial://$(grep -o '/dev/pts/[0-9]*' "$out/pty.txt")"
+grep -q 'at 38400 baud' "$out/fix.txt" || fail "the serial link did not find 38400 baud"
+kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null
+
+port=$(free_port)
+"$bin/korvid-sim" --udp "127.0.0.1:$port" --rate 5 --duration 8 > /dev/null 2>&1 &
+sim=$!
+fix_over "udp://:$port"
+kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null
+
+if command -v gpsfake > /dev/null && [ -x /usr/sbin/gpsd ]; then
+  port=$(free_port)
+  setsid gpsfake -q -c 0.02 -P "$port" "$(dirname "$0")/../../samples/demo.nmea" > /dev/null 2>&1 &
+  gpsfake=$!
+  sleep 1
+  fix_over "gpsd://127.0.0.1:$port"
+  kill -- "-$gpsfake" 2> /dev/null; wait "$gpsfake" 2> /dev/null
+else
+  echo "programs: gpsd and gpsfake are not installed; the gpsd link is not tried"
+fi
+
 [ "$failures" -eq 0 ] && echo "programs: all passed"
 exit "$failures"

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "link/serial_link.h"
 #include "support/fake_links.h"
 #include "support/link_feed.h"
 #include "support/recording_console.h"
@@ -243,6 +244,43 @@ TEST_F(hub_test, a_newer_connect_ends_the_retries_of_the_request_before) {
   hub.tcp_events().link_down("10.0.0.1:81", ETIMEDOUT);
   queue.advance(4.0);
   EXPECT_EQ(links.tcp->connects, (std::vector<std::string>{"127.0.0.1:9", "10.0.0.1:81", "10.0.0.1:81"}));
+}
+
+TEST_F(hub_test, a_source_link_is_shown_retried_and_bridged_like_tcp) {
+  const auto port = parse_source_url("serial:///dev/ttyACM0").address.value();
+  hub.connect_source(port);
+  EXPECT_EQ(std::pair(hub.status_source.get(), hub.sta_fg_source.get()),
+            std::pair(std::string("Connect serial:///dev/ttyACM0"), colour_t::green));
+  hub.source_events().link_status("detecting baud rate (38400)...");
+  EXPECT_EQ(hub.status_source.get(), "detecting baud rate (38400)...");
+  hub.source_events().link_down("/dev/ttyACM0", EACCES);
+  EXPECT_EQ(std::pair(hub.status_source.get(), hub.sta_fg_source.get()),
+            std::pair(serial_error_text(EACCES), colour_t::red));
+  EXPECT_EQ(console.lines.back().substr(25), "  connect /dev/ttyACM0  13 " + serial_error_text(EACCES));
+  queue.advance(4.0);
+  EXPECT_EQ(links.source->opens, 2);
+  hub.source_events().link_down("/dev/ttyACM0", ENODEV);
+  hub.disconnect();
+  queue.advance(8.0);
+  EXPECT_EQ(std::pair(links.source->opens, hub.status_source.get()), std::pair(2, std::string("offline")));
+
+  hub.connect_source(port);
+  links.source->is_valid = true;
+  hub.source_events().link_up("/dev/ttyACM0 at 38400 baud");
+  EXPECT_EQ(std::pair(hub.status_source.get(), hub.sta_fg_source.get()),
+            std::pair(std::string("/dev/ttyACM0 at 38400 baud"), colour_t::secondary));
+  hub.tcp_client().connect("127.0.0.1", 2101);
+  links.tcp->is_valid = true;
+  const bytes_t fix = {'$', 'A', '\n'}, correction = {0xD3, 0x00};
+  hub.source_events().link_bytes(fix);
+  hub.tcp_events().link_bytes(correction);
+  EXPECT_EQ(std::pair(links.tcp->sent, links.source->sent),
+            std::pair(std::vector<bytes_t>{fix}, std::vector<bytes_t>{correction}));
+
+  links.sources = false;
+  hub.connect_source(parse_source_url("udp://:10110").address.value());
+  EXPECT_EQ(std::pair(hub.status_source.get(), hub.sta_fg_source.get()),
+            std::pair(std::string("not available"), colour_t::red));
 }
 
 TEST_F(hub_test, a_retry_still_pending_when_the_hub_goes_does_nothing) {

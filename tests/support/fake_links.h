@@ -58,6 +58,28 @@ struct fake_ble_t final : ble_link_t {
   std::vector<std::vector<std::uint8_t>> written;
 };
 
+struct fake_source_t final : source_link_t {
+  explicit fake_source_t(source_address_t a) : where(std::move(a)) {}
+  std::int32_t open() override {
+    ++opens;
+    is_enabled = true;
+    return is_valid ? -1 : 0;
+  }
+  bool valid() const override { return is_valid; }
+  const source_address_t& address() const override { return where; }
+  bool enabled() const override { return is_enabled; }
+  void stop() override { is_enabled = is_valid = false; }
+  void write(std::span<const std::uint8_t> bytes) override {
+    if (is_valid) sent.emplace_back(bytes.begin(), bytes.end());
+  }
+
+  source_address_t where;
+  bool is_enabled = false;
+  bool is_valid = false;
+  int opens = 0;
+  std::vector<std::vector<std::uint8_t>> sent;
+};
+
 // Hands out the doubles and keeps a pointer to each, for the test to look at.
 struct fake_links_t final : link_factory_t {
   std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
@@ -70,6 +92,14 @@ struct fake_links_t final : link_factory_t {
     ble = link.get();
     return link;
   }
+  std::unique_ptr<source_link_t> make_source(const source_address_t& address, link_status_events_t&) override {
+    if (!sources) return nullptr;
+    auto link = std::make_unique<fake_source_t>(address);
+    source = link.get();
+    return link;
+  }
+  bool sources = true;  // false: a program that opens no serial, UDP or gpsd link
+  fake_source_t* source = nullptr;
   fake_tcp_t* tcp = nullptr;
   fake_ble_t* ble = nullptr;
 };
