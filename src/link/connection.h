@@ -12,6 +12,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "core/ring.h"
+#include "gnss/gnss_sky.h"
 #include "link/chunk_splitter.h"
 #include "link/link_factory.h"
 #include "nmea/gps_gngga.h"
@@ -80,6 +81,8 @@ public:
   gps_gnvtg_t vtg;
   gps_gngsa_t gsa;
   gps_gpgsv_t gsv;
+  // The satellites of every system and signal, offered every valid sentence after the six.
+  gnss_sky_t sky;
 
 private:
   // One per transport: where it reports, with the status it drives and its own line cutter.
