@@ -51,6 +51,7 @@ void gnss_sky_t::reset() {
   dop = sky_dop_t{};
   ageing_.clear();
   gsa_run_systems_ = 0;
+  sig_seen_ = false;
 }
 
 // Every sentence ends a run of GSA sentences but another GSA.
@@ -169,6 +170,49 @@ void gnss_sky_t::update_gsa(std::span<const std::string_view> f, std::optional<g
       const auto system = numbered_system(stated, *number);
       if (!system) return;
       mark_used(table, {*system, *number}, now);
+    }
+  });
+}
+
+void gnss_sky_t::update_dop(const gps_dop_t& r) {
+  constexpr double hundredths = 100.0;
+  dop = {r.gDOP / hundredths, r.pDOP / hundredths, r.tDOP / hundredths, r.vDOP / hundredths,
+         r.hDOP / hundredths, r.nDOP / hundredths, r.eDOP / hundredths};
+}
+
+void gnss_sky_t::update_sat(const gps_sat_t& r) {
+  constexpr int elevation_known = 90;  // degrees either way; beyond, the receiver does not know it
+  const double now = expire();
+  satellites.modify([&](table_t& table) {
+    for (const auto& sv : r.entries) {
+      const auto system = ubx_system(sv.gnssId);
+      if (!system || sv.svId == 0) continue;
+      auto& satellite = report(table, {*system, sv.svId}, now);
+      satellite.placed = sv.elev >= -elevation_known && sv.elev <= elevation_known && sv.azim >= 0 &&
+                         sv.azim <= static_cast<int>(azimuth_max);
+      satellite.elevation = satellite.placed ? sv.elev : std::int8_t{0};
+      satellite.azimuth = satellite.placed ? static_cast<std::uint16_t>(sv.azim) : std::uint16_t{0};
+      satellite.used = (sv.flags & gps_sat_sv_t::flag_used) != 0;
+      satellite.health = static_cast<std::uint8_t>((sv.flags >> gps_sat_sv_t::health_shift) & 0x03);
+      satellite.quality = static_cast<std::uint8_t>(sv.flags & gps_sat_sv_t::quality_mask);
+      satellite.residual_dm = sv.prRes;
+      if (!sig_seen_) set_signal(satellite, primary_signal(*system), sv.cno, now);
+    }
+  });
+}
+
+void gnss_sky_t::update_sig(const gps_sig_t& r) {
+  sig_seen_ = true;
+  const double now = expire();
+  satellites.modify([&](table_t& table) {
+    for (const auto& sv : r.entries) {
+      const auto system = ubx_system(sv.gnssId);
+      const auto signal = system ? ubx_signal(*system, sv.sigId) : std::nullopt;
+      if (!signal || sv.svId == 0) continue;
+      auto& satellite = report(table, {*system, sv.svId}, now);
+      set_signal(satellite, *signal, sv.cno, now);
+      for (auto& s : satellite.tracked)
+        if (s.id == *signal) s.used = (sv.sigFlags & gps_sig_sv_t::flag_pr_used) != 0;
     }
   });
 }

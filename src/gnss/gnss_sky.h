@@ -15,6 +15,7 @@
 #include "gnss/gnss_ids.h"
 #include "nmea/gps_protocol.h"
 #include "nmea/report_ageing.h"
+#include "ubx/gps_protocol_sky.h"
 
 // A satellite of any system, by its system and its number as the receiver gives it.
 struct sky_key_t {
@@ -35,11 +36,14 @@ struct sky_signal_t {
 };
 
 struct sky_satellite_t {
-  double time = 0.0;          // s, when anything last reported it
-  bool placed = false;        // elevation and azimuth are known
-  std::int8_t elevation = 0;  // degrees above the horizon; below it is negative
-  std::uint16_t azimuth = 0;  // degrees from true north
-  bool used = false;          // in the fix
+  double time = 0.0;             // s, when anything last reported it
+  bool placed = false;           // elevation and azimuth are known
+  std::int8_t elevation = 0;     // degrees above the horizon; below it is negative
+  std::uint16_t azimuth = 0;     // degrees from true north
+  bool used = false;             // in the fix
+  std::uint8_t health = 0;       // from UBX: 0 unknown, 1 healthy, 2 unhealthy
+  std::uint8_t quality = 0;      // from UBX: 0 no signal to 7 code and carrier locked
+  std::int16_t residual_dm = 0;  // from UBX: pseudorange residual, 0.1 m
   std::vector<sky_signal_t> tracked;
 
   // The strongest signal's C/N0, 0 without one.
@@ -60,10 +64,12 @@ struct sky_count_t {
 using sky_counts_t = std::array<sky_count_t, gnss_system_count>;
 
 // The satellites of every system on every signal, from the GSV and GSA sentences of every talker
-// (NMEA 2.3 to 4.11). A satellite is kept until it has gone unreported for 10 s, a signal until it
-// has for 10 s when its satellite is next reported. A GSA sentence lists the used satellites of its
-// system: the first GSA of a run of them that names a system replaces that system's used marks.
-class gnss_sky_t final : public observable_t, public gps_protocol_t {
+// (NMEA 2.3 to 4.11) and from the UBX records NAV-SAT, NAV-SIG and NAV-DOP. A satellite is kept
+// until it has gone unreported for 10 s, a signal until it has for 10 s when its satellite is next
+// reported. A GSA sentence lists the used satellites of its system: the first GSA of a run of them
+// that names a system replaces that system's used marks. NAV-SAT gives each satellite's C/N0 as its
+// first band's until NAV-SIG, which gives every signal, has been seen.
+class gnss_sky_t final : public observable_t, public gps_protocol_t, public gps_protocol_sky_t {
 public:
   static constexpr double satellite_valid_periode = 10.0;  // s a satellite or signal stays unreported
   static constexpr std::uint16_t number_max = 999;         // the widest satellite number of a sentence
@@ -76,6 +82,9 @@ public:
 
   void reset() override;
   void update(std::span<const std::string_view> fields) override;
+  void update_dop(const gps_dop_t& record) override;
+  void update_sat(const gps_sat_t& record) override;
+  void update_sig(const gps_sig_t& record) override;
 
   sky_counts_t counts() const;
 
@@ -97,4 +106,5 @@ private:
   const time_source_t& clock_;
   report_ageing_t ageing_{satellite_valid_periode};
   std::uint8_t gsa_run_systems_ = 0;  // bit per system whose used marks this run of GSA replaced
+  bool sig_seen_ = false;             // a NAV-SIG record came: signals come from it alone
 };

@@ -114,7 +114,7 @@ private:
   // The six decoders in the order they are offered every sentence and record, and the UBX stream
   // decoder, which hands its records to them in the same order.
   const std::array<gps_decoder_t*, 6> decoders_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
-  gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}};
+  gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}, {&sky}};
   main_queue_t& queue_;
   console_t& console_;
   link_factory_t& links_;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/records.h"
 #include "support/sentences.h"
 #include "support/test_queue.h"
 
@@ -20,7 +21,7 @@ std::vector<std::string> table(const gnss_sky_t& sky) {
     if (s.used) line += " used";
     for (std::size_t i = 0; i < s.tracked.size(); ++i)
       line += (i ? ", " : " ") + std::string(signal_name(key.system, s.tracked[i].id)) + " " +
-              std::to_string(s.tracked[i].cn0);
+              std::to_string(s.tracked[i].cn0) + (s.tracked[i].used ? "*" : "");
     out.push_back(line);
   }
   return out;
@@ -105,6 +106,33 @@ TEST(gnss_sky, dops_counts_ageing_and_reset) {
   EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 45/123 used L1 C/A 38", "GLONASS 66 30/200 used L1 OF 25"}));
   sky.reset();
   EXPECT_TRUE(sky.satellites->empty() && std::isnan(sky.dop->pdop));
+}
+
+TEST(gnss_sky, ubx_satellites_signals_and_dops) {
+  test_queue_t clock;
+  gnss_sky_t sky(clock);
+  // GPS 5 used, healthy, quality 7; GLONASS 1 without a position; an IMES satellite and svId 0 skipped.
+  sky.update_sat(list_record<gps_sat_t>({{0, 5, 38, 45, 123, -12, 0x1F},
+                                         {6, 1, 30, -91, 0, 3, 0x07},
+                                         {4, 3, 30, 10, 10, 0, 0},
+                                         {2, 0, 30, 10, 10, 0, 0}}));
+  EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 45/123 used L1 C/A 38", "GLONASS 1 L1 OF 30"}));
+  const auto& gps5 = sky.satellites->at({gnss_system_t::gps, 5});
+  EXPECT_EQ(std::tuple(gps5.health, gps5.quality, gps5.residual_dm), std::tuple(1, 7, -12));
+
+  // NAV-SIG names each signal; from then on NAV-SAT leaves the signals to it.
+  sky.update_sig(list_record<gps_sig_t>({{0, 5, 0, 0, 0, 40, 7, 0, 0, 0x08, 0},
+                                         {0, 5, 7, 0, 0, 42, 7, 0, 0, 0, 0},
+                                         {2, 11, 3, 0, 0, 33, 7, 0, 0, 0x08, 0},
+                                         {2, 12, 2, 0, 0, 33, 7, 0, 0, 0, 0}}));
+  sky.update_sat(list_record<gps_sat_t>({{0, 5, 20, 46, 124, 0, 0x0F}}));
+  EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 46/124 used L1 C/A 40*, L5 Q 42", "GLONASS 1 L1 OF 30",
+                                                  "Galileo 11 E5a 33*"}));
+
+  sky.update_dop({1, 4, 18, 0, 156, 145, 77, 127, 91, 61, 68});
+  const auto& d = *sky.dop;
+  EXPECT_EQ(std::tuple(d.gdop, d.pdop, d.tdop, d.vdop, d.hdop, d.ndop, d.edop),
+            std::tuple(1.56, 1.45, 0.77, 1.27, 0.91, 0.61, 0.68));
 }
 
 }  // namespace
