@@ -75,18 +75,10 @@ constexpr signal_row_t signal_rows[] = {
 constexpr std::string_view system_names[gnss_system_count] = {"GPS",  "GLONASS", "Galileo", "BeiDou",
                                                               "QZSS", "NavIC",   "SBAS"};
 
-bool within(std::uint64_t number, std::uint64_t low, std::uint64_t high) {
-  return number >= low && number <= high;
-}
-
 }  // namespace
 
 std::string_view system_name(gnss_system_t system) {
   return system_names[index_of(system)];
-}
-
-gnss_signal_t primary_signal(gnss_system_t system) {
-  return system == gnss_system_t::galileo ? 7 : 1;  // E1; every other system's first band
 }
 
 std::string_view signal_name(gnss_system_t system, gnss_signal_t signal) {
@@ -120,15 +112,4 @@ std::optional<gnss_system_t> ubx_system(std::uint8_t gnss_id) {
   constexpr std::optional<gnss_system_t> by_id[] = {S::gps,       S::sbas, S::galileo, S::beidou,
                                                     std::nullopt, S::qzss, S::glonass, S::navic};
   return gnss_id < std::size(by_id) ? by_id[gnss_id] : std::nullopt;
-}
-
-std::optional<gnss_system_t> numbered_system(std::optional<gnss_system_t> stated, std::uint64_t number) {
-  if (stated && stated != S::gps) return stated;
-  if (within(number, 1, 32)) return S::gps;
-  if (within(number, 33, 64) || within(number, 120, 158)) return S::sbas;
-  if (within(number, 193, 200)) return S::qzss;
-  if (within(number, 65, 96)) return S::glonass;
-  if (within(number, 201, 263) || within(number, 401, 463)) return S::beidou;
-  if (within(number, 301, 336)) return S::galileo;
-  return std::nullopt;
 }

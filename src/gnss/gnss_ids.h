@@ -25,8 +25,11 @@ inline std::size_t index_of(gnss_system_t system) {
 // UBX signal ids are translated to it, so both streams key a signal alike.
 using gnss_signal_t = std::uint8_t;
 
-// The band the receiver tracks when a sentence names no signal (NMEA before 4.10, or signal id 0).
-gnss_signal_t primary_signal(gnss_system_t system);
+// The band the receiver tracks when a sentence names no signal (NMEA before 4.10, or signal id 0):
+// Galileo's E1, every other system's first band.
+inline gnss_signal_t primary_signal(gnss_system_t system) {
+  return system == gnss_system_t::galileo ? 7 : 1;
+}
 // The band name of a signal ("L1 C/A", "E5a", "B2I"), or empty when the system has no such signal.
 std::string_view signal_name(gnss_system_t system, gnss_signal_t signal);
 // The signal of a UBX signal id, if the system has it.
@@ -43,4 +46,16 @@ std::optional<gnss_system_t> ubx_system(std::uint8_t gnss_id);
 // system id) carry other systems' satellites in number ranges: GPS 1-32, SBAS 33-64 and 120-158,
 // GLONASS 65-96, QZSS 193-200, BeiDou 201-263 and 401-463, Galileo 301-336. Nothing for a number
 // outside them.
-std::optional<gnss_system_t> numbered_system(std::optional<gnss_system_t> stated, std::uint64_t number);
+// Decoders ask this for every satellite they read: it is inline.
+inline std::optional<gnss_system_t> numbered_system(std::optional<gnss_system_t> stated, std::uint64_t number) {
+  using S = gnss_system_t;
+  if (stated && stated != S::gps) return stated;
+  const auto within = [number](std::uint64_t low, std::uint64_t high) { return number >= low && number <= high; };
+  if (within(1, 32)) return S::gps;
+  if (within(33, 64) || within(120, 158)) return S::sbas;
+  if (within(65, 96)) return S::glonass;
+  if (within(193, 200)) return S::qzss;
+  if (within(201, 263) || within(401, 463)) return S::beidou;
+  if (within(301, 336)) return S::galileo;
+  return std::nullopt;
+}

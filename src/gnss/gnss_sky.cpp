@@ -1,6 +1,7 @@
 #include "gnss/gnss_sky.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "nmea/fields.h"
 #include "nmea/sentence.h"
@@ -9,11 +10,43 @@ namespace {
 
 constexpr std::size_t tag_length = 6;  // "$GPGSV"
 
-// A whole number up to max, or nothing; the caller tells an empty field from a bad one.
-std::optional<std::uint16_t> read_number(std::string_view field, std::uint16_t max) {
-  const auto v = parse_unsigned(field, max);
-  if (!v) return std::nullopt;
-  return static_cast<std::uint16_t>(*v);
+// A whole-number field up to max, or absent (empty) or bad. Plain ints keep the loops over
+// satellites free of the stores and reloads that optionals cost there; the short digits that
+// nearly every field holds are read in line.
+constexpr int absent = -1;
+constexpr int bad = -2;
+int read_long_number(std::string_view field, int max) {
+  const auto v = parse_unsigned(field, static_cast<std::uint64_t>(max));
+  return v ? static_cast<int>(*v) : bad;
+}
+inline int read_number(std::string_view field, int max) {
+  if (field.empty()) return absent;
+  const int digits = fields_detail::short_digits(field);
+  if (digits < 0) return read_long_number(field, max);
+  return digits <= max ? digits : bad;
+}
+
+// A DOP field: as store_decimal reads it, with "1.85" and its like read in line. Digits, a point
+// and digits, 9 in all at most, are an exact integer over an exact power of ten, whose quotient is
+// the nearest double as parsing would give it.
+bool read_dop(std::string_view field, double& out) {
+  constexpr double powers_of_ten[] = {1.0, 10.0, 100.0, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  constexpr std::size_t digits_max = 9;
+  const auto point = field.find('.');
+  if (point == std::string_view::npos || field.size() > digits_max + 1)
+    return store_decimal(field, gnss_sky_t::dop_max, out);
+  std::int64_t digits = 0;
+  for (std::size_t i = 0; i < field.size(); ++i) {
+    if (i == point) continue;
+    const char c = field[i];
+    if (c < '0' || c > '9') return store_decimal(field, gnss_sky_t::dop_max, out);
+    digits = digits * 10 + (c - '0');
+  }
+  if (field.size() == 1) return store_decimal(field, gnss_sky_t::dop_max, out);
+  const double value = static_cast<double>(digits) / powers_of_ten[field.size() - 1 - point];
+  if (value > gnss_sky_t::dop_max) return false;
+  out = value;
+  return true;
 }
 
 // A signal id is one hexadecimal digit: BeiDou's reach B2I at 0xB.
@@ -25,31 +58,18 @@ std::optional<gnss_signal_t> read_signal_id(std::string_view field) {
   return std::nullopt;
 }
 
-void set_signal(sky_satellite_t& satellite, gnss_signal_t id, std::uint8_t cn0, double now) {
-  auto& tracked = satellite.tracked;
-  const auto it = std::find_if(tracked.begin(), tracked.end(), [id](const sky_signal_t& s) { return s.id == id; });
-  if (cn0 == 0) {
-    if (it != tracked.end()) tracked.erase(it);
-  } else if (it != tracked.end()) {
-    it->cn0 = cn0;
-    it->time = now;
-  } else {
-    tracked.push_back({id, cn0, false, now});
-  }
-}
-
 }  // namespace
 
-std::uint8_t sky_satellite_t::best_cn0() const {
-  std::uint8_t best = 0;
-  for (const auto& s : tracked) best = std::max(best, s.cn0);
-  return best;
+bool sky_dop_t::operator==(const sky_dop_t& o) const {
+  const auto alike = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
+  return alike(gdop, o.gdop) && alike(pdop, o.pdop) && alike(tdop, o.tdop) && alike(vdop, o.vdop) &&
+         alike(hdop, o.hdop) && alike(ndop, o.ndop) && alike(edop, o.edop);
 }
 
 void gnss_sky_t::reset() {
   satellites.modify([](table_t& table) { table.clear(); });
   dop = sky_dop_t{};
-  ageing_.clear();
+  oldest_ = std::numeric_limits<double>::infinity();
   gsa_run_systems_ = 0;
   sig_seen_ = false;
 }
@@ -81,17 +101,19 @@ sky_counts_t gnss_sky_t::counts() const {
   return out;
 }
 
+// While no satellite or signal can have gone unreported too long, the table is not walked.
 double gnss_sky_t::expire() {
   const double now = clock_.now_s();
-  ageing_.expire(satellites, now, [](const sky_satellite_t& s) { return s.time; });
+  const double limit = now - satellite_valid_periode;
+  if (oldest_ < limit) satellites.modify([&](table_t& table) { oldest_ = table.expire(limit); });
   return now;
 }
 
-sky_satellite_t& gnss_sky_t::report(table_t& table, sky_key_t key, double now) {
-  auto& satellite = table[key];
-  satellite.time = now;
-  ageing_.reported(now);
-  std::erase_if(satellite.tracked, [now](const sky_signal_t& s) { return s.time < now - satellite_valid_periode; });
+sky_satellite_t* gnss_sky_t::report(table_t& table, sky_key_t key, double now) {
+  auto* satellite = table.entry(key);
+  if (satellite == nullptr) return nullptr;
+  satellite->time = now;
+  oldest_ = std::min(oldest_, now);
   return satellite;
 }
 
@@ -102,40 +124,54 @@ void gnss_sky_t::update_gsv(std::span<const std::string_view> f, std::optional<g
   if (n < 4 || (n - 4) % 4 > 1) return;
   const auto field = [&](std::size_t i) { return i + 1 == n ? strip_checksum(f[i]) : f[i]; };
 
-  const auto count = parse_unsigned(field(1), 9);
-  if (!count || !parse_unsigned(field(2), *count) || !parse_unsigned(field(3), UINT8_MAX)) return;
-  std::optional<gnss_signal_t> signal_id;
+  constexpr int sentences_max = 9;
+  const int count = read_number(field(1), sentences_max);
+  if (count < 0 || read_number(field(2), count) < 0 || read_number(field(3), UINT8_MAX) < 0) return;
+  gnss_signal_t signal_id = 0;  // none: each system's first band
   if ((n - 4) % 4 == 1) {
-    signal_id = read_signal_id(field(n - 1));
-    if (!signal_id) return;
+    const auto id = read_signal_id(field(n - 1));
+    if (!id) return;
+    signal_id = *id;
   }
 
   const double now = expire();
+  // Whether the signal has a name in the system of the satellites before: it does not change
+  // within a sentence unless the system does.
+  // Only GPS sentences and GN ones carry the satellites of several systems.
+  const bool by_number = !talker || *talker == gnss_system_t::gps;
+  auto named_system = gnss_system_t::gps;
+  bool named = !signal_name(named_system, signal_id != 0 ? signal_id : primary_signal(named_system)).empty();
   satellites.modify([&](table_t& table) {
     for (std::size_t at = 4; at + 4 <= n; at += 4) {
       const auto number_field = field(at), elevation_field = field(at + 1), azimuth_field = field(at + 2),
                  cn0_field = field(at + 3);
-      if (number_field.empty()) continue;
-      const auto number = read_number(number_field, number_max);
-      if (!number || *number == 0) return;
-      const auto system = numbered_system(talker, *number);
-      if (!system) return;
+      const int number = read_number(number_field, number_max);
+      if (number == absent) continue;
+      if (number <= 0) return;
+      auto system = talker;
+      if (by_number) {
+        system = numbered_system(talker, static_cast<std::uint64_t>(number));
+        if (!system) return;
+      }
 
-      const auto elevation = read_number(elevation_field, elevation_max);
-      if (!elevation_field.empty() && !elevation) return;
-      const auto azimuth = read_number(azimuth_field, azimuth_max);
-      if (!azimuth_field.empty() && !azimuth) return;
-      const auto cn0 = read_number(cn0_field, cn0_max);
-      if (!cn0_field.empty() && !cn0) return;
+      const int elevation = read_number(elevation_field, elevation_max);
+      const int azimuth = read_number(azimuth_field, azimuth_max);
+      const int cn0 = read_number(cn0_field, cn0_max);
+      if (elevation == bad || azimuth == bad || cn0 == bad) return;
 
-      const gnss_signal_t signal = signal_id && *signal_id != 0 ? *signal_id : primary_signal(*system);
-      if (signal_name(*system, signal).empty()) continue;
+      const gnss_signal_t signal = signal_id != 0 ? signal_id : primary_signal(*system);
+      if (*system != named_system) {
+        named_system = *system;
+        named = !signal_name(named_system, signal).empty();
+      }
+      if (!named) continue;
 
-      auto& satellite = report(table, {*system, *number}, now);
-      satellite.placed = elevation && azimuth;
-      satellite.elevation = static_cast<std::int8_t>(elevation.value_or(0));
-      satellite.azimuth = azimuth.value_or(0);
-      set_signal(satellite, signal, static_cast<std::uint8_t>(cn0.value_or(0)), now);
+      auto* satellite = report(table, {*system, static_cast<std::uint16_t>(number)}, now);
+      if (satellite == nullptr) return;
+      satellite->placed = elevation >= 0 && azimuth >= 0;
+      satellite->elevation = static_cast<std::int8_t>(std::max(elevation, 0));
+      satellite->azimuth = static_cast<std::uint16_t>(std::max(azimuth, 0));
+      satellite->tracked.set(signal, static_cast<std::uint8_t>(std::max(cn0, 0)), now);
     }
   });
 }
@@ -154,22 +190,21 @@ void gnss_sky_t::update_gsa(std::span<const std::string_view> f, std::optional<g
     if (!stated) return;
   }
   sky_dop_t read = *dop;
-  if (!store_decimal(field(15), dop_max, read.pdop) || !store_decimal(field(16), dop_max, read.hdop) ||
-      !store_decimal(field(17), dop_max, read.vdop))
-    return;
-  dop = read;
+  if (!read_dop(field(15), read.pdop) || !read_dop(field(16), read.hdop) || !read_dop(field(17), read.vdop)) return;
+  // Most GSA sentences repeat the DOPs of the one before: only a change is a notice.
+  if (!(read == *dop)) dop = read;
 
   const double now = expire();
   satellites.modify([&](table_t& table) {
     // A system stated by its id has its marks replaced even when the sentence lists no satellite.
     if (n == 19) clear_used(table, *stated);
     for (std::size_t i = 3; i <= 14; ++i) {
-      if (field(i).empty()) continue;
-      const auto number = read_number(field(i), number_max);
-      if (!number || *number == 0) return;
-      const auto system = numbered_system(stated, *number);
+      const int number = read_number(field(i), number_max);
+      if (number == absent) continue;
+      if (number <= 0) return;
+      const auto system = numbered_system(stated, static_cast<std::uint64_t>(number));
       if (!system) return;
-      mark_used(table, {*system, *number}, now);
+      mark_used(table, {*system, static_cast<std::uint16_t>(number)}, now);
     }
   });
 }
@@ -187,7 +222,9 @@ void gnss_sky_t::update_sat(const gps_sat_t& r) {
     for (const auto& sv : r.entries) {
       const auto system = ubx_system(sv.gnssId);
       if (!system || sv.svId == 0) continue;
-      auto& satellite = report(table, {*system, sv.svId}, now);
+      auto* entry = report(table, {*system, sv.svId}, now);
+      if (entry == nullptr) return;
+      auto& satellite = *entry;
       satellite.placed = sv.elev >= -elevation_known && sv.elev <= elevation_known && sv.azim >= 0 &&
                          sv.azim <= static_cast<int>(azimuth_max);
       satellite.elevation = satellite.placed ? sv.elev : std::int8_t{0};
@@ -196,7 +233,7 @@ void gnss_sky_t::update_sat(const gps_sat_t& r) {
       satellite.health = static_cast<std::uint8_t>((sv.flags >> gps_sat_sv_t::health_shift) & 0x03);
       satellite.quality = static_cast<std::uint8_t>(sv.flags & gps_sat_sv_t::quality_mask);
       satellite.residual_dm = sv.prRes;
-      if (!sig_seen_) set_signal(satellite, primary_signal(*system), sv.cno, now);
+      if (!sig_seen_) satellite.tracked.set(primary_signal(*system), sv.cno, now);
     }
   });
 }
@@ -209,10 +246,10 @@ void gnss_sky_t::update_sig(const gps_sig_t& r) {
       const auto system = ubx_system(sv.gnssId);
       const auto signal = system ? ubx_signal(*system, sv.sigId) : std::nullopt;
       if (!signal || sv.svId == 0) continue;
-      auto& satellite = report(table, {*system, sv.svId}, now);
-      set_signal(satellite, *signal, sv.cno, now);
-      for (auto& s : satellite.tracked)
-        if (s.id == *signal) s.used = (sv.sigFlags & gps_sig_sv_t::flag_pr_used) != 0;
+      auto* satellite = report(table, {*system, sv.svId}, now);
+      if (satellite == nullptr) return;
+      if (auto* tracked = satellite->tracked.set(*signal, sv.cno, now))
+        tracked->used = (sv.sigFlags & gps_sig_sv_t::flag_pr_used) != 0;
     }
   });
 }
@@ -221,12 +258,10 @@ void gnss_sky_t::clear_used(table_t& table, gnss_system_t system) {
   const auto bit = static_cast<std::uint8_t>(1u << index_of(system));
   if (gsa_run_systems_ & bit) return;
   gsa_run_systems_ |= bit;
-  const auto first = table.lower_bound({system, 0});
-  const auto last = table.upper_bound({system, UINT16_MAX});
-  for (auto it = first; it != last; ++it) it->second.used = false;
+  for (auto& [key, satellite] : table.of_system(system)) satellite.used = false;
 }
 
 void gnss_sky_t::mark_used(table_t& table, sky_key_t key, double now) {
   clear_used(table, key.system);
-  report(table, key, now).used = true;
+  if (auto* satellite = report(table, key, now)) satellite->used = true;
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-// "GPS 5 45/123 used L1 C/A 38, L5 Q 41": system, number, position, used, tracked with C/N0.
+// "GPS 5 45/123 used L1 C/A 38, L5 Q 41": system, number, position, used, signals with C/N0.
 std::vector<std::string> table(const gnss_sky_t& sky) {
   std::vector<std::string> out;
   for (const auto& [key, s] : *sky.satellites) {
@@ -41,7 +41,7 @@ TEST(gnss_sky, satellites_of_every_talker_and_version_keyed_by_system_number_and
       // NMEA 2.3: no signal id, each system's first band; GLONASS numbered 65-96, SBAS 33-64 under GP.
       {{"$GPGSV,1,1,03,07,59,081,24,28,41,187,,48,30,200,40*7E", "$GLGSV,1,1,01,66,37,078,27*6E"},
        {"GPS 7 59/81 L1 C/A 24", "GPS 28 41/187", "GLONASS 66 37/78 L1 OF 27", "SBAS 48 30/200 L1 C/A 40"}},
-      // NMEA 4.10: one GPS satellite on L1 and L5 is one satellite with two tracked; a signal the
+      // NMEA 4.10: one GPS satellite on L1 and L5 is one satellite with two signals; a signal the
       // receiver no longer tracks goes.
       {{"$GPGSV,1,1,01,05,45,123,38,1*00", "$GPGSV,1,1,01,05,45,123,41,8*00", "$GPGSV,1,1,02,05,46,124,,09,,,30,6",
         "$GPGSV,1,1,01,09,,,,6"},
@@ -117,7 +117,7 @@ TEST(gnss_sky, ubx_satellites_signals_and_dops) {
                                          {4, 3, 30, 10, 10, 0, 0},
                                          {2, 0, 30, 10, 10, 0, 0}}));
   EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 45/123 used L1 C/A 38", "GLONASS 1 L1 OF 30"}));
-  const auto& gps5 = sky.satellites->at({gnss_system_t::gps, 5});
+  const auto& gps5 = *sky.satellites->find({gnss_system_t::gps, 5});
   EXPECT_EQ(std::tuple(gps5.health, gps5.quality, gps5.residual_dm), std::tuple(1, 7, -12));
 
   // NAV-SIG names each signal; from then on NAV-SAT leaves the signals to it.
@@ -128,6 +128,13 @@ TEST(gnss_sky, ubx_satellites_signals_and_dops) {
   sky.update_sat(list_record<gps_sat_t>({{0, 5, 20, 46, 124, 0, 0x0F}}));
   EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 46/124 used L1 C/A 40*, L5 Q 42", "GLONASS 1 L1 OF 30",
                                                   "Galileo 11 E5a 33*"}));
+
+  // A full table takes no more satellites.
+  std::vector<gps_sat_sv_t> many;
+  for (unsigned sv = 1; sv <= sky_table_t::capacity; ++sv) many.push_back({3, static_cast<std::uint8_t>(sv), 20});
+  sky.update_sat(list_record<gps_sat_t>(many));
+  EXPECT_EQ(sky.satellites->size(), sky_table_t::capacity);
+  EXPECT_EQ(sky.satellites->find({gnss_system_t::beidou, 253}), nullptr);
 
   sky.update_dop({1, 4, 18, 0, 156, 145, 77, 127, 91, 61, 68});
   const auto& d = *sky.dop;
