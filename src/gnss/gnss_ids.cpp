@@ -93,6 +93,12 @@ std::optional<gnss_signal_t> ubx_signal(gnss_system_t system, std::uint8_t sig_i
   return std::nullopt;
 }
 
+std::uint8_t ubx_sig_id(gnss_system_t system, gnss_signal_t signal) {
+  for (const auto& row : signal_rows)
+    if (row.system == system && row.nmea_id == signal && row.ubx_id != no_ubx_id) return row.ubx_id;
+  return no_ubx_id;
+}
+
 std::optional<gnss_system_t> talker_system(std::string_view talker) {
   if (talker == "GP") return S::gps;
   if (talker == "GL") return S::glonass;
@@ -108,8 +114,16 @@ std::optional<gnss_system_t> nmea_system(std::uint64_t system_id) {
   return static_cast<gnss_system_t>(system_id - 1);
 }
 
+// UBX gnssIds in their order; IMES (4) is no satellite system.
+constexpr std::optional<gnss_system_t> ubx_systems[] = {S::gps,       S::sbas, S::galileo, S::beidou,
+                                                        std::nullopt, S::qzss, S::glonass, S::navic};
+
 std::optional<gnss_system_t> ubx_system(std::uint8_t gnss_id) {
-  constexpr std::optional<gnss_system_t> by_id[] = {S::gps,       S::sbas, S::galileo, S::beidou,
-                                                    std::nullopt, S::qzss, S::glonass, S::navic};
-  return gnss_id < std::size(by_id) ? by_id[gnss_id] : std::nullopt;
+  return gnss_id < std::size(ubx_systems) ? ubx_systems[gnss_id] : std::nullopt;
+}
+
+std::uint8_t ubx_gnss_id(gnss_system_t system) {
+  for (std::size_t id = 0; id < std::size(ubx_systems); ++id)
+    if (ubx_systems[id] == system) return static_cast<std::uint8_t>(id);
+  return no_ubx_id;
 }

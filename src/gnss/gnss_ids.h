@@ -35,6 +35,11 @@ std::string_view signal_name(gnss_system_t system, gnss_signal_t signal);
 // The signal of a UBX signal id, if the system has it.
 std::optional<gnss_signal_t> ubx_signal(gnss_system_t system, std::uint8_t sig_id);
 
+// The UBX gnssId of a system, and the UBX signal id of a signal (the first of a band that UBX
+// splits into components); 0xFF for none.
+std::uint8_t ubx_gnss_id(gnss_system_t system);
+std::uint8_t ubx_sig_id(gnss_system_t system, gnss_signal_t signal);
+
 // The system of a sentence's talker ("GP", "GL", "GA", "GB", "BD", "GQ", "GI"); nothing for "GN",
 // whose satellites take their system from the system id or from their numbers.
 std::optional<gnss_system_t> talker_system(std::string_view talker);
