@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "nmea/fields.h"
 #include "nmea/sentence.h"
@@ -72,6 +73,7 @@ void gnss_sky_t::reset() {
   oldest_ = std::numeric_limits<double>::infinity();
   gsa_run_systems_ = 0;
   sig_seen_ = false;
+  history_.clear();
 }
 
 // Every sentence ends a run of GSA sentences but another GSA.
@@ -101,12 +103,43 @@ sky_counts_t gnss_sky_t::counts() const {
   return out;
 }
 
-// While no satellite or signal can have gone unreported too long, the table is not walked.
+// While no satellite or signal can have gone unreported too long, the table is not walked. The
+// history's sample is taken here, before the report that is due: it shows the state a whole
+// second gave.
 double gnss_sky_t::expire() {
   const double now = clock_.now_s();
   const double limit = now - satellite_valid_periode;
   if (oldest_ < limit) satellites.modify([&](table_t& table) { oldest_ = table.expire(limit); });
+  if (history_.due(now)) sample(now);
   return now;
+}
+
+void gnss_sky_t::sample(double now) {
+  sky_sample_t s;
+  s.time = now;
+  const auto c = counts();
+  for (std::size_t i = 0; i < gnss_system_count; ++i) {
+    s.in_view[i] = static_cast<std::uint8_t>(std::min(c[i].in_view, 255u));
+    s.used[i] = static_cast<std::uint8_t>(std::min(c[i].used, 255u));
+  }
+  s.hdop = static_cast<float>(dop->hdop);
+  s.pdop = static_cast<float>(dop->pdop);
+  // The strongest signals, kept in descending order.
+  std::array<std::uint8_t, sky_history_t::strongest> top{};
+  for (const auto& [key, satellite] : *satellites) {
+    for (const auto& signal : satellite.tracked) {
+      if (signal.cn0 <= top.back()) continue;
+      top.back() = signal.cn0;
+      std::sort(top.begin(), top.end(), std::greater<>());
+    }
+  }
+  int sum = 0, n = 0;
+  for (const auto cn0 : top) {
+    sum += cn0;
+    n += cn0 > 0 ? 1 : 0;
+  }
+  s.cn0_top = n > 0 ? static_cast<float>(sum) / static_cast<float>(n) : std::numeric_limits<float>::quiet_NaN();
+  history_.add(s);
 }
 
 sky_satellite_t* gnss_sky_t::report(table_t& table, sky_key_t key, double now) {
@@ -210,6 +243,7 @@ void gnss_sky_t::update_gsa(std::span<const std::string_view> f, std::optional<g
 }
 
 void gnss_sky_t::update_dop(const gps_dop_t& r) {
+  expire();
   constexpr double hundredths = 100.0;
   dop = {r.gDOP / hundredths, r.pDOP / hundredths, r.tDOP / hundredths, r.vDOP / hundredths,
          r.hDOP / hundredths, r.nDOP / hundredths, r.eDOP / hundredths};

@@ -10,6 +10,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "gnss/gnss_ids.h"
+#include "gnss/sky_history.h"
 #include "gnss/sky_table.h"
 #include "nmea/gps_protocol.h"
 #include "ubx/gps_protocol_sky.h"
@@ -52,6 +53,8 @@ public:
   void update_sig(const gps_sig_t& record) override;
 
   sky_counts_t counts() const;
+  // A sample a second of the counts, the DOPs and the strongest signals, taken as reports come.
+  const sky_history_t& history() const { return history_; }
 
   published_t<sky_table_t> satellites{*this, {}};
   published_t<sky_dop_t> dop{*this, {}};
@@ -67,9 +70,12 @@ private:
   void mark_used(table_t& table, sky_key_t key, double now);
   void clear_used(table_t& table, gnss_system_t system);
   double expire();
+  // Takes the history's sample when one is due.
+  void sample(double now);
 
   const time_source_t& clock_;
   double oldest_ = std::numeric_limits<double>::infinity();  // nothing kept was reported before this
   std::uint8_t gsa_run_systems_ = 0;                         // bit per system whose used marks this run of GSA replaced
-  bool sig_seen_ = false;                                    // a NAV-SIG record came: signals come from it alone
+  sky_history_t history_;
+  bool sig_seen_ = false;  // a NAV-SIG record came: signals come from it alone
 };

@@ -301,13 +301,13 @@ void sim_engine_t::add_gnss_sentences(std::string& out, double t, double hdop) {
     // The bands of this system, the first band first.
     std::vector<gnss_signal_t> bands;
     for (const auto& s : sky)
-      for (const auto& signal : s.signals)
+      for (const auto& signal : s.bands)
         if (s.system == system && std::find(bands.begin(), bands.end(), signal.id) == bands.end())
           bands.push_back(signal.id);
     for (const auto band : bands) {
       std::vector<std::pair<const sim_satellite_t*, int>> on_band;
       for (const auto& s : sky)
-        for (const auto& signal : s.signals)
+        for (const auto& signal : s.bands)
           if (s.system == system && signal.id == band) on_band.emplace_back(&s, signal.cn0);
       const std::size_t sentences = (on_band.size() + gsv_group - 1) / gsv_group;
       for (std::size_t k = 0; k < sentences; ++k) {
@@ -337,9 +337,9 @@ void sim_engine_t::add_sky_frames(std::string& out, double t, std::uint32_t itow
     const auto sv_id =
         static_cast<std::uint8_t>(s.system == gnss_system_t::glonass ? s.number - glonass_first_slot + 1 : s.number);
     const std::uint32_t flags = locked | healthy | (s.used ? gps_sat_sv_t::flag_used : 0);
-    sat.entries.push_back({gnss_id, sv_id, static_cast<std::uint8_t>(s.signals.front().cn0),
+    sat.entries.push_back({gnss_id, sv_id, static_cast<std::uint8_t>(s.bands.front().cn0),
                            static_cast<std::int8_t>(s.elevation), static_cast<std::int16_t>(s.azimuth), 0, flags});
-    for (const auto& signal : s.signals) {
+    for (const auto& signal : s.bands) {
       const std::uint16_t sig_flags = healthy >> gps_sat_sv_t::health_shift | (s.used ? gps_sig_sv_t::flag_pr_used : 0);
       sig.entries.push_back({gnss_id, sv_id, ubx_sig_id(s.system, signal.id), 0, 0,
                              static_cast<std::uint8_t>(signal.cn0), locked, 0, 0, sig_flags, 0});

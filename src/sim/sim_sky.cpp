@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <numbers>
 
 namespace {
 
@@ -52,14 +53,16 @@ std::vector<sim_satellite_t> sim_sky(gnss_system_set_t systems, double t) {
       sim_satellite_t s;
       s.system = c.system;
       s.number = c.first_number + c.number_step * i;
-      s.elevation = static_cast<int>(3 + 84 * std::fabs(std::sin(phase)));
+      // Up and down at an even pace, so that the sky is evenly filled from the horizon up.
+      const double height = std::fabs(std::fmod(phase / std::numbers::pi, 2.0) - 1.0);
+      s.elevation = static_cast<int>(5 + 80 * height);
       s.azimuth =
           static_cast<int>(std::fmod(i * 360.0 / c.satellites + static_cast<double>(k) * 23.0 + t / 20.0, 360.0));
       s.used = s.elevation >= used_elevation_min;
       const int cn0_of_elevation = s.elevation / 3;  // whole dB-Hz
       const int cn0 = static_cast<int>(20 + cn0_of_elevation + 5 * std::sin(t / 7.0 + i + static_cast<double>(k)));
-      s.signals.push_back({primary_signal(c.system), cn0});
-      if (i % 3 == 0) s.signals.push_back({c.second_band, cn0 - 4});
+      s.bands.push_back({primary_signal(c.system), cn0});
+      if (i % 3 == 0) s.bands.push_back({c.second_band, cn0 - 4});
       sky.push_back(std::move(s));
     }
   }

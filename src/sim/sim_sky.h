@@ -31,7 +31,7 @@ struct sim_satellite_t {
   int elevation = 0;
   int azimuth = 0;
   bool used = false;
-  std::vector<sim_signal_t> signals;  // the first band first
+  std::vector<sim_signal_t> bands;  // the signals tracked, the first band first
 };
 
 // The satellites of the systems at t seconds, by system in the screens' order, then number.

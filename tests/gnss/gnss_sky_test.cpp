@@ -108,6 +108,23 @@ TEST(gnss_sky, dops_counts_ageing_and_reset) {
   EXPECT_TRUE(sky.satellites->empty() && std::isnan(sky.dop->pdop));
 }
 
+TEST(gnss_sky, the_history_takes_a_sample_a_second_of_counts_dops_and_the_four_strongest_signals) {
+  test_queue_t clock;
+  gnss_sky_t sky(clock);
+  feed(sky, "$GNGSA,A,3,05,07,,,,,,,,,,,1.85,1.02,1.54");
+  feed(sky, "$GPGSV,1,1,04,05,45,123,40,07,40,100,38,09,10,200,30,11,20,300,20,1");
+  clock.advance(0.5);
+  feed(sky, "$GAGSV,1,1,01,05,45,123,45,7");
+  EXPECT_EQ(sky.history().samples().size(), 1u) << "the first report's sample, before it";
+  clock.advance(0.5);
+  feed(sky, "$GAGSV,1,1,01,05,45,123,45,7");
+  const auto& samples = sky.history().samples();
+  ASSERT_EQ(samples.size(), 2u);
+  sky_sample_t expected{1.0, {4, 0, 1}, {2}, 1.02f, 1.85f, (45 + 40 + 38 + 30) / 4.0f};
+  EXPECT_EQ(samples[1], expected);
+  EXPECT_TRUE(std::isnan(samples[0].cn0_top) && samples[0].hdop == 1.02f);
+}
+
 TEST(gnss_sky, ubx_satellites_signals_and_dops) {
   test_queue_t clock;
   gnss_sky_t sky(clock);
