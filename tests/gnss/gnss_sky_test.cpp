@@ -44,8 +44,8 @@ TEST(gnss_sky, satellites_of_every_talker_and_version_keyed_by_system_number_and
       // NMEA 4.10: one GPS satellite on L1 and L5 is one satellite with two signals; a signal the
       // receiver no longer tracks goes.
       {{"$GPGSV,1,1,01,05,45,123,38,1*00", "$GPGSV,1,1,01,05,45,123,41,8*00", "$GPGSV,1,1,02,05,46,124,,09,,,30,6",
-        "$GPGSV,1,1,01,09,,,,6"},
-       {"GPS 5 46/124 L1 C/A 38, L5 Q 41", "GPS 9"}},
+        "$GPGSV,1,1,01,09,,,,6", "$GPGSV,1,1,01,05,46,124,,1"},
+       {"GPS 5 46/124 L5 Q 41", "GPS 9"}},
       // NMEA 4.11: Galileo E1 (7) and E5a (1), BeiDou under GB and BD with 201-263 and B2I (hex B),
       // QZSS and NavIC talkers, signal 0 as the first band, GN by number ranges.
       {{"$GAGSV,1,1,02,02,45,123,38,11,67,345,44,7*7B", "$GAGSV,1,1,01,02,45,123,35,1", "$GBGSV,1,1,01,201,30,100,33,1",
@@ -78,8 +78,9 @@ TEST(gnss_sky, a_run_of_gsa_sentences_replaces_each_systems_used_marks) {
       // NMEA 4.11: the system id; an empty list for a stated system clears it; a bad field stops.
       {{"$GAGSV,1,1,01,05,10,010,20,7", "$GNGSA,A,3,05,,,,,,,,,,,,1.0,1.0,1.0,3", "$GNRMC,",
         "$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0,3", "$GNGSA,A,3,07,x,08,,,,,,,,,,1.0,1.0,1.0,4",
-        "$GNGSA,A,3,09,,,,,,,,,,,,1.0,1.0,1.0,7", "$GNGSA,A,3,10,,,,,,,,,,,,1.0,100,1.0,1"},
-       {"Galileo 5 10/10 E1 20", "BeiDou 7 used"}},
+        "$GNGSA,A,3,09,,,,,,,,,,,,1.0,1.0,1.0,7", "$GNGSA,A,3,10,,,,,,,,,,,,1.0,100,1.0,1",
+        "$GNGSA,A,3,01,,,,,,,,,,,,1.0,1.0,1.0,1"},
+       {"GPS 1 used", "Galileo 5 10/10 E1 20", "BeiDou 7 used"}},
   };
   for (const auto& [lines, expected] : cases) EXPECT_EQ(after(lines), expected) << lines.front();
 }
