@@ -1,11 +1,13 @@
 // Paint and refresh costs of the screens, offscreen: the map with a 10 000-point track and 200
-// markers at 1920 x 1080, and one full refresh of the main window with such a track.
+// markers at 1920 x 1080, one full refresh of the main window with such a track, and the views of
+// the satellites of every system after an hour of a multi-GNSS receiver.
 //   korvid_screens_bench [benchmark options]
 //   korvid_screens_bench --map-screenshot FILE   the map widget with a track, markers and the dot
 //   korvid_screens_bench --tiles DIR LAT LON     write synthetic tiles around a coordinate
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,6 +21,8 @@
 #include "link/memory_kv_store.h"
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
+#include "sim/sim_engine.h"
+#include "sim/sim_sky.h"
 #include "support/fake_links.h"
 #include "support/link_feed.h"
 #include "support/recording_console.h"
@@ -26,6 +30,10 @@
 #include "support/test_queue.h"
 #include "synthetic_tiles.h"
 #include "ui/content_view.h"
+#include "ui/gnss_sky_panel.h"
+#include "ui/gnss_sky_plot_view.h"
+#include "ui/signal_bars_view.h"
+#include "ui/sky_history_view.h"
 
 namespace {
 
@@ -175,6 +183,43 @@ BENCHMARK(BM_window_refresh)
     ->ArgName("paint")
     ->Arg(0)
     ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+
+// One paint of each view of the satellites of every system, after an hour of a four-system receiver:
+// the history charts hold 3600 samples (span: range(0) minutes), the sky plot and the bars 34
+// satellites on 47 signals. The charts repaint once a second, the plot and bars with every change.
+void BM_sky_views_paint(benchmark::State& state) {
+  test_queue_t queue;
+  recording_console_t console;
+  fake_links_t links;
+  connection_t hub(queue, console, links);
+  sim_engine_t sim({.gnss = *parse_gnss_list("gps,glo,gal,bds")});
+  for (int second = 0; second < 3600; ++second) {
+    feed(hub.tcp_events(), sim.next_epoch());
+    queue.advance(1.0);
+  }
+  gnss_sky_panel panel(hub.sky);
+  panel.history().span_selector()->setCurrentIndex(state.range(0) == 60 ? 2 : state.range(0) == 10 ? 1 : 0);
+  const std::pair<QWidget*, QSize> views[] = {
+      {panel.history().charts(), {640, 420}}, {&panel.plot(), {400, 440}}, {&panel.bars(), {640, 250}}};
+  for (const auto& [view, size] : views) view->resize(size);
+  QImage image(640, 440, QImage::Format_RGB32);
+  const auto view = static_cast<std::size_t>(state.range(1));
+  for (auto _ : state) {
+    views[view].first->render(&image);
+    benchmark::DoNotOptimize(image.bits());
+  }
+  state.counters["samples"] = static_cast<double>(hub.sky.history().samples().size());
+}
+BENCHMARK(BM_sky_views_paint)
+    ->ArgNames({"minutes", "view"})
+    ->Args({1, 0})
+    ->Args({10, 0})
+    ->Args({60, 0})
+    ->Args({10, 1})
+    ->Args({10, 2})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

@@ -2,9 +2,10 @@
 
 namespace {
 
-sim_config_t demo_receiver(bool ubx) {
+sim_config_t demo_receiver(bool ubx, std::uint8_t gnss) {
   sim_config_t c;
   c.ubx = ubx;
+  c.gnss = gnss;
   c.speed_mps = demo_sim_t::speed_mps;
   c.epoch_s = 1.0 / demo_sim_t::rate_hz;
   return c;
@@ -19,7 +20,7 @@ sim_server_config_t demo_server() {
 
 }  // namespace
 
-demo_sim_t::demo_sim_t(bool ubx) : engine_(demo_receiver(ubx)), server_(demo_server()) {
+demo_sim_t::demo_sim_t(bool ubx, std::uint8_t gnss) : engine_(demo_receiver(ubx, gnss)), server_(demo_server()) {
   if (!server_.listen()) return;
   port_ = server_.port();
   thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_); });

@@ -15,8 +15,9 @@ public:
   static constexpr double rate_hz = 10.0;
   static constexpr double speed_mps = 6.0;  // a bicycle, so the track grows visibly
 
-  // ubx: NAV-PVT and NAV-POSLLH frames instead of sentences.
-  explicit demo_sim_t(bool ubx = false);
+  // ubx: NAV-PVT and NAV-POSLLH frames instead of sentences; gnss: the systems of a multi-GNSS
+  // receiver (bits of sim/sim_sky.h), 0 for GPS alone.
+  explicit demo_sim_t(bool ubx = false, std::uint8_t gnss = 0);
   ~demo_sim_t();
   demo_sim_t(const demo_sim_t&) = delete;
   demo_sim_t& operator=(const demo_sim_t&) = delete;

@@ -32,7 +32,7 @@ bool korvid_session_t::start(const window_options_t& options) {
     user_store_ = std::make_unique<qsettings_store_t>();
     return true;
   }
-  sim_ = std::make_unique<demo_sim_t>(options.ubx);
+  sim_ = std::make_unique<demo_sim_t>(options.ubx, options.gnss);
   if (sim_->started()) return true;
   std::fprintf(stderr, "korvid: the demo's simulator found no free port on 127.0.0.1\n");
   return false;

@@ -4,6 +4,7 @@
 
 #include "core/termios_speed.h"
 #include "nmea/fields.h"
+#include "sim/sim_sky.h"
 
 const char* const sim_usage =
     "Usage: korvid-sim [options]\n"
@@ -17,6 +18,9 @@ const char* const sim_usage =
     "  --speed M/S            walking or driving speed (default 1.4)\n"
     "  --seed N               the same seed gives the same stream\n"
     "  --ubx                  send NAV-PVT and NAV-POSLLH frames instead of sentences\n"
+    "  --gnss LIST            a multi-GNSS receiver of these systems (gps,glo,gal,bds,qzss): NMEA 4.11\n"
+    "                         talkers with system and signal ids; with --ubx also NAV-SAT, NAV-SIG and\n"
+    "                         NAV-DOP frames once a second\n"
     "  --bad-checksum-rate P  share of sentences (or frames) sent with a wrong checksum, 0 to 1\n"
     "  --garbage-rate P       share of sentences followed by a line of junk (or frames by junk bytes), 0 to 1\n"
     "  --drop-after S         close each connection S seconds after it was made\n"
@@ -81,6 +85,10 @@ sim_parse_t parse_sim(std::span<const std::string_view> args) {
       options.receiver.seed = *seed;
     } else if (arg == "--ubx") {
       options.receiver.ubx = true;
+    } else if (arg == "--gnss") {
+      const auto systems = parse_gnss_list(value());
+      if (!systems) return fail("--gnss takes a list of gps, glo, gal, bds and qzss");
+      options.receiver.gnss = *systems;
     } else if (arg == "--bad-checksum-rate") {
       if (!number(0, 1, options.receiver.bad_checksum_rate))
         return fail("--bad-checksum-rate takes a share from 0 to 1");

@@ -1,5 +1,7 @@
 #include "app/snapshot_json.h"
 
+#include <iterator>
+
 #include "app/json_writer.h"
 #include "link/connection.h"
 
@@ -196,6 +198,80 @@ void write_gsv(json_writer_t& w, const gps_gpgsv_t& gsv) {
   w.end_object();
 }
 
+void write_count(json_writer_t& w, const sky_count_t& c) {
+  put(w, "in_view", static_cast<int>(c.in_view));
+  put(w, "used", static_cast<int>(c.used));
+  put(w, "signals", static_cast<int>(c.tracked));
+}
+
+std::string_view health_text(std::uint8_t health) {
+  constexpr std::string_view texts[] = {"unknown", "healthy", "unhealthy"};
+  return health < std::size(texts) ? texts[health] : "unknown";
+}
+
+void write_sky_satellite(json_writer_t& w, sky_key_t key, const sky_satellite_t& s) {
+  constexpr double decimetre = 0.1;  // m
+  w.begin_object();
+  put(w, "system", system_name(key.system));
+  put(w, "number", static_cast<int>(key.number));
+  put(w, "placed", s.placed);
+  put(w, "elevation", static_cast<int>(s.elevation));
+  put(w, "azimuth", static_cast<int>(s.azimuth));
+  put(w, "used", s.used);
+  put(w, "health", health_text(s.health));
+  put(w, "quality", static_cast<int>(s.quality));
+  put(w, "residual_m", s.residual_dm * decimetre);
+  w.key("signals");
+  w.begin_array();
+  for (const auto& signal : s.tracked) {
+    w.begin_object();
+    put(w, "signal", signal_name(key.system, signal.id));
+    put(w, "cn0", static_cast<int>(signal.cn0));
+    put(w, "used", signal.used);
+    w.end_object();
+  }
+  w.end_array();
+  w.end_object();
+}
+
+// Every system that has a satellite in view, the totals, the DOPs and the satellites by system
+// and number, each named in words so that a script needs no table of ids.
+void write_sky(json_writer_t& w, const gnss_sky_t& sky) {
+  w.key("sky");
+  w.begin_object();
+  const auto counts = sky.counts();
+  sky_count_t total;
+  for (const auto& c : counts) total = {total.in_view + c.in_view, total.used + c.used, total.tracked + c.tracked};
+  write_count(w, total);
+  w.key("systems");
+  w.begin_array();
+  for (const auto system : gnss_systems) {
+    const auto& c = counts[index_of(system)];
+    if (c.in_view == 0) continue;
+    w.begin_object();
+    put(w, "system", system_name(system));
+    write_count(w, c);
+    w.end_object();
+  }
+  w.end_array();
+  const auto& d = *sky.dop;
+  w.key("dop");
+  w.begin_object();
+  put(w, "gdop", d.gdop);
+  put(w, "pdop", d.pdop);
+  put(w, "tdop", d.tdop);
+  put(w, "vdop", d.vdop);
+  put(w, "hdop", d.hdop);
+  put(w, "ndop", d.ndop);
+  put(w, "edop", d.edop);
+  w.end_object();
+  w.key("satellites");
+  w.begin_array();
+  for (const auto& [key, satellite] : *sky.satellites) write_sky_satellite(w, key, satellite);
+  w.end_array();
+  w.end_object();
+}
+
 }  // namespace
 
 std::string snapshot_json(const connection_t& hub) {
@@ -208,6 +284,7 @@ std::string snapshot_json(const connection_t& hub) {
   write_vtg(w, hub.vtg);
   write_gsa(w, hub.gsa);
   write_gsv(w, hub.gsv);
+  write_sky(w, hub.sky);
   write_source(w, hub);
   w.end_object();
   return w.text();

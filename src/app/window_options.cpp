@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "sim/sim_sky.h"
+
 namespace {
 
 bool read_double(std::string_view text, double& out) {
@@ -20,20 +22,23 @@ std::optional<sheet_id_t> sheet_named(std::string_view name) {
   if (name == "log") return sheet_id_t::log;
   if (name == "details") return sheet_id_t::details;
   if (name == "settings") return sheet_id_t::settings;
+  if (name == "sky") return sheet_id_t::sky;
   return std::nullopt;
 }
 
 }  // namespace
 
 const char* const window_usage =
-    "usage: korvid [--demo [--ubx]] [--screenshot FILE [--after S]] [--size WxH] [--sheet log|details|settings] "
-    "[--dark]\n"
+    "usage: korvid [--demo [--ubx] [--gnss LIST]] [--screenshot FILE [--after S]] [--size WxH]\n"
+    "              [--sheet log|details|settings|sky] [--dark]\n"
     "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
     "                     nothing is saved to your settings\n"
     "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
+    "  --gnss LIST        the demo's receiver tracks these systems (gps,glo,gal,bds,qzss)\n"
     "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
     "  --size WxH         the window's size (default 1100x760)\n"
-    "  --sheet NAME       open the log, the fix details or the connection settings\n"
+    "  --sheet NAME       open the log, the fix details, the connection settings or the satellites\n"
+    "                     of every system (sky)\n"
     "  --dark             draw with a dark palette\n"
     "Without a display korvid runs headless and prints a summary every second.\n";
 
@@ -68,11 +73,16 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
         return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
     } else if (a == "--sheet") {
       o.sheet = value(v) ? sheet_named(v) : std::nullopt;
-      if (!o.sheet) return {{}, "--sheet needs log, details or settings"};
+      if (!o.sheet) return {{}, "--sheet needs log, details, settings or sky"};
+    } else if (a == "--gnss") {
+      const auto systems = value(v) ? parse_gnss_list(v) : std::nullopt;
+      if (!systems) return {{}, "--gnss needs a list of gps, glo, gal, bds and qzss"};
+      o.gnss = *systems;
     } else {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }
   }
   if (o.ubx && !o.demo) return {{}, "--ubx goes with --demo"};
+  if (o.gnss != 0 && !o.demo) return {{}, "--gnss goes with --demo"};
   return {o, {}};
 }

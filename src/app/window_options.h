@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,6 +12,7 @@
 struct window_options_t {
   bool demo = false;       // run the built-in simulator on loopback and connect to it
   bool ubx = false;        // the demo's simulator sends UBX frames instead of sentences
+  std::uint8_t gnss = 0;   // the demo's systems beside GPS alone (bits of sim/sim_sky.h)
   std::string screenshot;  // render the window to this PNG and exit
   double after_s = 3.0;    // s before the screenshot
   int width = 1100;        // the window's size, screen points

@@ -26,11 +26,12 @@ bool contains_gga_tag(std::string_view line) {
 }  // namespace
 
 connection_t::connection_t(main_queue_t& queue, console_t& console, link_factory_t& links)
-    : gsa(queue), gsv(queue), queue_(queue), console_(console), links_(links) {
+    : gsa(queue), gsv(queue), sky(queue), queue_(queue), console_(console), links_(links) {
   // A sentence of at most sentence_max_length characters has at most that many fields.
   fields_.resize(sentence_max_length);
   gps_bin_.arr_update.push_back(&record_tally_);
   for (auto* decoder : decoders_) any_cancellable_.push_back(decoder->subscribe([this] { notify(); }));
+  any_cancellable_.push_back(sky.subscribe([this] { notify(); }));
 }
 
 connection_t::~connection_t() {
@@ -115,6 +116,7 @@ void connection_t::disconnect() {
 void connection_t::reset() {
   console_.print("reset");
   for (auto* decoder : decoders_) decoder->reset();
+  sky.reset();
   clear_log();
 }
 
@@ -223,6 +225,7 @@ void connection_t::receive_line(std::string_view line) {
   if (!scan.checksum_ok) return;
   const std::span<const std::string_view> fields(fields_.data(), std::min(scan.field_count, fields_.size()));
   for (auto* decoder : decoders_) decoder->update(fields);
+  sky.update(fields);
   if (msg_ack) {
     ++msg_good;
   } else {

@@ -12,6 +12,7 @@
 #include "core/main_queue.h"
 #include "core/observable.h"
 #include "core/ring.h"
+#include "gnss/gnss_sky.h"
 #include "link/chunk_splitter.h"
 #include "link/link_factory.h"
 #include "nmea/gps_gngga.h"
@@ -88,6 +89,8 @@ public:
   gps_gnvtg_t vtg;
   gps_gngsa_t gsa;
   gps_gpgsv_t gsv;
+  // The satellites of every system and signal, offered every valid sentence after the six.
+  gnss_sky_t sky;
 
 private:
   // One per transport: where it reports, with the status it drives and its own line cutter.
@@ -122,17 +125,21 @@ private:
   void bridge(const side_t& from, std::span<const std::uint8_t> bytes);
 
   // Counts the records the UBX decoder passes on, so the hub knows whether a chunk decoded one.
-  struct record_tally_t final : gps_protocol_bin_t {
+  struct record_tally_t final : gps_protocol_bin_t, gps_protocol_sky_t {
     void update_posllh(const gps_posllh_t&) override { ++records; }
     void update_pvt(const gps_pvt_t&) override { ++records; }
+    void update_dop(const gps_dop_t&) override { ++records; }
+    void update_sat(const gps_sat_t&) override { ++records; }
+    void update_sig(const gps_sig_t&) override { ++records; }
     std::uint64_t records = 0;
   };
 
   // The six decoders in the order they are offered every sentence and record, and the UBX stream
-  // decoder, which hands its records to them in the same order and then to the tally.
+  // decoder, which hands its records to them in the same order, its sky records to the satellite
+  // table, and every record then to the tally.
   const std::array<gps_decoder_t*, 6> decoders_{&gga, &gll, &rmc, &vtg, &gsa, &gsv};
   record_tally_t record_tally_;
-  gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}};
+  gps_bin_t gps_bin_{{decoders_.begin(), decoders_.end()}, {&sky, &record_tally_}};
   main_queue_t& queue_;
   console_t& console_;
   link_factory_t& links_;

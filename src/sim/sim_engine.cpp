@@ -1,12 +1,16 @@
 #include "sim/sim_engine.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <numbers>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "nmea/sentence.h"
+#include "sim/sim_sky.h"
 #include "ubx/records.h"
 
 namespace {
@@ -14,6 +18,17 @@ namespace {
 constexpr double pi = std::numbers::pi;
 constexpr double meters_per_deg_lat = 111320.0;  // m per degree, close enough for a loop of a few hundred m
 constexpr double knots_per_mps = 1.943844;
+constexpr std::size_t gsv_group = 4;   // satellites in one GSV sentence
+constexpr std::size_t gsa_slots = 12;  // satellite numbers in one GSA sentence
+constexpr double pdop_per_hdop = 1.6;  // the simulated DOPs as multiples of HDOP
+constexpr double vdop_per_hdop = 1.3;
+constexpr double gdop_per_hdop = 1.9;
+constexpr double ndop_per_hdop = 0.7;  // and EDOP
+
+// The HDOP at t seconds, wandering slowly.
+double sim_hdop(double t) {
+  return 0.8 + 0.3 * std::sin(t / 60.0);
+}
 
 std::string nmea_coordinate(double degrees, int degree_digits) {
   const double magnitude = std::fabs(degrees);
@@ -21,6 +36,28 @@ std::string nmea_coordinate(double degrees, int degree_digits) {
   char text[32];
   std::snprintf(text, sizeof text, "%0*d%08.5f", degree_digits, whole, (magnitude - whole) * 60.0);
   return text;
+}
+
+int used_count(const std::vector<sim_satellite_t>& sky) {
+  int used = 0;
+  for (const auto& s : sky) used += s.used ? 1 : 0;
+  return used;
+}
+
+// The talker of a system's sentences, NMEA 4.11.
+const char* talker_of(gnss_system_t system) {
+  switch (system) {
+    case gnss_system_t::glonass:
+      return "GL";
+    case gnss_system_t::galileo:
+      return "GA";
+    case gnss_system_t::beidou:
+      return "GB";
+    case gnss_system_t::qzss:
+      return "GQ";
+    default:
+      return "GP";
+  }
 }
 
 // A record's latitude, longitude or other scaled value, rounded to its integer unit.
@@ -111,20 +148,27 @@ void sim_engine_t::add_text_epoch(std::string& out, double t) {
   std::snprintf(date, sizeof date, "%02d%02d%02d", utc.tm_mday, utc.tm_mon + 1, utc.tm_year % 100);
   const std::string lat = nmea_coordinate(p.lat, 2) + (p.lat < 0 ? ",S" : ",N");
   const std::string lon = nmea_coordinate(p.lon, 3) + (p.lon < 0 ? ",W" : ",E");
-  const double hdop = 0.8 + 0.3 * std::sin(t / 60.0);
+  const double hdop = sim_hdop(t);
   const double knots = p.speed_mps * knots_per_mps;
   char body[192];
 
-  std::snprintf(body, sizeof body, "GPGGA,%s,%s,%s,1,%02d,%.1f,%.1f,M,47.0,M,,", clock, lat.c_str(), lon.c_str(),
-                satellite_count - 2, hdop, 520.0 + 3.0 * std::sin(t / 30.0));
+  // A multi-GNSS receiver reports its fix with the GN talker.
+  const char* talker = config_.gnss != 0 ? "GN" : "GP";
+  const int in_fix = config_.gnss != 0 ? used_count(sim_sky(config_.gnss, t)) : satellite_count - 2;
+  std::snprintf(body, sizeof body, "%sGGA,%s,%s,%s,1,%02d,%.1f,%.1f,M,47.0,M,,", talker, clock, lat.c_str(),
+                lon.c_str(), in_fix, hdop, 520.0 + 3.0 * std::sin(t / 30.0));
   add_sentence(out, body);
-  std::snprintf(body, sizeof body, "GPGLL,%s,%s,%s,A,A", lat.c_str(), lon.c_str(), clock);
+  std::snprintf(body, sizeof body, "%sGLL,%s,%s,%s,A,A", talker, lat.c_str(), lon.c_str(), clock);
   add_sentence(out, body);
-  std::snprintf(body, sizeof body, "GPRMC,%s,A,%s,%s,%.3f,%.1f,%s,,,A", clock, lat.c_str(), lon.c_str(), knots,
+  std::snprintf(body, sizeof body, "%sRMC,%s,A,%s,%s,%.3f,%.1f,%s,,,A", talker, clock, lat.c_str(), lon.c_str(), knots,
                 p.course_deg, date);
   add_sentence(out, body);
-  std::snprintf(body, sizeof body, "GPVTG,%.1f,T,,M,%.3f,N,%.3f,K,A", p.course_deg, knots, p.speed_mps * 3.6);
+  std::snprintf(body, sizeof body, "%sVTG,%.1f,T,,M,%.3f,N,%.3f,K,A", talker, p.course_deg, knots, p.speed_mps * 3.6);
   add_sentence(out, body);
+  if (config_.gnss != 0) {
+    add_gnss_sentences(out, t, hdop);
+    return;
+  }
 
   // A dozen satellites crossing the sky slowly, with signals that rise and fade.
   struct sat_t {
@@ -145,7 +189,7 @@ void sim_engine_t::add_text_epoch(std::string& out, double t) {
     std::snprintf(prn, sizeof prn, i < satellite_count - 2 ? ",%02d" : ",", sats[i].prn);
     used += prn;
   }
-  std::snprintf(body, sizeof body, ",%.1f,%.1f,%.1f", hdop * 1.6, hdop, hdop * 1.3);
+  std::snprintf(body, sizeof body, ",%.1f,%.1f,%.1f", hdop * pdop_per_hdop, hdop, hdop * vdop_per_hdop);
   add_sentence(out, used + body);
 
   const int sentences = (satellite_count + 3) / 4;
@@ -175,7 +219,11 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
       static_cast<std::uint32_t>(((utc.tm_wday * 24 + utc.tm_hour) * 60 + utc.tm_min) * 60 + utc.tm_sec) * 1000u;
   const double course = p.course_deg * pi / 180.0;
 
-  // NAV-POSLLH first: an epoch ends with its NAV-PVT, whose fix type the screens then show.
+  // The sky records once a second, at the epoch that starts it.
+  const bool second_starts = std::floor(t) != std::floor(t - config_.epoch_s) || t == 0.0;
+  if (config_.gnss != 0 && second_starts) add_sky_frames(out, t, itow);
+
+  // NAV-POSLLH next: an epoch ends with its NAV-PVT, whose fix type the screens then show.
   constexpr std::int32_t height_mm = 567000;  // above the ellipsoid
   constexpr std::int32_t msl_mm = 520000;     // above mean sea level
   constexpr std::uint32_t h_acc_mm = 1200;
@@ -209,7 +257,7 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
   pvt.fixType = 3;   // 3D fix
   pvt.flags = 0x01;  // gnssFixOK
   pvt.flags2 = 0x0A;
-  pvt.numSV = satellite_count - 2;
+  pvt.numSV = static_cast<std::uint8_t>(config_.gnss != 0 ? used_count(sim_sky(config_.gnss, t)) : satellite_count - 2);
   pvt.lon = posllh.lon;
   pvt.lat = posllh.lat;
   pvt.height = height_mm;
@@ -225,4 +273,95 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
   pvt.pDOP = 145;        // 0.01
   pvt.headVeh = pvt.headMot;
   add_frame(out, image_of(pvt));
+}
+
+// $GNGSA,A,3,02,05,08,,,,,,,,,,1.4,0.8,1.1,1 for each system, then per system and signal
+// $GPGSV,3,1,10,02,45,123,38,05,12,234,40,08,67,345,44,11,23,056,33,1 (4.11: the signal id last).
+void sim_engine_t::add_gnss_sentences(std::string& out, double t, double hdop) {
+  const auto sky = sim_sky(config_.gnss, t);
+  char body[192];
+  for (const auto system : gnss_systems) {
+    const auto of_system = [system](const sim_satellite_t& s) { return s.system == system; };
+    if (std::none_of(sky.begin(), sky.end(), of_system)) continue;
+    std::string gsa = "GNGSA,A,3";
+    std::size_t listed = 0;
+    for (const auto& s : sky) {
+      if (!of_system(s) || !s.used || listed == gsa_slots) continue;
+      std::snprintf(body, sizeof body, ",%02d", s.number);
+      gsa += body;
+      ++listed;
+    }
+    for (; listed < gsa_slots; ++listed) gsa += ",";
+    const auto system_id = index_of(system) + 1;  // NMEA system ids follow the screens' order
+    std::snprintf(body, sizeof body, ",%.1f,%.1f,%.1f,%zu", hdop * pdop_per_hdop, hdop, hdop * vdop_per_hdop,
+                  system_id);
+    add_sentence(out, gsa + body);
+  }
+  for (const auto system : gnss_systems) {
+    // The bands of this system, the first band first.
+    std::vector<gnss_signal_t> bands;
+    for (const auto& s : sky)
+      for (const auto& signal : s.bands)
+        if (s.system == system && std::find(bands.begin(), bands.end(), signal.id) == bands.end())
+          bands.push_back(signal.id);
+    for (const auto band : bands) {
+      std::vector<std::pair<const sim_satellite_t*, int>> on_band;
+      for (const auto& s : sky)
+        for (const auto& signal : s.bands)
+          if (s.system == system && signal.id == band) on_band.emplace_back(&s, signal.cn0);
+      const std::size_t sentences = (on_band.size() + gsv_group - 1) / gsv_group;
+      for (std::size_t k = 0; k < sentences; ++k) {
+        std::snprintf(body, sizeof body, "%sGSV,%zu,%zu,%02zu", talker_of(system), sentences, k + 1, on_band.size());
+        std::string gsv = body;
+        for (std::size_t j = k * gsv_group; j < std::min(on_band.size(), (k + 1) * gsv_group); ++j) {
+          const auto& [s, cn0] = on_band[j];
+          std::snprintf(body, sizeof body, ",%02d,%02d,%03d,%02d", s->number, s->elevation, s->azimuth, cn0);
+          gsv += body;
+        }
+        std::snprintf(body, sizeof body, ",%X", static_cast<unsigned>(band));
+        add_sentence(out, gsv + body);
+      }
+    }
+  }
+}
+
+void sim_engine_t::add_sky_frames(std::string& out, double t, std::uint32_t itow) {
+  constexpr std::uint32_t healthy = 1u << gps_sat_sv_t::health_shift;
+  constexpr std::uint32_t locked = 7;     // code and carrier locked
+  constexpr int glonass_first_slot = 65;  // NMEA numbers GLONASS slot 1 so
+  const auto sky = sim_sky(config_.gnss, t);
+  gps_sat_t sat;
+  gps_sig_t sig;
+  for (const auto& s : sky) {
+    const auto gnss_id = ubx_gnss_id(s.system);
+    const auto sv_id =
+        static_cast<std::uint8_t>(s.system == gnss_system_t::glonass ? s.number - glonass_first_slot + 1 : s.number);
+    const std::uint32_t flags = locked | healthy | (s.used ? gps_sat_sv_t::flag_used : 0);
+    sat.entries.push_back({gnss_id, sv_id, static_cast<std::uint8_t>(s.bands.front().cn0),
+                           static_cast<std::int8_t>(s.elevation), static_cast<std::int16_t>(s.azimuth), 0, flags});
+    for (const auto& signal : s.bands) {
+      const std::uint16_t sig_flags = healthy >> gps_sat_sv_t::health_shift | (s.used ? gps_sig_sv_t::flag_pr_used : 0);
+      sig.entries.push_back({gnss_id, sv_id, ubx_sig_id(s.system, signal.id), 0, 0,
+                             static_cast<std::uint8_t>(signal.cn0), locked, 0, 0, sig_flags, 0});
+    }
+  }
+  for (auto* header : {&sat.cls, &sig.cls}) *header = ubx_class_nav;
+  sat.id = gps_sat_t::message_id;
+  sig.id = gps_sig_t::message_id;
+  sat.version = gps_sat_t::known_version;
+  sig.version = gps_sig_t::known_version;
+  sat.iTOW = sig.iTOW = itow;
+  sat.count = static_cast<std::uint8_t>(sat.entries.size());
+  sig.count = static_cast<std::uint8_t>(sig.entries.size());
+  sat.length = sat.length_of_count();
+  sig.length = sig.length_of_count();
+  add_frame(out, image_of(sat));
+  add_frame(out, image_of(sig));
+
+  const double hdop = sim_hdop(t);
+  const auto hundredths = [](double dop) { return static_cast<std::uint16_t>(std::lround(dop * 100)); };
+  add_frame(out, image_of(gps_dop_t{ubx_class_nav, gps_dop_t::message_id, gps_dop_t::payload_length, itow,
+                                    hundredths(hdop * gdop_per_hdop), hundredths(hdop * pdop_per_hdop),
+                                    hundredths(hdop), hundredths(hdop * vdop_per_hdop), hundredths(hdop),
+                                    hundredths(hdop * ndop_per_hdop), hundredths(hdop * ndop_per_hdop)}));
 }

@@ -18,6 +18,9 @@ struct sim_config_t {
   double garbage_rate = 0.0;              // share of sentences followed by a junk line, of frames by junk bytes
   std::int64_t start_utc_s = 1767268800;  // 2026-01-01 12:00:00
   double epoch_s = 1.0;                   // simulated seconds per epoch (1 / rate)
+  // The systems of a multi-GNSS sky (bits of sim/sim_sky.h): NMEA 4.11 talkers with system and
+  // signal ids, or with ubx NAV-SAT, NAV-SIG and NAV-DOP frames once a second. 0: GPS alone.
+  std::uint8_t gnss = 0;
 };
 
 // What it has injected so far.
@@ -49,6 +52,10 @@ private:
   void add_frame(std::string& out, std::span<const std::uint8_t> image);
   void add_text_epoch(std::string& out, double t);
   void add_ubx_epoch(std::string& out, double t);
+  // Multi-GNSS: a GSA for each system, then a GSV group for each system and signal.
+  void add_gnss_sentences(std::string& out, double t, double hdop);
+  // Multi-GNSS: NAV-SAT, NAV-SIG and NAV-DOP of the epoch.
+  void add_sky_frames(std::string& out, double t, std::uint32_t itow);
   double uniform();
 
   sim_config_t config_;

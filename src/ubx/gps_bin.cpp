@@ -79,7 +79,7 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
       }
       d += static_cast<std::int32_t>(run);
       i += run;
-      if (d == size_data) checksum();
+      if (d == size_data) image_complete();
       continue;
     }
 
@@ -87,32 +87,71 @@ gps_bin_return_t gps_bin_t::decode(std::span<const std::uint8_t> chunk) {
     const std::uint8_t b = bytes[i++];
     if (d < size_data) data[static_cast<std::size_t>(d)] = b;
     ++d;
+    // A wrong checksum byte drops the frame; only the six decoders' records make it the result.
+    const auto checksum_failed = [&] {
+      if (!sky_frame()) result = gps_bin_return_t::chk_invalid;
+      abandon();
+    };
     if (d == 2) {
-      if (data[0] == ubx_class_nav && data[1] == gps_posllh_t::message_id) {
-        type = gps_bin_format_t::posllh;
-        size_data = gps_posllh_t::image_size;
-      } else if (data[0] == ubx_class_nav && data[1] == gps_pvt_t::message_id) {
-        type = gps_bin_format_t::pvt;
-        size_data = gps_pvt_t::image_size;
-      } else {
-        abandon();
-        result = gps_bin_return_t::unsupported_type;
-      }
+      start_frame();
+      if (type == gps_bin_format_t::none) abandon();
+      if (type == gps_bin_format_t::none || sky_frame()) result = gps_bin_return_t::unsupported_type;
     } else if (d == size_data + 1) {
-      if (b != chk[0]) {
-        abandon();
-        result = gps_bin_return_t::chk_invalid;
-      }
+      if (b != chk[0]) checksum_failed();
     } else if (d == size_data + 2) {
-      if (b == chk[1]) {
-        result = decode_frame();
+      if (b != chk[1]) {
+        checksum_failed();
+      } else if (sky_frame()) {
+        pass_on_sky();
       } else {
-        abandon();
-        result = gps_bin_return_t::chk_invalid;
+        result = decode_frame();
       }
     }
   }
   return result;
+}
+
+// The kind of the frame from its class and id, and the image size that the kind fixes; a list
+// record's size is known once its length field is in.
+void gps_bin_t::start_frame() {
+  struct kind_t {
+    std::uint8_t id;
+    gps_bin_format_t type;
+    std::int32_t size;
+  };
+  constexpr kind_t kinds[] = {
+      {gps_posllh_t::message_id, gps_bin_format_t::posllh, gps_posllh_t::image_size},
+      {gps_pvt_t::message_id, gps_bin_format_t::pvt, gps_pvt_t::image_size},
+      {gps_dop_t::message_id, gps_bin_format_t::dop, gps_dop_t::image_size},
+      {gps_sat_t::message_id, gps_bin_format_t::sat, list_header_size},
+      {gps_sig_t::message_id, gps_bin_format_t::sig, list_header_size},
+  };
+  type = gps_bin_format_t::none;
+  if (data[0] != ubx_class_nav) return;
+  for (const auto& kind : kinds) {
+    if (data[1] != kind.id) continue;
+    type = kind.type;
+    size_data = kind.size;
+  }
+}
+
+// The image so far is complete: a list record's header gives the size of the rest, which must be
+// whole entries; any other image is followed by its checksum.
+void gps_bin_t::image_complete() {
+  const bool list = type == gps_bin_format_t::sat || type == gps_bin_format_t::sig;
+  if (!list || size_data != list_header_size) {
+    checksum();
+    return;
+  }
+  const std::size_t length = data[2] | static_cast<std::size_t>(data[3]) << 8;
+  const std::size_t entries_start = gps_sat_t::header_size - list_header_size;
+  const std::size_t entry = type == gps_bin_format_t::sat ? gps_sat_t::entry_size : gps_sig_t::entry_size;
+  if (length < entries_start || (length - entries_start) % entry != 0 ||
+      (length - entries_start) / entry > gps_sat_t::entries_max) {
+    abandon();
+    return;
+  }
+  size_data = static_cast<std::int32_t>(list_header_size + length);
 }
 
 void gps_bin_t::checksum() {
@@ -137,4 +176,25 @@ gps_bin_return_t gps_bin_t::decode_frame() {
   d = 0;
   if (type == gps_bin_format_t::posllh) return pass_on(posllh, &gps_protocol_bin_t::update_posllh);
   return pass_on(pvt, &gps_protocol_bin_t::update_pvt);
+}
+
+// A sky record reaches the sky receivers when its length (for a list, its count and version) is
+// right; the chunk's result is not its concern.
+void gps_bin_t::pass_on_sky() {
+  h = 0;
+  d = 0;
+  const auto image = std::span<const std::uint8_t>(data).first(static_cast<std::size_t>(size_data));
+  if (type == gps_bin_format_t::dop) {
+    dop = gps_dop_t::from_image(image.first<gps_dop_t::image_size>());
+    if (dop.length != gps_dop_t::payload_length) return;
+    for (auto* receiver : arr_sky) receiver->update_dop(dop);
+  } else if (type == gps_bin_format_t::sat) {
+    sat.read_image(image);
+    if (!sat.is_plausible()) return;
+    for (auto* receiver : arr_sky) receiver->update_sat(sat);
+  } else {
+    sig.read_image(image);
+    if (!sig.is_plausible()) return;
+    for (auto* receiver : arr_sky) receiver->update_sig(sig);
+  }
 }

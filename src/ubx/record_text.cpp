@@ -11,6 +11,7 @@ constexpr std::uint32_t mm = 1000;           // mm and mm/s to m and m/s
 constexpr std::uint32_t deg_1e5 = 100000;    // 1e-5 degree
 constexpr std::uint32_t deg_1e7 = 10000000;  // 1e-7 degree
 constexpr std::uint32_t hundredths = 100;    // 0.01 units
+constexpr std::uint32_t decimetres = 10;     // 0.1 m
 constexpr std::uint32_t ms_per_hour = 3600000;
 constexpr std::uint32_t ms_per_minute = 60000;
 constexpr std::uint32_t ms_per_second = 1000;
@@ -100,6 +101,12 @@ std::string_view label(std::uint8_t id) {
       return "POSLLH";
     case gps_pvt_t::message_id:
       return "PVT";
+    case gps_dop_t::message_id:
+      return "DOP";
+    case gps_sat_t::message_id:
+      return "SAT";
+    case gps_sig_t::message_id:
+      return "SIG";
     default:
       return "?";
   }
@@ -168,4 +175,44 @@ void append_text(std::string& out, const gps_pvt_t& r) {
   w.text("heading of vehicle ").fixed(r.headVeh, deg_1e5, 4).text("  nano sec").number(r.nano, 11);
   w.text("  UTC ").number(r.year, 4).text("-").zero_padded(r.month, 2).text("-").zero_padded(r.day, 2);
   w.text(" ").zero_padded(r.hour, 2).text(":").zero_padded(r.min, 2).text(":").zero_padded(r.sec, 2).text("\n");
+}
+
+// cls 1  id 4      DOP  len 18       iTOW  291023400         wed  8:50:23.400
+// gDOP   1.56  pDOP   1.45  tDOP   0.77  vDOP   1.27  hDOP   0.91  nDOP   0.61  eDOP   0.68
+void append_text(std::string& out, const gps_dop_t& r) {
+  text_writer_t w(out);
+  append_header(w, r.cls, r.id, r.length, r.iTOW, "       ", "         ");
+  w.text("gDOP ").fixed(r.gDOP, hundredths, 3).text("  pDOP ").fixed(r.pDOP, hundredths, 3);
+  w.text("  tDOP ").fixed(r.tDOP, hundredths, 3).text("  vDOP ").fixed(r.vDOP, hundredths, 3);
+  w.text("  hDOP ").fixed(r.hDOP, hundredths, 3).text("  nDOP ").fixed(r.nDOP, hundredths, 3);
+  w.text("  eDOP ").fixed(r.eDOP, hundredths, 3).text("\n");
+}
+
+// cls 1  id 53      SAT  len 32       iTOW  291023400         wed  8:50:23.400
+// version 1  satellites   2
+// gnss 0  sv   5  cno 38  elev  45  azim 123  prRes   -1.2  flags 0000001f
+// gnss 6  sv   1  cno 30  elev -91  azim   0  prRes    0.3  flags 00000017
+void append_text(std::string& out, const gps_sat_t& r) {
+  text_writer_t w(out);
+  append_header(w, r.cls, r.id, r.length, r.iTOW, "       ", "         ");
+  w.text("version ").number(r.version).text("  satellites ").number(r.count, 3).text("\n");
+  for (const auto& sv : r.entries) {
+    w.text("gnss ").number(sv.gnssId).text("  sv ").number(sv.svId, 3).text("  cno ").number(sv.cno, 2);
+    w.text("  elev ").number(sv.elev, 3).text("  azim ").number(sv.azim, 3);
+    w.text("  prRes ").fixed(sv.prRes, decimetres, 4).text("  flags ").hex(sv.flags, 8).text("\n");
+  }
+}
+
+// cls 1  id 67      SIG  len 24       iTOW  291023400         wed  8:50:23.400
+// version 0  signals   1
+// gnss 2  sv  11  sig 1  freq  0  cno 44  quality 7  prRes    0.4  flags 0029
+void append_text(std::string& out, const gps_sig_t& r) {
+  text_writer_t w(out);
+  append_header(w, r.cls, r.id, r.length, r.iTOW, "       ", "         ");
+  w.text("version ").number(r.version).text("  signals ").number(r.count, 3).text("\n");
+  for (const auto& sv : r.entries) {
+    w.text("gnss ").number(sv.gnssId).text("  sv ").number(sv.svId, 3).text("  sig ").number(sv.sigId);
+    w.text("  freq ").number(sv.freqId, 2).text("  cno ").number(sv.cno, 2).text("  quality ").number(sv.qualityInd);
+    w.text("  prRes ").fixed(sv.prRes, decimetres, 4).text("  flags ").hex(sv.sigFlags, 4).text("\n");
+  }
 }

@@ -24,6 +24,33 @@ void for_each_field(R& r, F&& f) {
   f(r.sAcc), f(r.headAcc), f(r.pDOP), f(r.flags3), f(r.reserved1), f(r.headVeh), f(r.magDec), f(r.magAcc);
 }
 
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_dop_t>
+void for_each_field(R& r, F&& f) {
+  f(r.cls), f(r.id), f(r.length), f(r.iTOW), f(r.gDOP), f(r.pDOP), f(r.tDOP), f(r.vDOP), f(r.hDOP), f(r.nDOP);
+  f(r.eDOP);
+}
+
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_sat_sv_t>
+void for_each_field(R& r, F&& f) {
+  f(r.gnssId), f(r.svId), f(r.cno), f(r.elev), f(r.azim), f(r.prRes), f(r.flags);
+}
+
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_sig_sv_t>
+void for_each_field(R& r, F&& f) {
+  f(r.gnssId), f(r.svId), f(r.sigId), f(r.freqId), f(r.prRes), f(r.cno), f(r.qualityInd), f(r.corrSource);
+  f(r.ionoModel), f(r.sigFlags), f(r.reserved1);
+}
+
+// The header of a list record; its entries follow.
+template <class R, class F>
+requires std::same_as<std::remove_const_t<R>, gps_sat_t> || std::same_as<std::remove_const_t<R>, gps_sig_t>
+void for_each_field(R& r, F&& f) {
+  f(r.cls), f(r.id), f(r.length), f(r.iTOW), f(r.version), f(r.count), f(r.reserved);
+}
+
 // Reads little-endian fields one after another from a record image.
 class image_reader_t {
 public:
@@ -71,6 +98,16 @@ std::array<std::uint8_t, Record::image_size> write_image(const Record& r) {
   return image;
 }
 
+template <class Record>
+std::vector<std::uint8_t> write_list_image(const Record& r) {
+  std::vector<std::uint8_t> image(Record::header_size + r.entries.size() * Record::entry_size);
+  for_each_field(r, image_writer_t(image));
+  for (std::size_t k = 0; k < r.entries.size(); ++k)
+    for_each_field(r.entries[k],
+                   image_writer_t(std::span(image).subspan(Record::header_size + k * Record::entry_size)));
+  return image;
+}
+
 bool within(std::int32_t value, std::int32_t limit) {
   return value >= -limit && value <= limit;
 }
@@ -85,12 +122,38 @@ gps_pvt_t gps_pvt_t::from_image(std::span<const std::uint8_t, image_size> image)
   return read_image<gps_pvt_t>(image);
 }
 
+gps_dop_t gps_dop_t::from_image(std::span<const std::uint8_t, image_size> image) {
+  return read_image<gps_dop_t>(image);
+}
+
+template <class Entry, std::uint8_t Id, std::uint8_t Version>
+void gps_list_record_t<Entry, Id, Version>::read_image(std::span<const std::uint8_t> image) {
+  for_each_field(*this, image_reader_t(image));
+  entries.resize((image.size() - header_size) / entry_size);
+  for (std::size_t k = 0; k < entries.size(); ++k)
+    for_each_field(entries[k], image_reader_t(image.subspan(header_size + k * entry_size)));
+}
+template struct gps_list_record_t<gps_sat_sv_t, 0x35, 1>;
+template struct gps_list_record_t<gps_sig_sv_t, 0x43, 0>;
+
 std::array<std::uint8_t, gps_posllh_t::image_size> image_of(const gps_posllh_t& record) {
   return write_image(record);
 }
 
 std::array<std::uint8_t, gps_pvt_t::image_size> image_of(const gps_pvt_t& record) {
   return write_image(record);
+}
+
+std::array<std::uint8_t, gps_dop_t::image_size> image_of(const gps_dop_t& record) {
+  return write_image(record);
+}
+
+std::vector<std::uint8_t> image_of(const gps_sat_t& record) {
+  return write_list_image(record);
+}
+
+std::vector<std::uint8_t> image_of(const gps_sig_t& record) {
+  return write_list_image(record);
 }
 
 // Both sums are kept wider than a byte and cut at the end: only their low eight bits count.

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-// The two UBX navigation records, each the image of a frame from its class byte to the end of its
+// The UBX navigation records, each the image of a frame from its class byte to the end of its
 // payload. Multi-byte fields are little-endian on the wire and are read and written as such on
 // any host.
 
@@ -88,9 +88,102 @@ struct gps_pvt_t {
   bool operator==(const gps_pvt_t&) const = default;
 };
 
-// The image of a record, the inverse of from_image.
+// NAV-DOP: dilutions of precision. 22-byte image, payload length 18.
+struct gps_dop_t {
+  static constexpr std::size_t image_size = 22;
+  static constexpr std::uint16_t payload_length = image_size - 4;
+  static constexpr std::uint8_t message_id = 0x04;
+
+  std::uint8_t cls = 0;
+  std::uint8_t id = 0;
+  std::uint16_t length = 0;
+  std::uint32_t iTOW = 0;  // GPS time of week, ms
+  std::uint16_t gDOP = 0;  // 0.01, as the six below
+  std::uint16_t pDOP = 0;
+  std::uint16_t tDOP = 0;
+  std::uint16_t vDOP = 0;
+  std::uint16_t hDOP = 0;
+  std::uint16_t nDOP = 0;
+  std::uint16_t eDOP = 0;
+
+  static gps_dop_t from_image(std::span<const std::uint8_t, image_size> image);
+  bool operator==(const gps_dop_t&) const = default;
+};
+
+// One satellite of a NAV-SAT record, 12 bytes.
+struct gps_sat_sv_t {
+  static constexpr std::size_t size = 12;
+  static constexpr std::uint32_t flag_used = 0x08;  // flags: used in the fix
+  static constexpr std::uint32_t quality_mask = 0x07;
+  static constexpr int health_shift = 4;  // flags bits 4-5: 0 unknown, 1 healthy, 2 unhealthy
+
+  std::uint8_t gnssId = 0;
+  std::uint8_t svId = 0;
+  std::uint8_t cno = 0;     // C/N0, dB-Hz
+  std::int8_t elev = 0;     // degrees; beyond +-90 unknown
+  std::int16_t azim = 0;    // degrees 0..360
+  std::int16_t prRes = 0;   // pseudorange residual, 0.1 m
+  std::uint32_t flags = 0;  // quality, used, health, ...
+  bool operator==(const gps_sat_sv_t&) const = default;
+};
+
+// One signal of a NAV-SIG record, 16 bytes.
+struct gps_sig_sv_t {
+  static constexpr std::size_t size = 16;
+  static constexpr std::uint16_t flag_pr_used = 0x08;  // sigFlags: its pseudorange is used in the fix
+
+  std::uint8_t gnssId = 0;
+  std::uint8_t svId = 0;
+  std::uint8_t sigId = 0;
+  std::uint8_t freqId = 0;  // GLONASS frequency slot + 7
+  std::int16_t prRes = 0;   // 0.1 m
+  std::uint8_t cno = 0;     // dB-Hz
+  std::uint8_t qualityInd = 0;
+  std::uint8_t corrSource = 0;
+  std::uint8_t ionoModel = 0;
+  std::uint16_t sigFlags = 0;
+  std::uint32_t reserved1 = 0;
+  bool operator==(const gps_sig_sv_t&) const = default;
+};
+
+// A record of a header and a list of entries whose count the header gives: NAV-SAT (satellites)
+// and NAV-SIG (signals). Its image is 12 bytes of header, then the entries.
+template <class Entry, std::uint8_t Id, std::uint8_t Version>
+struct gps_list_record_t {
+  using entry_t = Entry;
+  static constexpr std::uint8_t message_id = Id;
+  static constexpr std::uint8_t known_version = Version;
+  static constexpr std::size_t header_size = 12;
+  static constexpr std::size_t entry_size = Entry::size;
+  static constexpr std::size_t entries_max = 255;
+  static constexpr std::size_t image_size_max = header_size + entries_max * entry_size;
+
+  std::uint8_t cls = 0;
+  std::uint8_t id = 0;
+  std::uint16_t length = 0;
+  std::uint32_t iTOW = 0;  // GPS time of week, ms
+  std::uint8_t version = 0;
+  std::uint8_t count = 0;  // numSvs or numSigs
+  std::uint16_t reserved = 0;
+  std::vector<Entry> entries;
+
+  // Reads the image in place, keeping the entries' storage; every whole entry is read.
+  void read_image(std::span<const std::uint8_t> image);
+  // The payload length of `count` entries.
+  std::uint16_t length_of_count() const { return static_cast<std::uint16_t>(header_size - 4 + count * entry_size); }
+  // The known version, and as many entries as the count says.
+  bool is_plausible() const { return version == known_version && entries.size() == count; }
+  bool operator==(const gps_list_record_t&) const = default;
+};
+using gps_sat_t = gps_list_record_t<gps_sat_sv_t, 0x35, 1>;
+using gps_sig_t = gps_list_record_t<gps_sig_sv_t, 0x43, 0>;
+
+// The image of a record, the inverse of from_image and read_image.
 std::array<std::uint8_t, gps_posllh_t::image_size> image_of(const gps_posllh_t& record);
 std::array<std::uint8_t, gps_pvt_t::image_size> image_of(const gps_pvt_t& record);
+std::array<std::uint8_t, gps_dop_t::image_size> image_of(const gps_dop_t& record);
+std::vector<std::uint8_t> image_of(const gps_sat_t& record);
+std::vector<std::uint8_t> image_of(const gps_sig_t& record);
 
 // CK_A and CK_B of a record image, from its class byte to the end of its payload.
 std::array<std::uint8_t, 2> ubx_checksum(std::span<const std::uint8_t> image);

@@ -13,6 +13,7 @@
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
 #include "ui/config_connection_view.h"
+#include "ui/gnss_sky_panel.h"
 #include "ui/gps_details_view.h"
 #include "ui/gps_log_view.h"
 #include "ui/map_panel.h"
@@ -116,6 +117,14 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
       details_scroll, [this] { sheets_.show(sheet_id_t::details, false); }, this);
   settings_sheet_ = new sheet_t(
       new config_connection_view(*this, cfg_, cnc_), [this] { sheets_.show(sheet_id_t::settings, false); }, this);
+
+  // The satellites of every system, until the window docks them.
+  auto* sky_scroll = new QScrollArea;
+  sky_scroll->setWidgetResizable(true);
+  sky_scroll->setFrameShape(QFrame::NoFrame);
+  sky_scroll->setWidget(new gnss_sky_panel(cnc_.sky));
+  sky_sheet_ = new sheet_t(
+      sky_scroll, [this] { sheets_.show(sheet_id_t::sky, false); }, this);
 
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
@@ -238,6 +247,7 @@ void ContentView::refresh() {
   log_sheet_->set_shown(log);
   details_sheet_->set_shown(sheets_.shown(sheet_id_t::details));
   settings_sheet_->set_shown(sheets_.shown(sheet_id_t::settings));
+  sky_sheet_->set_shown(sheets_.shown(sheet_id_t::sky));
 
   map_panel_->refresh();
 }

@@ -54,6 +54,7 @@ public:
   sheet_t* log_sheet() const { return log_sheet_; }
   sheet_t* details_sheet() const { return details_sheet_; }
   sheet_t* settings_sheet() const { return settings_sheet_; }
+  sheet_t* sky_sheet() const { return sky_sheet_; }
   // The summary rows as the layout holds them, each a list of its items' accessible names.
   QList<QStringList> rows() const;
 
@@ -88,4 +89,5 @@ private:
   sheet_t* log_sheet_;
   sheet_t* details_sheet_;
   sheet_t* settings_sheet_;
+  sheet_t* sky_sheet_;
 };

@@ -8,7 +8,7 @@
 class connection_t;
 
 // The sheets that the main screen opens over itself.
-enum class sheet_id_t { log, details, settings };
+enum class sheet_id_t { log, details, settings, sky };
 
 // Which sheets are open. Every change notifies first, as a published field does. The hub learns
 // whether the log is open, because it keeps a longer log while someone reads it.
@@ -24,5 +24,5 @@ private:
   static std::size_t index(sheet_id_t sheet) { return static_cast<std::size_t>(sheet); }
 
   connection_t& cnc_;
-  std::array<bool, 3> shown_{};
+  std::array<bool, 4> shown_{};
 };

@@ -10,6 +10,7 @@
 
 #include "app/snapshot_json.h"
 #include "link/connection.h"
+#include "nmea/sentence.h"
 #include "support/fake_links.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
@@ -59,6 +60,22 @@ TEST(snapshot_json, prints_the_hub_section) {
                        0),
             0u)
       << json;
+}
+
+TEST(snapshot_json, prints_the_sky_last_with_systems_and_signals_in_words) {
+  const std::string lines = with_checksum("$GNGSA,A,3,05,,,,,,,,,,,,1.85,1.02,1.54,1") + "\r\n" +
+                            with_checksum("$GAGSV,1,1,01,05,45,123,38,1") + "\r\n";
+  const replay_hub_t r({reinterpret_cast<const std::uint8_t*>(lines.data()), lines.size()}, replay_default_chunk);
+  const auto json = snapshot_json(r.hub);
+  const std::string sky =
+      R"(,"sky":{"in_view":2,"used":1,"signals":1,"systems":[{"system":"GPS","in_view":1,"used":1,"signals":0},)"
+      R"({"system":"Galileo","in_view":1,"used":0,"signals":1}],"dop":{"gdop":null,"pdop":1.85,"tdop":null,)"
+      R"("vdop":1.54,"hdop":1.02,"ndop":null,"edop":null},"satellites":[{"system":"GPS","number":5,"placed":false,)"
+      R"("elevation":0,"azimuth":0,"used":true,"health":"unknown","quality":0,"residual_m":0,"signals":[]},)"
+      R"({"system":"Galileo","number":5,"placed":true,"elevation":45,"azimuth":123,"used":false,)"
+      R"("health":"unknown","quality":0,"residual_m":0,"signals":[{"signal":"E5a","cn0":38,"used":false}]}]}})";
+  ASSERT_GT(json.size(), sky.size());
+  EXPECT_EQ(json.substr(json.size() - sky.size()), sky);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "sim/sim_sky.h"
+
 namespace {
 
 sim_parse_t parse(std::vector<std::string_view> args) {
@@ -17,7 +19,8 @@ TEST(sim_options, reads_the_receiver_and_the_server) {
                         "--lon",   "151.2153",
                         "--speed", "6",
                         "--seed",  "18446744073709551615",
-                        "--ubx",   "--bad-checksum-rate",
+                        "--ubx",   "--gnss",
+                        "gal,gps", "--bad-checksum-rate",
                         "0.1",     "--garbage-rate",
                         "1",       "--drop-after",
                         "5",       "--duration",
@@ -32,6 +35,7 @@ TEST(sim_options, reads_the_receiver_and_the_server) {
   EXPECT_EQ(o.receiver.speed_mps, 6.0);
   EXPECT_EQ(o.receiver.seed, UINT64_MAX);
   EXPECT_TRUE(o.receiver.ubx);
+  EXPECT_EQ(o.receiver.gnss, bit_of(gnss_system_t::gps) | bit_of(gnss_system_t::galileo));
   EXPECT_EQ(o.receiver.bad_checksum_rate, 0.1);
   EXPECT_EQ(o.receiver.garbage_rate, 1.0);
   EXPECT_EQ(o.server.drop_after_s, 5.0);
@@ -77,6 +81,9 @@ TEST(sim_options, help_ends_the_reading_and_the_first_bad_option_is_named) {
       {{"--udp", "127.0.0.1"}, "--udp takes HOST:PORT"},
       {{"--udp", ":5"}, "--udp takes"},
       {{"--udp", "127.0.0.1:0"}, "--udp takes"},
+      {{"--gnss", "gps,galileo"}, "--gnss takes a list of gps, glo, gal, bds and qzss"},
+      {{"--gnss", "gps,"}, "--gnss takes"},
+      {{"--gnss"}, "--gnss takes"},
   };
   for (const auto& c : cases) {
     const auto r = parse(c.args);

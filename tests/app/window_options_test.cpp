@@ -9,13 +9,14 @@
 namespace {
 
 TEST(window_options, reads_what_the_window_is_asked_to_do) {
-  const auto p = parse_window(std::vector<std::string_view>{"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after",
-                                                            "2.5", "--size", "520x900", "--sheet", "log", "--dark"});
+  const auto p =
+      parse_window(std::vector<std::string_view>{"--demo", "--ubx", "--screenshot", "/tmp/a.png", "--after", "2.5",
+                                                 "--size", "520x900", "--sheet", "sky", "--dark", "--gnss", "bds"});
   ASSERT_TRUE(p.options) << p.error;
   const auto& o = *p.options;
-  EXPECT_EQ(
-      std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheet, o.dark, o.help),
-      std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::optional(sheet_id_t::log), true, false));
+  EXPECT_EQ(std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheet, o.dark, o.help, o.gnss),
+            std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::optional(sheet_id_t::sky), true,
+                       false, std::uint8_t{1u << 3}));
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
@@ -25,7 +26,9 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--after", "-1"}, "--after needs seconds from 0 to 3600"},
       {{"--after", "nan"}, "--after needs seconds from 0 to 3600"},
       {{"--screenshot"}, "--screenshot needs a file name"},
-      {{"--sheet", "map"}, "--sheet needs log, details or settings"},
+      {{"--sheet", "map"}, "--sheet needs log, details, settings or sky"},
+      {{"--demo", "--gnss", "gps,sbas"}, "--gnss needs a list of gps, glo, gal, bds and qzss"},
+      {{"--gnss", "gps"}, "--gnss goes with --demo"},
       {{"--ubx"}, "--ubx goes with --demo"},
       {{"--connect"}, "unknown argument '--connect'"},
   };

@@ -142,9 +142,10 @@ TEST_F(hub_test, reset_clears_log_counters_and_decoders_but_not_the_links) {
   hub.connect_tcp("127.0.0.1", 10110);
   hub.tcp_events().link_up("127.0.0.1:10110");
   line(gga, 5);
-  ASSERT_NE(hub.gga.fix_text(), no_fix);
+  line(with_checksum("$GLGSV,1,1,01,65,40,090,35"));
+  ASSERT_TRUE(hub.gga.fix_text() != no_fix && !hub.sky.satellites->empty());
   hub.reset();
-  EXPECT_TRUE(hub.arr_rx->empty());
+  EXPECT_TRUE(hub.arr_rx->empty() && hub.sky.satellites->empty());
   EXPECT_EQ(counts(hub), "0 - 0 0");
   EXPECT_EQ(hub.gga.fix_text(), no_fix) << "every decoder is reset";
   EXPECT_EQ(hub.status_tcp.get(), "127.0.0.1:10110");

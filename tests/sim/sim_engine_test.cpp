@@ -11,6 +11,7 @@
 #include "link/offline_links.h"
 #include "link/replay.h"
 #include "nmea/sentence.h"
+#include "sim/sim_sky.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 
@@ -75,6 +76,45 @@ TEST(sim_engine, frames_carry_the_faults_too) {
   const auto& counts = sim.counts();
   ASSERT_TRUE(counts.bad_checksums > 0 && counts.garbage_lines > 0);
   EXPECT_EQ(d.hub.msg_good, counts.frames - counts.bad_checksums) << "junk between frames loses none of them";
+}
+
+// Every sentence a receiver may send, every system with its second band on some satellites, and
+// the same sky from the frames; the six decoders' counters see the records they did before.
+TEST(sim_engine, a_multi_gnss_receiver_in_sentences_and_in_frames) {
+  const auto systems = *parse_gnss_list("gps,glo,gal,bds");
+  sim_engine_t text_sim({.gnss = systems});
+  const auto stream = epochs(text_sim, 3);
+  std::map<std::string, int> tags;
+  for (std::size_t start = 0, end; start < stream.size(); start = end + 2) {
+    end = stream.find("\r\n", start);
+    const auto line = stream.substr(start, end - start);
+    const auto scan = scan_sentence(line, {});
+    EXPECT_TRUE(scan.characters <= 80 && scan.checksum_ok) << line;
+    ++tags[line.substr(0, 6)];
+  }
+  EXPECT_EQ(tags, (std::map<std::string, int>{{"$GAGSV", 9},
+                                              {"$GBGSV", 9},
+                                              {"$GLGSV", 9},
+                                              {"$GNGGA", 3},
+                                              {"$GNGLL", 3},
+                                              {"$GNGSA", 12},
+                                              {"$GNRMC", 3},
+                                              {"$GNVTG", 3},
+                                              {"$GPGSV", 12}}));
+  const decoded_t text(stream);
+  const auto counts = text.hub.sky.counts();
+  const auto count = [&](gnss_system_t s) { return counts[index_of(s)]; };
+  EXPECT_EQ(std::tuple(count(gnss_system_t::gps), count(gnss_system_t::glonass), count(gnss_system_t::galileo),
+                       count(gnss_system_t::beidou), count(gnss_system_t::qzss)),
+            std::tuple(sky_count_t{10, 9, 14}, sky_count_t{8, 7, 11}, sky_count_t{8, 7, 11}, sky_count_t{8, 6, 11},
+                       sky_count_t{}));
+  EXPECT_EQ(text.hub.gga.sat_count_i, 9 + 7 + 7 + 6) << "the used satellites of every system";
+
+  sim_engine_t ubx_sim({.ubx = true, .gnss = systems});
+  const decoded_t binary(epochs(ubx_sim, 3), 1);
+  EXPECT_EQ(binary.hub.sky.counts(), counts);
+  EXPECT_EQ(std::tuple(ubx_sim.counts().frames, binary.hub.msg_good), std::tuple(15u, 6u));
+  EXPECT_EQ(binary.hub.sky.dop->hdop, 0.81);
 }
 
 TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "ubx/records.h"
@@ -21,6 +22,19 @@ inline gps_pvt_t valid_pvt() {
   // class, id, length, iTOW, date, time, valid, tAcc, nano, fixType, flags, flags2, numSV, lon, lat, ...
   auto r = gps_pvt_t{cls, id, length, 291023400, 2017, 7, 19, 8, 50, 5, 0, 0, 0, 3, 0, 0, 14, 1386081181, -349062349};
   r.pDOP = 145;
+  return r;
+}
+
+// NAV-SAT and NAV-SIG records whose header matches their entries.
+template <class Record>
+Record list_record(std::vector<typename Record::entry_t> entries) {
+  Record r;
+  r.cls = ubx_class_nav;
+  r.id = Record::message_id;
+  r.version = Record::known_version;
+  r.count = static_cast<std::uint8_t>(entries.size());
+  r.entries = std::move(entries);
+  r.length = r.length_of_count();
   return r;
 }
 

@@ -40,6 +40,24 @@ TEST(record_text, pvt_in_fixed_columns_with_the_extremes_of_each_type) {
             "heading of vehicle   -0.00005  nano sec -399901547  UTC 2017-07-19 08:50:05\n");
 }
 
+TEST(record_text, sky_records_a_line_per_entry) {
+  const gps_dop_t dop{1, 4, 18, 0, 156, 145, 77, 127, 91, 61, 65535};
+  EXPECT_EQ(text(dop),
+            "cls 1  id 4      DOP  len 18       iTOW          0         sun  0:00:00.000\n"
+            "gDOP   1.56  pDOP   1.45  tDOP   0.77  vDOP   1.27  hDOP   0.91  nDOP   0.61  eDOP 655.35\n");
+  const auto sat = list_record<gps_sat_t>({{0, 5, 38, 45, 123, -12, 0x1F}, {6, 1, 30, -91, 0, 3, 0x17}});
+  EXPECT_EQ(text(sat),
+            "cls 1  id 53      SAT  len 32       iTOW          0         sun  0:00:00.000\n"
+            "version 1  satellites   2\n"
+            "gnss 0  sv   5  cno 38  elev  45  azim 123  prRes   -1.2  flags 0000001f\n"
+            "gnss 6  sv   1  cno 30  elev -91  azim   0  prRes    0.3  flags 00000017\n");
+  const auto sig = list_record<gps_sig_t>({{2, 11, 1, 0, 4, 44, 7, 0, 0, 0x29, 0}});
+  EXPECT_EQ(text(sig),
+            "cls 1  id 67      SIG  len 24       iTOW          0         sun  0:00:00.000\n"
+            "version 0  signals   1\n"
+            "gnss 2  sv  11  sig 1  freq  0  cno 44  quality 7  prRes    0.4  flags 0029\n");
+}
+
 TEST(record_text, labels_by_id_alone_and_small_negatives_as_minus_zero) {
   auto r = posllh_record();
   r.cls = 5;

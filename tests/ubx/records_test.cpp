@@ -27,6 +27,30 @@ TEST(records, fields_land_at_their_offsets_and_write_back_the_same) {
   EXPECT_EQ(image_of(l), head);
 }
 
+// A list record's header, then its entries in wire order; NAV-DOP's seven values after iTOW.
+TEST(records, sky_records_read_their_fields_at_their_offsets_and_write_back_the_same) {
+  std::vector<std::uint8_t> image(gps_sat_t::header_size + 2 * gps_sat_sv_t::size);
+  for (std::size_t i = 0; i < image.size(); ++i) image[i] = static_cast<std::uint8_t>(i);
+  gps_sat_t sat;
+  sat.read_image(image);
+  EXPECT_EQ(std::tuple(sat.length, sat.iTOW, sat.version, sat.count, sat.reserved, sat.entries.size()),
+            std::tuple(0x0302, 0x07060504u, 8, 9, 0x0B0A, 2u));
+  EXPECT_EQ(sat.entries[1], (gps_sat_sv_t{24, 25, 26, 27, 0x1D1C, 0x1F1E, 0x23222120}));
+  EXPECT_EQ(image_of(sat), image);
+
+  image.resize(gps_sig_t::header_size + gps_sig_sv_t::size);
+  gps_sig_t sig;
+  sig.read_image(image);
+  EXPECT_EQ(sig.entries, (std::vector<gps_sig_sv_t>{{12, 13, 14, 15, 0x1110, 18, 19, 20, 21, 0x1716, 0x1B1A1918}}));
+  EXPECT_EQ(image_of(sig), image);
+
+  std::array<std::uint8_t, gps_dop_t::image_size> dop_image{};
+  for (std::size_t i = 0; i < dop_image.size(); ++i) dop_image[i] = static_cast<std::uint8_t>(i);
+  const auto dop = gps_dop_t::from_image(dop_image);
+  EXPECT_EQ(std::tuple(dop.gDOP, dop.hDOP, dop.eDOP), std::tuple(0x0908, 0x1110, 0x1514));
+  EXPECT_EQ(image_of(dop), dop_image);
+}
+
 TEST(records, a_frame_is_sync_image_and_fletcher_checksum) {
   EXPECT_EQ(frame_of(std::array<std::uint8_t, 3>{0x01, 0x02, 0xFF}),
             (std::vector<std::uint8_t>{0xB5, 0x62, 0x01, 0x02, 0xFF, 0x02, 0x06}));

@@ -1,0 +1,94 @@
+#include "gnss/sky_table.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+bool key_less(const sky_table_t::value_type& entry, sky_key_t key) {
+  return entry.first < key;
+}
+
+}  // namespace
+
+std::uint8_t sky_satellite_t::best_cn0() const {
+  std::uint8_t best = 0;
+  for (const auto& s : tracked) best = std::max(best, s.cn0);
+  return best;
+}
+
+sky_signal_t* sky_signals_t::set(gnss_signal_t id, std::uint8_t cn0, double now) {
+  std::size_t i = 0;
+  while (i < count_ && slots_[i].id != id) ++i;
+  if (cn0 == 0) {
+    if (i < count_) remove(i);
+    return nullptr;
+  }
+  if (i == count_) {
+    if (count_ == capacity) return nullptr;
+    slots_[count_++] = {id, cn0, false, now};
+  }
+  slots_[i].cn0 = cn0;
+  slots_[i].time = now;
+  return &slots_[i];
+}
+
+void sky_signals_t::expire(double limit) {
+  for (std::size_t i = count_; i-- > 0;)
+    if (slots_[i].time < limit) remove(i);
+}
+
+void sky_signals_t::remove(std::size_t i) {
+  std::copy(slots_.begin() + static_cast<std::ptrdiff_t>(i) + 1, slots_.begin() + count_,
+            slots_.begin() + static_cast<std::ptrdiff_t>(i));
+  --count_;
+}
+
+const sky_satellite_t* sky_table_t::find(sky_key_t key) const {
+  if (key.number >= number_limit) return nullptr;
+  const auto at = position_[slot(key)];
+  return at == 0 ? nullptr : &entries_[at - 1].second;
+}
+
+sky_satellite_t* sky_table_t::insert(sky_key_t key) {
+  if (entries_.size() == capacity) return nullptr;
+  const auto it = std::lower_bound(entries_.begin(), entries_.end(), key, key_less);
+  const auto inserted = entries_.insert(it, {key, {}});
+  reindex();
+  return &inserted->second;
+}
+
+std::span<sky_table_t::value_type> sky_table_t::of_system(gnss_system_t system) {
+  const auto first = std::lower_bound(entries_.begin(), entries_.end(), sky_key_t{system, 0}, key_less);
+  auto last = first;
+  while (last != entries_.end() && last->first.system == system) ++last;
+  return {first, last};
+}
+
+void sky_table_t::clear() {
+  for (const auto& [key, satellite] : entries_) position_[slot(key)] = 0;
+  entries_.clear();
+}
+
+double sky_table_t::expire(double limit) {
+  double oldest = std::numeric_limits<double>::infinity();
+  const auto gone = std::remove_if(entries_.begin(), entries_.end(), [&](value_type& entry) {
+    auto& satellite = entry.second;
+    if (satellite.time < limit) {
+      position_[slot(entry.first)] = 0;
+      return true;
+    }
+    satellite.tracked.expire(limit);
+    oldest = std::min(oldest, satellite.time);
+    for (const auto& signal : satellite.tracked) oldest = std::min(oldest, signal.time);
+    return false;
+  });
+  entries_.erase(gone, entries_.end());
+  reindex();
+  return oldest;
+}
+
+void sky_table_t::reindex() {
+  for (std::size_t i = 0; i < entries_.size(); ++i)
+    position_[slot(entries_[i].first)] = static_cast<std::uint8_t>(i + 1);
+}
