@@ -24,14 +24,17 @@ class QGeoPositionInfoSource;
 // did-change. Without tiles (offline, or while they load) a neutral grid stands in for them.
 class tile_map_widget_t final : public QWidget, public map_widget_api_t {
 public:
-  static constexpr int animation_ms = 350;       // animated region and centre changes
-  static constexpr int wheel_settle_ms = 250;    // a wheel zoom ends after this pause
-  static constexpr double max_zoom = 21.0;       // tiles of the deepest level are scaled beyond it
-  static constexpr double pin_hit_radius = 10.0; // screen points around a marker's tip
+  static constexpr int animation_ms = 350;        // animated region and centre changes
+  static constexpr int wheel_settle_ms = 250;     // a wheel zoom ends after this pause
+  static constexpr double max_zoom = 21.0;        // tiles of the deepest level are scaled beyond it
+  static constexpr double pin_hit_radius = 10.0;  // screen points around a marker's tip
 
   // sources: the tile servers; cache_dir: the on-disk tile cache.
   tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent = nullptr);
   ~tile_map_widget_t() override;
+
+  // The tile servers, for their attributions.
+  const tile_sources_t& sources() const { return sources_; }
 
   // map_widget_api_t
   void set_delegate(map_widget_delegate_t* delegate) override { delegate_ = delegate; }
@@ -141,8 +144,8 @@ private:
   std::vector<annotation_ref_t> markers_;
   std::vector<overlay_ref_t> overlays_;
   QHash<const map_overlay_t*, projected_t> projected_;
-  QPolygonF polyline_;  // reused for every track drawn
-  static constexpr int pin_width = 14;   // screen points
+  QPolygonF polyline_;                  // reused for every track drawn
+  static constexpr int pin_width = 14;  // screen points
   static constexpr int pin_height = 22;
   QPixmap pin_;
   int hovered_ = -1;

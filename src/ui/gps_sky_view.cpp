@@ -3,21 +3,19 @@
 #include <QEvent>
 #include <QFontInfo>
 #include <QPainter>
-#include <QShortcut>
 #include <cmath>
 #include <numbers>
 
 #include "link/connection.h"
 #include "map/gps_heading.h"
-#include "ui/open_sheets.h"
+#include "ui/font_size.h"
 #include "ui/palette.h"
-#include "ui/selection_feedback.h"
 
 namespace {
 
 constexpr double degree = std::numbers::pi / 180.0;
-constexpr double letter_font_px = 13.0;
-constexpr double label_font_px = 15.0;
+constexpr double letter_font_size = 13.0;
+constexpr double label_font_size = 15.0;
 constexpr double label_margin = 8.0;                // points from the plot's corner
 constexpr double ring_elevations[] = {30.0, 60.0};  // degrees; the rim is the zenith
 
@@ -37,22 +35,16 @@ QFont with_emoji_fallback(QFont font) {
   return font;
 }
 
-gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, open_sheets_t& sheets, QWidget* parent)
-    : QAbstractButton(parent), gps_(gps), compass_(compass), sheets_(sheets) {
-  setText(tr("Close"));
-  setToolTip(tr("Close the details (Space)"));
+gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, QWidget* parent)
+    : QWidget(parent), gps_(gps), compass_(compass) {
+  setAccessibleName(tr("Sky plot"));
   setFixedSize(plot_size, plot_size);
-  setCursor(Qt::PointingHandCursor);
-  setAttribute(Qt::WA_Hover);   // the "Close" text lights up under the pointer
-  setFocusPolicy(Qt::NoFocus);  // the keyboard reaches the plot through its shortcut
   turn_.setDuration(rotation_duration_ms);
   turn_.setEasingCurve(QEasingCurve::InOutQuad);
   QObject::connect(&turn_, &QVariantAnimation::valueChanged, this, [this](const QVariant& v) {
     drawn_rotation_ = v.toDouble();
     update();
   });
-  QObject::connect(this, &QAbstractButton::clicked, this, [this] { toggle_details(); });
-  new QShortcut(QKeySequence(Qt::Key_Space), this, [this] { toggle_details(); });
   redraw_.watch(gps_);
   redraw_.watch(compass_);
   refresh();
@@ -68,13 +60,9 @@ QPointF gps_sky_view::plot_centre() const {
   return QRectF(rect()).center();
 }
 
-void gps_sky_view::toggle_details() {
-  selection_changed();
-  sheets_.toggle(sheet_id_t::details);
-}
-
 void gps_sky_view::refresh() {
   count_text_ = satellite_count_text(gps_.gsv.satellites_in_view);
+  setAccessibleDescription(count_text_);
   const double target = -compass_.heading.get();
   if (target != target_rotation_) {
     target_rotation_ = target;
@@ -90,18 +78,9 @@ void gps_sky_view::refresh() {
   update();
 }
 
-// The keyboard reaches the plot through its shortcut alone: a button's own key handling would
-// also click on a space bar held with modifiers.
-void gps_sky_view::keyPressEvent(QKeyEvent* event) {
-  QWidget::keyPressEvent(event);  // NOLINT(bugprone-parent-virtual-call): the button's handling is skipped
-}
-void gps_sky_view::keyReleaseEvent(QKeyEvent* event) {
-  QWidget::keyReleaseEvent(event);  // NOLINT(bugprone-parent-virtual-call): as for the press
-}
-
 void gps_sky_view::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) update();
-  QAbstractButton::changeEvent(event);
+  QWidget::changeEvent(event);
 }
 
 void gps_sky_view::paintEvent(QPaintEvent*) {
@@ -118,18 +97,11 @@ void gps_sky_view::paintEvent(QPaintEvent*) {
   paint_satellites(painter);
   painter.restore();
 
-  // Upright labels in the corners, which the round plot leaves free.
+  // The upright label in a corner, which the round plot leaves free.
   const QRectF corner_box = QRectF(rect()).adjusted(label_margin, label_margin, -label_margin, -label_margin);
-  QFont label_font = with_emoji_fallback(font());
-  label_font.setPixelSize(static_cast<int>(label_font_px));
-  painter.setFont(label_font);
+  painter.setFont(with_emoji_fallback(relative_font(font(), label_font_size)));
   painter.setPen(colour_of(colour_t::primary, palette()));
   painter.drawText(corner_box, Qt::AlignLeft | Qt::AlignTop, count_text_);
-  QFont close_font = font();
-  close_font.setPixelSize(static_cast<int>(letter_font_px));
-  painter.setFont(close_font);
-  painter.setPen(colour_of(underMouse() || isDown() ? colour_t::accent : colour_t::secondary, palette()));
-  painter.drawText(corner_box, Qt::AlignRight | Qt::AlignTop, text());
 }
 
 void gps_sky_view::paint_guides(QPainter& painter) const {
@@ -147,8 +119,7 @@ void gps_sky_view::paint_guides(QPainter& painter) const {
 }
 
 void gps_sky_view::paint_letters(QPainter& painter) const {
-  QFont letter_font = font();
-  letter_font.setPixelSize(static_cast<int>(letter_font_px));
+  QFont letter_font = relative_font(font(), letter_font_size);
   letter_font.setWeight(QFont::DemiBold);
   painter.setFont(letter_font);
   const QFontMetricsF metrics(letter_font);

@@ -59,9 +59,10 @@ struct fake_ble_t final : ble_link_t {
 
 // Hands out the doubles and keeps a pointer to each, for the test to look at.
 struct fake_links_t final : link_factory_t {
-  std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t& events) override {
     auto link = std::make_unique<fake_tcp_t>();
     tcp = link.get();
+    tcp_events = &events;
     return link;
   }
   std::unique_ptr<ble_link_t> make_ble(link_events_t&) override {
@@ -70,5 +71,6 @@ struct fake_links_t final : link_factory_t {
     return link;
   }
   fake_tcp_t* tcp = nullptr;
+  link_events_t* tcp_events = nullptr;  // where the TCP double's bytes would go
   fake_ble_t* ble = nullptr;
 };

@@ -11,7 +11,6 @@
 #include "ui/map_panel.h"
 #include "ui/palette.h"
 #include "ui/round_button.h"
-#include "ui/sheet.h"
 
 namespace {
 
@@ -19,35 +18,35 @@ const QString sat = QString::fromUtf8("\U0001F6F0");
 const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,";
 const std::string rmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W,A";
 
-// The main screen, 1000 x 700 points: landscape.
+// The main screen in a window of 1000 x 760 points: landscape.
 struct content_view_test : ::testing::Test, main_screen_t {};
 
 TEST_F(content_view_test, shows_the_fix_in_landscape_and_portrait_rows) {
   hub.receive(gga);
   hub.receive(rmc);
   run();
-  const QString fix = sat + " 8 GPS", status = view.status_button()->joined();
+  const QString fix = sat + " 8 GPS", status = view.status_button()->joined(), clear = "Clear log, track and markers";
   // Landscape: two rows; the speed has its label; the time and status close the fix row.
   EXPECT_FALSE(view.portrait());
-  EXPECT_EQ(view.rows(), (QList<QStringList>{{fix, "HDOP 0.90", "reset", "12:35:19 1994-03-23", status},
-                                             {"48.117300", "11.516667", "speed 11.52 m/s", "sea 46.9"}}));
-  EXPECT_EQ(view.fix_button()->runs()[0].font.pixelSize(), 15);
+  EXPECT_EQ(view.rows(), (QList<QStringList>{{fix, "HDOP 0.90", clear, "12:35:19 1994-03-23", status},
+                                             {"48.117300 N", "11.516667 E", "speed 11.52 m/s", "sea 46.9"}}));
+  EXPECT_EQ(layout_size(view.fix_button()->runs()[0].font), 15);
   EXPECT_FALSE(view.altitude_label()->isVisible());
 
   // Turned: the time gets a row of its own, in a monospaced font; the altitude comes back.
-  view.resize(500, 900);
+  window.resize(500, 900);
   run();
   EXPECT_TRUE(view.portrait());
   EXPECT_EQ(view.rows(), (QList<QStringList>{{"12:35:19 1994-03-23", status},
-                                             {fix, "HDOP 0.90", "11.52 m/s", "reset", "sea 46.9"},
-                                             {"48.117300", "11.516667", "ALT 545.4"}}));
+                                             {fix, "HDOP 0.90", "11.52 m/s", clear, "sea 46.9"},
+                                             {"48.117300 N", "11.516667 E", "ALT 545.4"}}));
   const QFont time_font = view.time_date_button()->runs()[0].font;
   EXPECT_TRUE(time_font.fixedPitch() || QFontInfo(time_font).fixedPitch());
   EXPECT_TRUE(view.altitude_label()->isVisible());
 
-  hub.receive("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,1234.56,M,998.95,M,,");
+  hub.receive("$GPGGA,123519,3351.408,S,15112.918,W,1,08,0.9,1234.56,M,998.95,M,,");
   run();
-  EXPECT_EQ(view.rows()[2][2], "ALT 1235") << "no decimal from 999 on";
+  EXPECT_EQ(view.rows()[2], (QStringList{"33.856800 S", "151.215300 W", "ALT 1235"})) << "no decimal from 999 on";
   EXPECT_EQ(view.rows()[1][4], "sea 999.0") << "998.95 is below 999";
 }
 
@@ -64,7 +63,7 @@ TEST_F(content_view_test, status_texts_follow_the_link_switches) {
     cfg.set_enable_ble(ble);
     cfg.set_enable_bridge(bridge);
     run();
-    EXPECT_EQ(std::pair(view.status_button()->joined(), view.status_button()->runs().back().font.pixelSize()),
+    EXPECT_EQ(std::pair(view.status_button()->joined(), layout_size(view.status_button()->runs().back().font)),
               std::pair(shown, size));
   }
 }
@@ -107,25 +106,6 @@ TEST_F(content_view_test, reset_clears_the_hub_and_the_map) {
   EXPECT_FALSE(map_cfg.reset) << "the map's reset is a one-shot";
 }
 
-TEST_F(content_view_test, backquote_toggles_the_log_and_the_fix_opens_the_details) {
-  QTest::keyClick(&view, Qt::Key_QuoteLeft);
-  run();
-  EXPECT_TRUE(view.log_sheet()->isVisible());
-  QTest::keyClick(view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log) || view.log_sheet()->isVisible());
-  QTest::keyClick(&view, Qt::Key_QuoteLeft, Qt::ControlModifier);
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log)) << "only the bare key";
-
-  view.fix_button()->click();
-  run();
-  EXPECT_TRUE(view.details_sheet()->isVisible());
-  QTest::keyClick(view.details_sheet(), Qt::Key_Escape);
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::details)) << "Escape closes a sheet through its flag";
-}
-
 TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   auto* panel = view.map_panel();
   panel->mode_button()->click();
@@ -135,7 +115,7 @@ TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   EXPECT_FALSE(map_cfg.region_set);
   panel->settings_button()->click();
   run();
-  EXPECT_TRUE(view.settings_sheet()->isVisible());
+  EXPECT_TRUE(window.settings_dialog().isVisible());
   const auto location = [&] { return std::pair(map.shows_user_location(), panel->location_button()->icon_name()); };
   EXPECT_EQ(location(), std::pair(false, QString("location")));
   panel->location_button()->click();

@@ -11,31 +11,28 @@
 #include "ui/gps_dop_view.h"
 #include "ui/gps_sat_list_view.h"
 #include "ui/gps_sky_view.h"
-#include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui/progress_view.h"
 #include "view_hub.h"
 
 namespace {
 
-// Portrait: plot, list and panel one above the other. Landscape: plot and list side by side,
-// top-aligned, above the panel.
+// Portrait: the plot above the list. Landscape: side by side, top-aligned.
 void expect_arrangement(const gps_details_view& details, bool portrait) {
   ASSERT_EQ(details.portrait(), portrait);
   const auto place = [&](const QWidget& part) { return QRect(part.mapTo(&details, QPoint()), part.size()); };
-  const QRect sky = place(details.sky_view()), list = place(details.sat_list()), dop = place(details.dop_view());
+  const QRect sky = place(details.sky_view()), list = place(details.sat_list());
   if (portrait)
-    EXPECT_TRUE(sky.bottom() <= list.top() && list.bottom() <= dop.top());
+    EXPECT_TRUE(sky.bottom() <= list.top());
   else
-    EXPECT_TRUE(sky.right() <= list.left() && sky.top() == list.top() && sky.bottom() <= dop.top());
+    EXPECT_TRUE(sky.right() <= list.left() && sky.top() == list.top());
 }
 
-// A hub fed with real sentences, a heading source facing north and the sheets the views toggle.
+// A hub fed with real sentences and a heading source facing north.
 struct satellite_views_test : ::testing::Test {
   bool fresh_ = (ui_test_app(), gps_heading_t::reset_process_values(), true);
   view_hub_t hub;
   gps_heading_t compass;
-  open_sheets_t sheets{hub.hub};
 };
 
 TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
@@ -48,7 +45,7 @@ TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
 }
 
 TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_but_none_without_position) {
-  gps_sky_view view{hub.hub, compass, sheets};
+  gps_sky_view view{hub.hub, compass};
   compass.update(90.0);
   hub.receive(gsv_body(5, {{"07", "30", "090", "38"},  // heard: (88, 0), turned to (0, -88)
                            {"12", "45", "045", "00"},  // silent: (88, -88), turned to (-88, -88)
@@ -68,19 +65,9 @@ TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_b
   EXPECT_GT(grey(176, 176), 100) << "no dot without a position";
 }
 
-TEST_F(satellite_views_test, sky_plot_space_bar_and_click_toggle_the_details_and_a_shown_plot_eases_round) {
-  gps_sky_view view{hub.hub, compass, sheets};
-  EXPECT_EQ(view.text(), "Close");
+TEST_F(satellite_views_test, a_shown_sky_plot_eases_round_to_a_new_heading) {
+  gps_sky_view view{hub.hub, compass};
   view.show();
-  view.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-  for (const bool shown : {true, false}) {
-    QTest::keyClick(&view, Qt::Key_Space);
-    EXPECT_EQ(sheets.shown(sheet_id_t::details), shown);
-  }
-  QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(300, 300));
-  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
-
   compass.update(90.0);
   settle();
   EXPECT_EQ(view.rotation(), -90.0);
@@ -153,7 +140,7 @@ TEST_F(satellite_views_test, dop_panel_shows_fix_satellites_used_and_dops_with_c
 TEST_F(satellite_views_test, details_follow_the_window_orientation_with_a_new_compass) {
   hub.receive(gsv_body(2, {{"12", "45", "200", "40"}, {"03", "10", "020", "30"}}));
   QWidget window;
-  auto* details = new gps_details_view(hub.hub, sheets);
+  auto* details = new gps_details_view(hub.hub);
   (new QVBoxLayout(&window))->addWidget(details);
   window.resize(420, 1000);
   window.show();
