@@ -4,6 +4,7 @@
 
 #include <QTest>
 #include <cmath>
+#include <numbers>
 
 #include "main_screen.h"
 #include "ui/course_arrow.h"
@@ -133,15 +134,18 @@ TEST_F(content_view_test, a_burst_of_notices_costs_one_refresh_and_none_without_
   EXPECT_EQ(view.refreshes(), before + 1) << "one for the burst, none for a run without a change";
 }
 
-TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {
-  const double pi = 3.14159265358979323846;
-  motion_history_t all_east{};
-  all_east.fill(pi / 2);
-  motion_history_t newest_south{};
-  newest_south[0] = pi;
-  EXPECT_DOUBLE_EQ(course_angle(motion_history_t{}), 0.0);
-  EXPECT_DOUBLE_EQ(course_angle(all_east), pi / 2);
-  EXPECT_NEAR(course_angle(newest_south), pi / 3.3075194, 1e-7) << "weights sqrt(0.5^k), k = 0..9";
+// Bearings in radians, newest first, as unit vectors weighted sqrt(0.5^k), k = 0..9.
+TEST(course_arrow, the_course_is_the_weighted_circular_mean_of_the_bearings) {
+  const double pi = std::numbers::pi, west = 179.0 * pi / 180.0;
+  motion_history_t east{}, straddling{}, newest_west{};
+  east.fill(pi / 2);
+  for (std::size_t k = 0; k < straddling.size(); ++k) straddling[k] = k % 2 ? west : -west;
+  newest_west[0] = -pi / 2;
+  const std::pair<motion_history_t, double> rows[] = {
+      {motion_history_t{}, 0.0}, {east, pi / 2}, {newest_west, std::atan2(-1.0, 2.3075194)}};
+  for (const auto& [bearings, course] : rows) EXPECT_NEAR(course_angle(bearings), course, 1e-7) << course;
+  EXPECT_NEAR(std::abs(course_angle(straddling)), pi, 0.01) << "heading west, not north";
+
   motion_history_t broken{};
   broken[3] = std::nan("");
   ui_test_app();
@@ -150,6 +154,21 @@ TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {
   EXPECT_EQ(arrow.drawn_degrees(), 0.0) << "an undefined course draws the arrow unrotated";
   arrow.set_angle(pi / 2);
   EXPECT_EQ(arrow.target_degrees(), 90.0);
+}
+
+// The arrow stands out from its disc (3:1, as a graphic needs) in both themes.
+TEST(course_arrow, the_arrow_is_seen_on_its_disc_in_both_themes) {
+  ui_test_app();
+  for (const QPalette& theme : {QApplication::palette(), dark_palette()}) {
+    course_arrow_t arrow;
+    arrow.setPalette(theme);
+    QImage image(arrow.sizeHint(), QImage::Format_ARGB32);
+    image.fill(colour_of(colour_t::background, theme));
+    arrow.render(&image);
+    const QPoint centre(image.width() / 2, image.height() / 2);
+    const QColor shaft = image.pixelColor(centre + QPoint(0, 4)), disc = image.pixelColor(centre + QPoint(7, 7));
+    EXPECT_GE(contrast_ratio(shaft, disc), 3.0) << is_dark(theme);
+  }
 }
 
 }  // namespace
