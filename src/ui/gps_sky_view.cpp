@@ -16,6 +16,7 @@ namespace {
 constexpr double degree = std::numbers::pi / 180.0;
 constexpr double letter_font_size = 13.0;
 constexpr double label_font_size = 15.0;
+constexpr double ring_font_size = 10.0;
 constexpr double label_margin = 8.0;                // points from the plot's corner
 constexpr double ring_elevations[] = {30.0, 60.0};  // degrees; the rim is the zenith
 
@@ -38,7 +39,9 @@ QFont with_emoji_fallback(QFont font) {
 gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, QWidget* parent)
     : QWidget(parent), gps_(gps), compass_(compass) {
   setAccessibleName(tr("Sky plot"));
-  setFixedSize(plot_size, plot_size);
+  setFixedSize(side, side);
+  setAccessibleDescription(
+      tr("Rings at 30 and 60 degrees of elevation; the rim is the zenith, the centre the horizon"));
   turn_.setDuration(rotation_duration_ms);
   turn_.setEasingCurve(QEasingCurve::InOutQuad);
   QObject::connect(&turn_, &QVariantAnimation::valueChanged, this, [this](const QVariant& v) {
@@ -62,7 +65,6 @@ QPointF gps_sky_view::plot_centre() const {
 
 void gps_sky_view::refresh() {
   count_text_ = satellite_count_text(gps_.gsv.satellites_in_view);
-  setAccessibleDescription(count_text_);
   const double target = -compass_.heading.get();
   if (target != target_rotation_) {
     target_rotation_ = target;
@@ -88,13 +90,14 @@ void gps_sky_view::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setRenderHint(QPainter::TextAntialiasing);
 
-  // The turning layer: guides, letters and satellites about the plot centre.
+  // The turning layer: guides, satellites, then the labels over them, about the plot centre.
   painter.save();
   painter.translate(plot_centre());
   painter.rotate(drawn_rotation_);
   paint_guides(painter);
-  paint_letters(painter);
   paint_satellites(painter);
+  paint_letters(painter);
+  paint_ring_labels(painter);
   painter.restore();
 
   // The upright label in a corner, which the round plot leaves free.
@@ -138,11 +141,22 @@ void gps_sky_view::paint_letters(QPainter& painter) const {
   for (const auto& letter : letters) {
     const QString text = QString::fromLatin1(letter.text);
     const QSizeF box(metrics.horizontalAdvance(text) + 2 * letter_padding, metrics.height() + 2 * letter_padding);
-    const double inset = letter.direction.x() != 0 ? box.width() / 2 : box.height() / 2;
-    const QPointF centre = letter.direction * (plot_radius - inset);
+    const QPointF centre = letter.direction * (plot_radius + letter_margin / 2.0);
     const QRectF rect(centre.x() - box.width() / 2, centre.y() - box.height() / 2, box.width(), box.height());
     painter.setPen(colour_of(letter.colour, palette()));
     painter.drawText(rect, Qt::AlignCenter, text);
+  }
+}
+
+// The elevation of each ring and of the rim, just right of the north line.
+void gps_sky_view::paint_ring_labels(QPainter& painter) const {
+  const QFont label_font = relative_font(font(), ring_font_size);
+  painter.setFont(label_font);
+  painter.setPen(colour_of(colour_t::secondary, palette()));
+  const QFontMetricsF metrics(label_font);
+  for (const double elevation : {ring_elevations[0], ring_elevations[1], 90.0}) {
+    const double r = plot_radius * std::sin(elevation * degree);
+    painter.drawText(QPointF(letter_padding, -r + metrics.ascent() + 1.0), QString::number(elevation) + QChar(0x00B0));
   }
 }
 

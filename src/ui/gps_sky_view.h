@@ -21,11 +21,15 @@ QFont with_emoji_fallback(QFont font);
 // The sky plot: every satellite in view placed by elevation and azimuth on a square plot that
 // turns with the compass heading so that its north stays north. The distance from the centre is
 // radius * sin(elevation): a satellite at the zenith sits on the rim, one on the horizon at the
-// centre. A click on the plot does nothing: the panel it stands in closes by its own controls.
+// centre. The cardinal letters stand outside the rim, where no satellite can cover them; the rings
+// are labelled with their elevation. A click on the plot does nothing: the panel it stands in closes by its own
+// controls.
 class gps_sky_view final : public QWidget {
 public:
-  static constexpr int plot_size = 352;             // points, square
-  static constexpr double plot_radius = 176.0;      // points from the centre to the rim
+  static constexpr int plot_size = 352;         // points, square
+  static constexpr double plot_radius = 176.0;  // points from the centre to the rim
+  static constexpr int letter_margin = 24;      // points around the plot for the cardinal letters
+  static constexpr int side = plot_size + 2 * letter_margin;
   static constexpr double dot_size = 8.0;           // points
   static constexpr double letter_padding = 4.0;     // points around each cardinal letter
   static constexpr int rotation_duration_ms = 400;  // ease-in-out turn to a new heading
@@ -42,7 +46,7 @@ public:
   // The satellites-in-view label.
   QString count_text() const { return count_text_; }
 
-  QSize sizeHint() const override { return {plot_size, plot_size}; }
+  QSize sizeHint() const override { return {side, side}; }
   QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
@@ -54,6 +58,7 @@ private:
   QPointF plot_centre() const;
   void paint_guides(QPainter& painter) const;
   void paint_letters(QPainter& painter) const;
+  void paint_ring_labels(QPainter& painter) const;
   void paint_satellites(QPainter& painter) const;
 
   connection_t& gps_;

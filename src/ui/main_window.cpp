@@ -83,6 +83,7 @@ main_window_t::main_window_t(config_connection_t& cfg, connection_t& cnc, map_cf
       redraw_(this, [this] { refresh(); }) {
   desktop_look();
   setCentralWidget(content_);
+  map.setFocus();  // the keys that pan and zoom work at once, and no control starts ringed
   setStatusBar(status_);
   setDockOptions(AnimatedDocks | AllowTabbedDocks | AllowNestedDocks);
 

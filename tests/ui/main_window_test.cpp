@@ -10,6 +10,7 @@
 
 #include "link/connection.h"
 #include "main_screen.h"
+#include "ui/gps_sky_view.h"
 #include "ui/link_status_bar.h"
 
 namespace {
@@ -47,6 +48,10 @@ TEST_F(main_window_test, menus_and_keys_reach_the_docks_the_dialog_and_the_link)
   view.fix_button()->click();
   run();
   EXPECT_TRUE(shown(sheet_id_t::satellites) && shown(sheet_id_t::details)) << "the fix opens both";
+  for (QWidget* plot : window.dock(sheet_id_t::satellites)->findChildren<QWidget*>())
+    if (dynamic_cast<gps_sky_view*>(plot)) QTest::mouseClick(plot, Qt::LeftButton, {}, plot->rect().center());
+  run();
+  EXPECT_TRUE(shown(sheet_id_t::satellites)) << "a click on the sky plot leaves it open";
   window.dock(sheet_id_t::details)->close();
   run();
   EXPECT_FALSE(window.sheets().shown(sheet_id_t::details)) << "a closed dock clears its flag";

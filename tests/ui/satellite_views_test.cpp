@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "map/gps_heading.h"
 #include "support/ui_test_app.h"
@@ -58,11 +59,40 @@ TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_b
   image.fill(Qt::white);
   view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
   // On white, the label colour is black and the fill, grey at 20%, a light grey.
-  const auto grey = [&](int x, int y) { return qGray(image.pixel(x, y)); };
-  EXPECT_LT(grey(176, 88), 40) << "heard satellite, turned with the plot";
-  EXPECT_GT(grey(264, 176), 100) << "nothing where it stands unturned";
-  EXPECT_TRUE(grey(88, 88) > 200 && grey(88, 88) < 245) << "silent satellite in the fill colour: " << grey(88, 88);
-  EXPECT_GT(grey(176, 176), 100) << "no dot without a position";
+  const auto grey = [&](int x, int y) { return qGray(image.pixel(view.width() / 2 + x, view.height() / 2 + y)); };
+  EXPECT_LT(grey(0, -88), 40) << "heard satellite, turned with the plot";
+  EXPECT_GT(grey(88, 0), 100) << "nothing where it stands unturned";
+  EXPECT_TRUE(grey(-88, -88) > 200 && grey(-88, -88) < 245)
+      << "silent satellite in the fill colour: " << grey(-88, -88);
+  EXPECT_GT(grey(0, 0), 100) << "no dot without a position";
+}
+
+// Satellites at the zenith lie on the rim in the cardinal directions; the letters beyond the rim
+// look the same with them or without them, and they are there to be seen.
+TEST_F(satellite_views_test, no_satellite_on_the_rim_covers_a_cardinal_letter) {
+  gps_sky_view view{hub.hub, compass};
+  const auto outside_rim = [&] {
+    QImage image(view.size(), QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    view.render(&image);
+    const double rim = gps_sky_view::plot_radius + gps_sky_view::dot_size;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x)
+        if (std::hypot(x - image.width() / 2.0, y - image.height() / 2.0) < rim)
+          image.setPixel(x, y, qRgb(255, 255, 255));
+    return image;
+  };
+  hub.receive(gsv_body(4, {}));  // the count in the corner stays the same
+  settle();
+  const QImage bare = outside_rim();
+  hub.receive(gsv_body(
+      4, {{"01", "90", "000", "40"}, {"02", "90", "090", "40"}, {"03", "90", "180", "40"}, {"04", "90", "270", "40"}}));
+  settle();
+  EXPECT_EQ(outside_rim(), bare);
+  int darkest = 255;
+  for (int x = bare.width() / 2 - 8; x < bare.width() / 2 + 8; ++x)
+    for (int y = 0; y < gps_sky_view::letter_margin; ++y) darkest = std::min(darkest, qGray(bare.pixel(x, y)));
+  EXPECT_LT(darkest, 100) << "the N stands above the rim";
 }
 
 TEST_F(satellite_views_test, a_shown_sky_plot_eases_round_to_a_new_heading) {
