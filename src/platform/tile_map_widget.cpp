@@ -14,21 +14,28 @@
 
 namespace {
 
-bool placeable(geo_coordinate_t c) { return std::isfinite(c.latitude) && std::isfinite(c.longitude); }
+bool placeable(geo_coordinate_t c) {
+  return std::isfinite(c.latitude) && std::isfinite(c.longitude);
+}
 
-constexpr double wheel_notch = 120.0;       // angle delta of one wheel notch
-constexpr double zoom_per_notch = 0.5;      // zoom levels per wheel notch
-constexpr double ancestor_levels = 6;       // coarser levels scaled up while a tile loads
+constexpr double wheel_notch = 120.0;   // angle delta of one wheel notch
+constexpr double zoom_per_notch = 0.5;  // zoom levels per wheel notch
+constexpr double ancestor_levels = 6;   // coarser levels scaled up while a tile loads
 const QColor system_red(255, 59, 48);
 const QColor location_blue(0, 122, 255);
 
 }  // namespace
 
 tile_map_widget_t::tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent)
-    : QWidget(parent), sources_(std::move(sources)), loader_(cache_dir, [this] {
-        ++tiles_arrived_;
-        update();
-      }, this) {
+    : QWidget(parent),
+      sources_(std::move(sources)),
+      loader_(
+          cache_dir,
+          [this] {
+            ++tiles_arrived_;
+            update();
+          },
+          this) {
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -83,8 +90,10 @@ void tile_map_widget_t::set_shows_user_location(bool on) {
     }
   }
   if (position_source_) {
-    if (on) position_source_->startUpdates();
-    else position_source_->stopUpdates();
+    if (on)
+      position_source_->startUpdates();
+    else
+      position_source_->stopUpdates();
   }
   update();
 }
@@ -110,7 +119,8 @@ void tile_map_widget_t::set_camera_min_distance(double metres) {
 
 double tile_map_widget_t::clamped_scale(double scale, double latitude) const {
   const double side = std::max(1, std::min(width(), height()));
-  const double closest = std::max(std::exp2(20.0 - max_zoom), camera_min_distance_ / metres_per_map_point(latitude) / side);
+  const double closest =
+      std::max(std::exp2(20.0 - max_zoom), camera_min_distance_ / metres_per_map_point(latitude) / side);
   return std::clamp(scale, closest, map_camera_t::max_scale);
 }
 
@@ -132,15 +142,19 @@ void tile_map_widget_t::set_centre(geo_coordinate_t centre, bool animated) {
   move_to(target, animated);
 }
 
-map_rect_t tile_map_widget_t::visible_map_rect() const { return camera_.visible(size()); }
+map_rect_t tile_map_widget_t::visible_map_rect() const {
+  return camera_.visible(size());
+}
 
 void tile_map_widget_t::move_to(map_camera_t target, bool animated) {
   target.centre.x = std::clamp(target.centre.x, 0.0, map_world_size);
   target.centre.y = std::clamp(target.centre.y, 0.0, map_world_size);
   if (animated && isVisible()) {
     const bool running = animating();
-    if (running) animation_.stop();
-    else will_change(true);
+    if (running)
+      animation_.stop();
+    else
+      will_change(true);
     from_ = camera_;
     to_ = target;
     animation_.start();
@@ -207,7 +221,9 @@ void tile_map_widget_t::remove_annotations(const std::vector<annotation_ref_t>& 
   update();
 }
 
-std::vector<overlay_ref_t> tile_map_widget_t::overlays() const { return overlays_; }
+std::vector<overlay_ref_t> tile_map_widget_t::overlays() const {
+  return overlays_;
+}
 
 void tile_map_widget_t::add_overlays(const std::vector<overlay_ref_t>& o) {
   for (const auto& overlay : o) {
@@ -235,8 +251,10 @@ void tile_map_widget_t::paintEvent(QPaintEvent*) {
   QPainter p(this);
   paint_background(p);
   p.setRenderHint(QPainter::Antialiasing);
-  paint_overlays(p);
+  // The track under the markers, the position dot over them: a pin never hides the position.
+  paint_overlays(p, map_overlay_t::kind_t::polyline);
   paint_markers(p);
+  paint_overlays(p, map_overlay_t::kind_t::circle);
   paint_device(p);
   paint_decorations(p);
 }
@@ -245,8 +263,10 @@ void tile_map_widget_t::paint_background(QPainter& p) {
   // The grid and the tiles change only when the camera moves, the map type changes or a tile
   // arrives; the overlays above them change several times a second. Between such changes the
   // composed background is drawn again as it was.
-  const background_key_t key{camera_.centre.x, camera_.centre.y, camera_.scale, size(), devicePixelRatioF(),
-                             type_, tiles_arrived_, palette().color(QPalette::Window).rgba()};
+  const background_key_t key{camera_.centre.x,    camera_.centre.y,
+                             camera_.scale,       size(),
+                             devicePixelRatioF(), type_,
+                             tiles_arrived_,      palette().color(QPalette::Window).rgba()};
   if (key == background_key_ && !background_.isNull()) {
     p.drawImage(QPointF(0, 0), background_);
     return;
@@ -339,13 +359,15 @@ bool tile_map_widget_t::paint_ancestor(QPainter& p, int layer, int z, int x, int
   return false;
 }
 
-void tile_map_widget_t::paint_overlays(QPainter& p) {
+void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind) {
   const QSizeF frame = size();
   for (const auto& overlay : overlays_) {
+    if (overlay->kind != kind) continue;
     const auto found = projected_.constFind(overlay.get());
     if (found == projected_.cend()) continue;
     const auto style = style_for(*overlay);
-    QPen pen(style.stroke_red ? system_red : palette().color(QPalette::Highlight), style.line_width > 0 ? style.line_width : 2.0);
+    QPen pen(style.stroke_red ? system_red : palette().color(QPalette::Highlight),
+             style.line_width > 0 ? style.line_width : 2.0);
     pen.setCapStyle(Qt::RoundCap);
     // Bevel joins: at a track's density they look the same as round ones, and the stroker makes
     // a third less work of them.
@@ -438,7 +460,8 @@ void tile_map_widget_t::paint_markers(QPainter& p) {
     const auto& m = markers_[i];
     if (!placeable(m->coordinate)) continue;
     const QPointF tip = camera_.to_screen(map_point_for(m->coordinate), frame);
-    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height) continue;
+    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height)
+      continue;
     p.drawPixmap(QPointF(std::round(tip.x() - pin_width / 2.0), std::round(tip.y() - pin_height + 1.0)), pin);
   }
   if (hovered_ >= 0 && hovered_ < static_cast<int>(markers_.size())) {
@@ -477,8 +500,9 @@ void tile_map_widget_t::paint_decorations(QPainter& p) {
   const QFontMetricsF metrics(small);
 
   // Attribution, bottom right, on a light band so that it reads over any tile.
-  QString attribution = type_ == map_type_t::standard ? sources_.standard.attribution
-                                                      : sources_.imagery.attribution + " | " + sources_.labels.attribution;
+  QString attribution = type_ == map_type_t::standard
+                            ? sources_.standard.attribution
+                            : sources_.imagery.attribution + " | " + sources_.labels.attribution;
   const QRectF band(width() - metrics.horizontalAdvance(attribution) - 10, height() - metrics.height() - 4,
                     metrics.horizontalAdvance(attribution) + 10, metrics.height() + 4);
   p.setPen(Qt::NoPen);
@@ -492,8 +516,10 @@ void tile_map_widget_t::paint_decorations(QPainter& p) {
     const double m_per_point = metres_per_map_point(latitude_of(camera_.centre.y)) * camera_.scale;
     const double most = 100.0 * m_per_point;
     double length = std::pow(10.0, std::floor(std::log10(most)));
-    if (length * 5 <= most) length *= 5;
-    else if (length * 2 <= most) length *= 2;
+    if (length * 5 <= most)
+      length *= 5;
+    else if (length * 2 <= most)
+      length *= 2;
     const double bar = length / m_per_point;
     const QString label = length >= 1000 ? QString("%1 km").arg(length / 1000) : QString("%1 m").arg(length);
     const QPointF o(10, height() - metrics.height() - 14);
@@ -602,9 +628,14 @@ void tile_map_widget_t::keyPressEvent(QKeyEvent* event) {
   const QPointF middle(width() / 2.0, height() / 2.0);
   switch (event->key()) {
     case Qt::Key_Plus:
-    case Qt::Key_Equal: zoom_about(middle, 0.5, true); return;
-    case Qt::Key_Minus: zoom_about(middle, 2.0, true); return;
-    default: QWidget::keyPressEvent(event);
+    case Qt::Key_Equal:
+      zoom_about(middle, 0.5, true);
+      return;
+    case Qt::Key_Minus:
+      zoom_about(middle, 2.0, true);
+      return;
+    default:
+      QWidget::keyPressEvent(event);
   }
 }
 

@@ -97,7 +97,7 @@ private:
   void paint_layer(class QPainter& p, int layer, const tile_source_t& source);
   bool paint_ancestor(class QPainter& p, int layer, int z, int x, int y, const QRectF& target);
   void paint_grid(class QPainter& p);
-  void paint_overlays(class QPainter& p);
+  void paint_overlays(class QPainter& p, map_overlay_t::kind_t kind);
   void paint_polyline(class QPainter& p, const std::vector<map_point_t>& points, double width);
   void paint_markers(class QPainter& p);
   const QPixmap& pin_image();
