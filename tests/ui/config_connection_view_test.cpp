@@ -106,4 +106,13 @@ TEST_F(config_connection_view_test, bridge_drops_both_links_and_reconnects_in_th
   EXPECT_TRUE(!sheet().disconnect_button()->isVisible() && sheet().status_line()->text().contains("offline"));
 }
 
+// A dialog 300 points high scrolls: its fields keep their height instead of vanishing.
+TEST_F(config_connection_view_test, a_low_dialog_scrolls_and_keeps_every_field) {
+  window.settings_dialog().resize(500, 300);
+  run();
+  EXPECT_EQ(window.settings_dialog().height(), 300) << "small screens hold it";
+  for (QLineEdit* field : {sheet().ble_name_field(), sheet().host_field(), sheet().port_field()})
+    EXPECT_GE(field->height(), field->minimumSizeHint().height());
+}
+
 }  // namespace
