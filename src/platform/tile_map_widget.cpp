@@ -225,24 +225,76 @@ std::vector<overlay_ref_t> tile_map_widget_t::overlays() const {
   return overlays_;
 }
 
+// At 10 fixes a second the position dot and the head of the track change and nothing else: only
+// the area they touch is repainted, not the whole map with its tiles.
 void tile_map_widget_t::add_overlays(const std::vector<overlay_ref_t>& o) {
+  QRectF area;
   for (const auto& overlay : o) {
     projected_t projected;
     projected.points.reserve(overlay->points.size());
     for (const auto& c : overlay->points)
       if (placeable(c)) projected.points.push_back(map_point_for(c));
     projected.centre = map_point_for(overlay->centre);
+    if (overlay->kind == map_overlay_t::kind_t::circle) {
+      area |= circle_area(*overlay, projected);
+    } else {
+      const auto older = std::find_if(overlays_.rbegin(), overlays_.rend(), [](const overlay_ref_t& x) {
+        return x->kind == map_overlay_t::kind_t::polyline;
+      });
+      area |= older == overlays_.rend() ? QRectF(rect()) : track_change_area(projected, projected_[older->get()]);
+    }
     projected_.insert(overlay.get(), std::move(projected));
     overlays_.push_back(overlay);
   }
-  update();
+  update(area.toAlignedRect());
 }
 
 void tile_map_widget_t::remove_overlays(const std::vector<overlay_ref_t>& o) {
+  QRectF area;
   for (const auto& overlay : o) {
-    if (std::erase(overlays_, overlay) > 0) projected_.remove(overlay.get());
+    const auto found = projected_.constFind(overlay.get());
+    if (found == projected_.cend() || std::erase(overlays_, overlay) == 0) continue;
+    if (overlay->kind == map_overlay_t::kind_t::circle)
+      area |= circle_area(*overlay, *found);
+    else if (!found->superseded)
+      area = rect();
+    projected_.remove(overlay.get());
   }
-  update();
+  update(area.toAlignedRect());
+}
+
+QRectF tile_map_widget_t::circle_area(const map_overlay_t& circle, const projected_t& projected) const {
+  if (!placeable(circle.centre) || !std::isfinite(circle.radius_m)) return {};
+  const double pad = circle.radius_m / metres_per_map_point(circle.centre.latitude) / camera_.scale + 4.0;
+  const QPointF c = camera_.to_screen(projected.centre, size());
+  return QRectF(c.x() - pad, c.y() - pad, 2 * pad, 2 * pad);
+}
+
+QRectF tile_map_widget_t::points_area(const std::vector<map_point_t>& points, std::size_t first,
+                                      std::size_t last) const {
+  constexpr double pad = 4.0;  // half the line width and the antialiasing
+  QRectF area;
+  for (std::size_t i = first; i < last && i < points.size(); ++i) {
+    const QPointF p = camera_.to_screen(points[i], size());
+    area |= QRectF(p.x() - pad, p.y() - pad, 2 * pad, 2 * pad);
+  }
+  return area;
+}
+
+// The newer track is the older one with points put before its head (newest first) and perhaps its
+// oldest dropped: the new head segments and the dropped tail change. Anything else repaints all.
+QRectF tile_map_widget_t::track_change_area(const projected_t& newer, projected_t& older) const {
+  constexpr std::size_t max_new_points = 8;
+  const auto same = [](const map_point_t& a, const map_point_t& b) { return a.x == b.x && a.y == b.y; };
+  const auto& n = newer.points;
+  const auto& o = older.points;
+  if (o.empty() || n.empty()) return rect();
+  std::size_t added = 0;
+  while (added < n.size() && added <= max_new_points && !same(n[added], o.front())) ++added;
+  const std::size_t kept = n.size() - added;
+  if (added > max_new_points || kept == 0 || kept > o.size() || !same(n.back(), o[kept - 1])) return rect();
+  older.superseded = true;
+  return points_area(n, 0, added + 1) | points_area(o, kept - 1, o.size());
 }
 
 // --- Painting ---------------------------------------------------------------------------------
@@ -279,8 +331,10 @@ void tile_map_widget_t::paint_background(QPainter& p) {
   paint_tiles(b);
   loader_.end_wanted();
   b.end();
-  // A tile still on its way leaves a hole that its arrival fills: keep nothing to reuse then.
-  background_key_ = loader_.in_flight() == 0 ? key : background_key_t{};
+  // A tile still on its way leaves a hole; its arrival counts in the key and composes again. The
+  // wanted tiles stay queued in the loader meanwhile, so a slow or unreachable server costs no
+  // composing on every repaint.
+  background_key_ = key;
   p.drawImage(QPointF(0, 0), background_);
 }
 

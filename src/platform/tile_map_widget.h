@@ -83,7 +83,13 @@ private:
   struct projected_t {
     std::vector<map_point_t> points;  // the overlay's coordinates as map points, computed once
     map_point_t centre;
+    bool superseded = false;  // a newer track holds all its points still shown: removing it repaints nothing
   };
+
+  // The screen area an overlay change touches, or the whole widget where it cannot tell.
+  QRectF circle_area(const map_overlay_t& circle, const projected_t& projected) const;
+  QRectF track_change_area(const projected_t& newer, projected_t& older) const;
+  QRectF points_area(const std::vector<map_point_t>& points, std::size_t first, std::size_t last) const;
 
   void move_to(map_camera_t target, bool animated);
   void zoom_about(QPointF anchor, double factor, bool animated);

@@ -78,7 +78,9 @@ gps_log_view::gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* pa
   refresh();
 }
 
+// A closed log dock costs nothing: it is brought up to date when it shows again.
 void gps_log_view::refresh() {
+  if (!isVisible()) return;
   const QPalette& theme = palette();
   set_text_colour(*title_, colour_of(colour_t::primary, theme));
   set_text_colour(*binary_, colour_of(colour_t::secondary, theme));
@@ -114,6 +116,11 @@ void gps_log_view::show_lines() {
 void gps_log_view::toggle_filter() {
   selection_changed();
   cnc_.show_all = !cnc_.show_all;
+}
+
+void gps_log_view::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  refresh();
 }
 
 void gps_log_view::changeEvent(QEvent* event) {

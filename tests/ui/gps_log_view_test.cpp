@@ -24,6 +24,7 @@ protected:
   view_hub_t hub;
   open_sheets_t sheets{hub.hub};
   gps_log_view view{hub.hub, sheets};
+  bool shown_ = (view.show(), true);
 
   QColor colour(colour_t c) const { return colour_of(c, view.palette()); }
   static QColor text_colour(const QWidget& w) { return w.palette().color(QPalette::ButtonText); }

@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   main_window_t window(cfg, hub.hub, map_cfg, map, hub.queue, hub.meter);
   window.resize(400, 300);
   if (mode == "save") {
-    window.resize(780, 520);
+    window.resize(900, 560);
     window.show();
     window.sheets().show(sheet_id_t::log, true);
     QApplication::processEvents();
