@@ -299,7 +299,7 @@ QRectF tile_map_widget_t::track_change_area(const projected_t& newer, projected_
 
 // --- Painting ---------------------------------------------------------------------------------
 
-void tile_map_widget_t::paintEvent(QPaintEvent*) {
+void tile_map_widget_t::paintEvent(QPaintEvent* event) {
   QPainter p(this);
   paint_background(p);
   p.setRenderHint(QPainter::Antialiasing);
@@ -308,7 +308,7 @@ void tile_map_widget_t::paintEvent(QPaintEvent*) {
   paint_markers(p);
   paint_overlays(p, map_overlay_t::kind_t::circle);
   paint_device(p);
-  paint_decorations(p);
+  paint_decorations(p, event->rect());
 }
 
 void tile_map_widget_t::paint_background(QPainter& p) {
@@ -547,7 +547,9 @@ void tile_map_widget_t::paint_device(QPainter& p) {
   p.drawEllipse(s, 6, 6);
 }
 
-void tile_map_widget_t::paint_decorations(QPainter& p) {
+// Each decoration is drawn only where the repaint reaches it: its text costs more than the rest of
+// a small repaint.
+void tile_map_widget_t::paint_decorations(QPainter& p, const QRect& exposed) {
   QFont small = font();
   small.setPointSizeF(std::max(7.0, small.pointSizeF() * 0.8));
   p.setFont(small);
@@ -559,13 +561,18 @@ void tile_map_widget_t::paint_decorations(QPainter& p) {
                             : sources_.imagery.attribution + " | " + sources_.labels.attribution;
   const QRectF band(width() - metrics.horizontalAdvance(attribution) - 10, height() - metrics.height() - 4,
                     metrics.horizontalAdvance(attribution) + 10, metrics.height() + 4);
-  p.setPen(Qt::NoPen);
-  p.setBrush(QColor(255, 255, 255, 190));
-  p.drawRect(band);
-  p.setPen(QColor(40, 40, 40));
-  p.drawText(band, Qt::AlignCenter, attribution);
+  if (band.intersects(exposed)) {
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(255, 255, 255, 190));
+    p.drawRect(band);
+    p.setPen(QColor(40, 40, 40));
+    p.drawText(band, Qt::AlignCenter, attribution);
+  }
 
-  if (shows_scale_) {
+  constexpr double scale_width = 120.0;  // the bar and its label
+  if (shows_scale_ &&
+      exposed.intersects(
+          QRectF(0, height() - metrics.height() - 24, 10 + scale_width, metrics.height() + 24).toAlignedRect())) {
     // The longest 1, 2 or 5 times a power of ten metres that fits in 100 screen points.
     const double m_per_point = metres_per_map_point(latitude_of(camera_.centre.y)) * camera_.scale;
     const double most = 100.0 * m_per_point;
@@ -583,12 +590,12 @@ void tile_map_widget_t::paint_decorations(QPainter& p) {
     p.drawLine(o, o + QPointF(bar, 0));
     p.drawLine(o + QPointF(0, -4), o + QPointF(0, 0));
     p.drawLine(o + QPointF(bar, -4), o + QPointF(bar, 0));
-    p.drawText(QRectF(o.x(), o.y() + 2, 120, metrics.height() + 2), Qt::AlignLeft | Qt::AlignTop, label);
+    p.drawText(QRectF(o.x(), o.y() + 2, scale_width, metrics.height() + 2), Qt::AlignLeft | Qt::AlignTop, label);
   }
 
-  if (shows_compass_) {
+  const QPointF c(width() - 22, 22);
+  if (shows_compass_ && exposed.intersects(QRect(width() - 40, 4, 36, 36))) {
     // The map keeps north up; the indicator says so.
-    const QPointF c(width() - 22, 22);
     p.setPen(QPen(QColor(0, 0, 0, 40), 1));
     p.setBrush(QColor(255, 255, 255, 220));
     p.drawEllipse(c, 14, 14);

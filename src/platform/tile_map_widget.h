@@ -108,7 +108,7 @@ private:
   void paint_markers(class QPainter& p);
   const QPixmap& pin_image();
   void paint_device(class QPainter& p);
-  void paint_decorations(class QPainter& p);
+  void paint_decorations(class QPainter& p, const QRect& exposed);
   int marker_at(QPointF s) const;
 
   tile_sources_t sources_;
