@@ -68,16 +68,18 @@ int main(int argc, char** argv) {
   };
   window.show();
   if (options.demo) session.connect(korvid->cfg, korvid->cnc);
-  if (options.sheet == sheet_id_t::details)
-    window.sheets().toggle_fix_details();
-  else if (options.sheet)
-    window.sheets().show(*options.sheet, true);
+  for (const sheet_id_t sheet : options.sheets) {
+    if (sheet == sheet_id_t::details)
+      window.sheets().toggle_fix_details();
+    else
+      window.sheets().show(sheet, true);
+  }
 
   int status = 0;
   if (!options.screenshot.empty()) {
     QTimer::singleShot(static_cast<int>(options.after_s * 1000), &app, [&] {
-      QWidget& shown = options.sheet == sheet_id_t::settings ? static_cast<QWidget&>(window.settings_dialog())
-                                                             : static_cast<QWidget&>(window);
+      QWidget& shown = window.sheets().shown(sheet_id_t::settings) ? static_cast<QWidget&>(window.settings_dialog())
+                                                                   : static_cast<QWidget&>(window);
       if (!shown.grab().save(QString::fromStdString(options.screenshot), "PNG")) {
         std::fprintf(stderr, "korvid: cannot write '%s'\n", options.screenshot.c_str());
         status = 1;

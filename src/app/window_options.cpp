@@ -33,7 +33,8 @@ const char* const window_usage =
     "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
     "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
     "  --size WxH         the window's size (default 1100x760)\n"
-    "  --sheet NAME       open the log, the fix details or the connection settings\n"
+    "  --sheet NAME       open the log, the satellites and details, or the connection settings\n"
+    "                     (may be given more than once)\n"
     "  --dark             draw with a dark palette\n"
     "Without a display korvid runs headless and prints a summary every second.\n";
 
@@ -67,8 +68,9 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
           o.width < 200 || o.height < 200 || o.width > 8192 || o.height > 8192)
         return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
     } else if (a == "--sheet") {
-      o.sheet = value(v) ? sheet_named(v) : std::nullopt;
-      if (!o.sheet) return {{}, "--sheet needs log, details or settings"};
+      const auto sheet = value(v) ? sheet_named(v) : std::nullopt;
+      if (!sheet) return {{}, "--sheet needs log, details or settings"};
+      o.sheets.push_back(*sheet);
     } else {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }
