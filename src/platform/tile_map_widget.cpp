@@ -243,7 +243,7 @@ void tile_map_widget_t::add_overlays(const std::vector<overlay_ref_t>& o) {
       });
       area |= older == overlays_.rend() ? QRectF(rect()) : track_change_area(projected, projected_[older->get()]);
     }
-    projected_.insert(overlay.get(), std::move(projected));
+    projected_.emplace(overlay.get(), std::move(projected));
     overlays_.push_back(overlay);
   }
   update(area.toAlignedRect());
@@ -378,7 +378,7 @@ void tile_map_widget_t::paint_layer(QPainter& p, int layer, const tile_source_t&
     double distance;
   };
   std::vector<slot_t> order;
-  order.reserve(static_cast<std::size_t>((x1 - x0 + 1) * (y1 - y0 + 1)));
+  order.reserve(static_cast<std::size_t>(x1 - x0 + 1) * static_cast<std::size_t>(y1 - y0 + 1));
   const double cx = camera_.centre.x / span - 0.5;
   const double cy = camera_.centre.y / span - 0.5;
   for (int y = y0; y <= y1; ++y)
