@@ -16,6 +16,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev gpsd gpsd-clients
   clang libfuzzer-14-dev libclang-rt-14-dev clang-format clang-tidy
   dbus python3-dbusmock
+  xvfb xdotool
 )
 
 install_missing() {

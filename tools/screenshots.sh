@@ -33,10 +33,11 @@ shot() {
 shot main-landscape --size 1100x720 --after 25
 shot main-portrait --size 520x900 --after 25
 shot main-dark --size 1100x720 --after 25 --dark
+shot docks --size 1400x900 --after 25 --sheet details --sheet log
 shot details --size 1100x900 --after 8 --sheet details
 shot log --size 1100x720 --after 6 --sheet log
 shot log-binary --size 1100x720 --after 6 --sheet log --ubx
-shot settings --size 1100x720 --after 4 --sheet settings
+shot settings --size 640x520 --after 4 --sheet settings
 shot sky --size 1100x1320 --after 40 --sheet sky --gnss gps,glo,gal,bds
 shot sky-dark --size 1100x1320 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark
 "$bench" --map-screenshot "$out/map.png"

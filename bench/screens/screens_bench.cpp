@@ -34,6 +34,8 @@
 #include "ui/gnss_sky_plot_view.h"
 #include "ui/signal_bars_view.h"
 #include "ui/sky_history_view.h"
+#include "ui/link_meter.h"
+#include "ui/main_window.h"
 
 namespace {
 
@@ -150,9 +152,11 @@ void BM_window_refresh(benchmark::State& state) {
   const QString url = write_synthetic_tiles(dir.path(), centre, 15, 16, 4);
   auto& map = *new tile_map_widget_t({{url, 17, "synthetic tiles"}, {}, {}}, dir.path() + "/cache");
   map_cfg_t map_cfg;
-  ContentView view(cfg, hub, map_cfg, map, queue);
-  view.resize(1920, 1080);
-  view.show();
+  link_meter_t meter(links);
+  main_window_t window(cfg, hub, map_cfg, map, queue, meter);
+  window.resize(1920, 1080);
+  window.show();
+  const ContentView& view = window.content();
   // 10 000 track points: one GGA a second, 11 m apart.
   for (std::size_t i = 0; hub.gga.map_path.list().size() < track_points && i < 3 * track_points; ++i) {
     const double lat = 4807.0 + 0.006 * static_cast<double>(i % 2000);
@@ -172,7 +176,7 @@ void BM_window_refresh(benchmark::State& state) {
     queue.advance(0.05);
     hub.notify();
     QCoreApplication::processEvents();
-    if (paint) view.render(&image);
+    if (paint) window.render(&image);
     benchmark::DoNotOptimize(image.bits());
   }
   state.counters["track_points"] = static_cast<double>(hub.gga.map_path.list().size());

@@ -11,6 +11,6 @@ QString tile_cache_folder() {
 KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console)
     : cfg(store, console),
       links(queue, console),
-      cnc(queue, console, links),
+      cnc(queue, console, meter),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      window(cfg, cnc, map_cfg, map, queue) {}
+      window(cfg, cnc, map_cfg, map, queue, meter) {}

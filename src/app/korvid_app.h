@@ -10,21 +10,23 @@
 #include "map/map_view.h"
 #include "platform/qt_main_queue.h"
 #include "platform/tile_map_widget.h"
-#include "ui/content_view.h"
+#include "ui/link_meter.h"
+#include "ui/main_window.h"
 
 // The window's object graph, built in the order the screens rely on: the settings (restored at
-// once), the hub, the map widget and the map settings, then the main screen that shares them.
-// Everything lives until the program ends.
+// once), the transports with the meter that counts their bytes, the hub, the map widget and the map
+// settings, then the window that shares them. Everything lives until the program ends.
 class KorvidApp {
 public:
   KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console);
 
   config_connection_t cfg;
   program_links_t links;
+  link_meter_t meter{links};
   connection_t cnc;
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
-  ContentView window;
+  main_window_t window;
 };
 
 // The user's cache folder for map tiles.

@@ -1,5 +1,6 @@
 #include <QApplication>
-#include <QStyleFactory>
+#include <QDialog>
+#include <QSettings>
 #include <QTimer>
 #include <cstdio>
 #include <memory>
@@ -12,7 +13,7 @@
 #include "app/window_options.h"
 #include "core/console.h"
 #include "platform/qt_main_queue.h"
-#include "ui/palette.h"
+#include "ui/window_layout.h"
 
 namespace {
 
@@ -46,10 +47,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("korvid");
   QApplication::setApplicationVersion(KORVID_VERSION);
   QApplication::setOrganizationName("Korvid");
-  if (options.dark) {
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QApplication::setPalette(dark_palette());
-  }
   qt_main_queue_t queue(&app);
   stdout_console_t console;
   korvid_session_t session;
@@ -59,14 +56,31 @@ int main(int argc, char** argv) {
   auto& window = korvid->window;
   window.setWindowTitle(options.demo ? "Korvid (demo)" : "Korvid");
   window.resize(options.width, options.height);
+  // The window comes back as the user left it; a demo and a screenshot read that but save nothing,
+  // and a screenshot keeps the size it was asked for.
+  QSettings layout;
+  const bool saves = !options.demo && options.screenshot.empty();
+  if (options.screenshot.empty()) restore_window_layout(window, layout);
+  restore_window_theme(window, layout);
+  if (options.dark) window.set_dark(true);
+  window.on_theme_chosen = [&layout, saves](bool dark) {
+    if (saves) save_window_theme(dark, layout);
+  };
   window.show();
   if (options.demo) session.connect(korvid->cfg, korvid->cnc);
-  if (options.sheet) window.sheets().show(*options.sheet, true);
+  for (const sheet_id_t sheet : options.sheets) {
+    if (sheet == sheet_id_t::details)
+      window.sheets().toggle_fix_details();
+    else
+      window.sheets().show(sheet, true);
+  }
 
   int status = 0;
   if (!options.screenshot.empty()) {
     QTimer::singleShot(static_cast<int>(options.after_s * 1000), &app, [&] {
-      if (!window.grab().save(QString::fromStdString(options.screenshot), "PNG")) {
+      QWidget& shown = window.sheets().shown(sheet_id_t::settings) ? static_cast<QWidget&>(window.settings_dialog())
+                                                                   : static_cast<QWidget&>(window);
+      if (!shown.grab().save(QString::fromStdString(options.screenshot), "PNG")) {
         std::fprintf(stderr, "korvid: cannot write '%s'\n", options.screenshot.c_str());
         status = 1;
       }
@@ -76,6 +90,7 @@ int main(int argc, char** argv) {
   // Ctrl-C in the terminal or a SIGTERM quits as the window's own Quit does: the links close.
   stop_signal_watch_t stop_watch(app);
   const int loop = app.exec();
+  if (saves) save_window_layout(window, layout);
   // Threads waiting for the main thread give up from here on; then the links close.
   queue.close();
   korvid->cnc.disconnect();

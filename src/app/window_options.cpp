@@ -37,8 +37,8 @@ const char* const window_usage =
     "  --gnss LIST        the demo's receiver tracks these systems (gps,glo,gal,bds,qzss)\n"
     "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
     "  --size WxH         the window's size (default 1100x760)\n"
-    "  --sheet NAME       open the log, the fix details, the connection settings or the satellites\n"
-    "                     of every system (sky)\n"
+    "  --sheet NAME       open the log, the satellites and details, the satellites of every system\n"
+    "                     (sky), or the connection settings (may be given more than once)\n"
     "  --dark             draw with a dark palette\n"
     "Without a display korvid runs headless and prints a summary every second.\n";
 
@@ -72,8 +72,9 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
           o.width < 200 || o.height < 200 || o.width > 8192 || o.height > 8192)
         return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
     } else if (a == "--sheet") {
-      o.sheet = value(v) ? sheet_named(v) : std::nullopt;
-      if (!o.sheet) return {{}, "--sheet needs log, details, settings or sky"};
+      const auto sheet = value(v) ? sheet_named(v) : std::nullopt;
+      if (!sheet) return {{}, "--sheet needs log, details, settings or sky"};
+      o.sheets.push_back(*sheet);
     } else if (a == "--gnss") {
       const auto systems = value(v) ? parse_gnss_list(v) : std::nullopt;
       if (!systems) return {{}, "--gnss needs a list of gps, glo, gal, bds and qzss"};

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ui/open_sheets.h"
 
@@ -17,8 +18,8 @@ struct window_options_t {
   double after_s = 3.0;    // s before the screenshot
   int width = 1100;        // the window's size, screen points
   int height = 760;
-  std::optional<sheet_id_t> sheet;  // open it (for screenshots)
-  bool dark = false;                // a dark palette (for screenshots of the dark theme)
+  std::vector<sheet_id_t> sheets;  // open them (for screenshots)
+  bool dark = false;               // a dark palette (for screenshots of the dark theme)
   bool help = false;
 };
 

@@ -14,21 +14,28 @@
 
 namespace {
 
-bool placeable(geo_coordinate_t c) { return std::isfinite(c.latitude) && std::isfinite(c.longitude); }
+bool placeable(geo_coordinate_t c) {
+  return std::isfinite(c.latitude) && std::isfinite(c.longitude);
+}
 
-constexpr double wheel_notch = 120.0;       // angle delta of one wheel notch
-constexpr double zoom_per_notch = 0.5;      // zoom levels per wheel notch
-constexpr double ancestor_levels = 6;       // coarser levels scaled up while a tile loads
+constexpr double wheel_notch = 120.0;   // angle delta of one wheel notch
+constexpr double zoom_per_notch = 0.5;  // zoom levels per wheel notch
+constexpr double ancestor_levels = 6;   // coarser levels scaled up while a tile loads
 const QColor system_red(255, 59, 48);
 const QColor location_blue(0, 122, 255);
 
 }  // namespace
 
 tile_map_widget_t::tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent)
-    : QWidget(parent), sources_(std::move(sources)), loader_(cache_dir, [this] {
-        ++tiles_arrived_;
-        update();
-      }, this) {
+    : QWidget(parent),
+      sources_(std::move(sources)),
+      loader_(
+          cache_dir,
+          [this] {
+            ++tiles_arrived_;
+            update();
+          },
+          this) {
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -83,8 +90,10 @@ void tile_map_widget_t::set_shows_user_location(bool on) {
     }
   }
   if (position_source_) {
-    if (on) position_source_->startUpdates();
-    else position_source_->stopUpdates();
+    if (on)
+      position_source_->startUpdates();
+    else
+      position_source_->stopUpdates();
   }
   update();
 }
@@ -110,7 +119,8 @@ void tile_map_widget_t::set_camera_min_distance(double metres) {
 
 double tile_map_widget_t::clamped_scale(double scale, double latitude) const {
   const double side = std::max(1, std::min(width(), height()));
-  const double closest = std::max(std::exp2(20.0 - max_zoom), camera_min_distance_ / metres_per_map_point(latitude) / side);
+  const double closest =
+      std::max(std::exp2(20.0 - max_zoom), camera_min_distance_ / metres_per_map_point(latitude) / side);
   return std::clamp(scale, closest, map_camera_t::max_scale);
 }
 
@@ -132,15 +142,19 @@ void tile_map_widget_t::set_centre(geo_coordinate_t centre, bool animated) {
   move_to(target, animated);
 }
 
-map_rect_t tile_map_widget_t::visible_map_rect() const { return camera_.visible(size()); }
+map_rect_t tile_map_widget_t::visible_map_rect() const {
+  return camera_.visible(size());
+}
 
 void tile_map_widget_t::move_to(map_camera_t target, bool animated) {
   target.centre.x = std::clamp(target.centre.x, 0.0, map_world_size);
   target.centre.y = std::clamp(target.centre.y, 0.0, map_world_size);
   if (animated && isVisible()) {
     const bool running = animating();
-    if (running) animation_.stop();
-    else will_change(true);
+    if (running)
+      animation_.stop();
+    else
+      will_change(true);
     from_ = camera_;
     to_ = target;
     animation_.start();
@@ -207,46 +221,104 @@ void tile_map_widget_t::remove_annotations(const std::vector<annotation_ref_t>& 
   update();
 }
 
-std::vector<overlay_ref_t> tile_map_widget_t::overlays() const { return overlays_; }
+std::vector<overlay_ref_t> tile_map_widget_t::overlays() const {
+  return overlays_;
+}
 
+// At 10 fixes a second the position dot and the head of the track change and nothing else: only
+// the area they touch is repainted, not the whole map with its tiles.
 void tile_map_widget_t::add_overlays(const std::vector<overlay_ref_t>& o) {
+  QRectF area;
   for (const auto& overlay : o) {
     projected_t projected;
     projected.points.reserve(overlay->points.size());
     for (const auto& c : overlay->points)
       if (placeable(c)) projected.points.push_back(map_point_for(c));
     projected.centre = map_point_for(overlay->centre);
-    projected_.insert(overlay.get(), std::move(projected));
+    if (overlay->kind == map_overlay_t::kind_t::circle) {
+      area |= circle_area(*overlay, projected);
+    } else {
+      const auto older = std::find_if(overlays_.rbegin(), overlays_.rend(), [](const overlay_ref_t& x) {
+        return x->kind == map_overlay_t::kind_t::polyline;
+      });
+      area |= older == overlays_.rend() ? QRectF(rect()) : track_change_area(projected, projected_[older->get()]);
+    }
+    projected_.emplace(overlay.get(), std::move(projected));
     overlays_.push_back(overlay);
   }
-  update();
+  update(area.toAlignedRect());
 }
 
 void tile_map_widget_t::remove_overlays(const std::vector<overlay_ref_t>& o) {
+  QRectF area;
   for (const auto& overlay : o) {
-    if (std::erase(overlays_, overlay) > 0) projected_.remove(overlay.get());
+    const auto found = projected_.constFind(overlay.get());
+    if (found == projected_.cend() || std::erase(overlays_, overlay) == 0) continue;
+    if (overlay->kind == map_overlay_t::kind_t::circle)
+      area |= circle_area(*overlay, *found);
+    else if (!found->superseded)
+      area = rect();
+    projected_.remove(overlay.get());
   }
-  update();
+  update(area.toAlignedRect());
+}
+
+QRectF tile_map_widget_t::circle_area(const map_overlay_t& circle, const projected_t& projected) const {
+  if (!placeable(circle.centre) || !std::isfinite(circle.radius_m)) return {};
+  const double pad = circle.radius_m / metres_per_map_point(circle.centre.latitude) / camera_.scale + 4.0;
+  const QPointF c = camera_.to_screen(projected.centre, size());
+  return QRectF(c.x() - pad, c.y() - pad, 2 * pad, 2 * pad);
+}
+
+QRectF tile_map_widget_t::points_area(const std::vector<map_point_t>& points, std::size_t first,
+                                      std::size_t last) const {
+  constexpr double pad = 4.0;  // half the line width and the antialiasing
+  QRectF area;
+  for (std::size_t i = first; i < last && i < points.size(); ++i) {
+    const QPointF p = camera_.to_screen(points[i], size());
+    area |= QRectF(p.x() - pad, p.y() - pad, 2 * pad, 2 * pad);
+  }
+  return area;
+}
+
+// The newer track is the older one with points put before its head (newest first) and perhaps its
+// oldest dropped: the new head segments and the dropped tail change. Anything else repaints all.
+QRectF tile_map_widget_t::track_change_area(const projected_t& newer, projected_t& older) const {
+  constexpr std::size_t max_new_points = 8;
+  const auto same = [](const map_point_t& a, const map_point_t& b) { return a.x == b.x && a.y == b.y; };
+  const auto& n = newer.points;
+  const auto& o = older.points;
+  if (o.empty() || n.empty()) return rect();
+  std::size_t added = 0;
+  while (added < n.size() && added <= max_new_points && !same(n[added], o.front())) ++added;
+  const std::size_t kept = n.size() - added;
+  if (added > max_new_points || kept == 0 || kept > o.size() || !same(n.back(), o[kept - 1])) return rect();
+  older.superseded = true;
+  return points_area(n, 0, added + 1) | points_area(o, kept - 1, o.size());
 }
 
 // --- Painting ---------------------------------------------------------------------------------
 
-void tile_map_widget_t::paintEvent(QPaintEvent*) {
+void tile_map_widget_t::paintEvent(QPaintEvent* event) {
   QPainter p(this);
   paint_background(p);
   p.setRenderHint(QPainter::Antialiasing);
-  paint_overlays(p);
+  // The track under the markers, the position dot over them: a pin never hides the position.
+  paint_overlays(p, map_overlay_t::kind_t::polyline);
   paint_markers(p);
+  paint_overlays(p, map_overlay_t::kind_t::circle);
   paint_device(p);
-  paint_decorations(p);
+  paint_decorations(p, event->rect());
 }
 
 void tile_map_widget_t::paint_background(QPainter& p) {
   // The grid and the tiles change only when the camera moves, the map type changes or a tile
   // arrives; the overlays above them change several times a second. Between such changes the
   // composed background is drawn again as it was.
-  const background_key_t key{camera_.centre.x, camera_.centre.y, camera_.scale, size(), devicePixelRatioF(),
-                             type_, tiles_arrived_, palette().color(QPalette::Window).rgba()};
+  const background_key_t key{camera_.centre.x,    camera_.centre.y,
+                             camera_.scale,       size(),
+                             devicePixelRatioF(), type_,
+                             tiles_arrived_,      palette().color(QPalette::Window).rgba()};
   if (key == background_key_ && !background_.isNull()) {
     p.drawImage(QPointF(0, 0), background_);
     return;
@@ -259,8 +331,10 @@ void tile_map_widget_t::paint_background(QPainter& p) {
   paint_tiles(b);
   loader_.end_wanted();
   b.end();
-  // A tile still on its way leaves a hole that its arrival fills: keep nothing to reuse then.
-  background_key_ = loader_.in_flight() == 0 ? key : background_key_t{};
+  // A tile still on its way leaves a hole; its arrival counts in the key and composes again. The
+  // wanted tiles stay queued in the loader meanwhile, so a slow or unreachable server costs no
+  // composing on every repaint.
+  background_key_ = key;
   p.drawImage(QPointF(0, 0), background_);
 }
 
@@ -304,7 +378,7 @@ void tile_map_widget_t::paint_layer(QPainter& p, int layer, const tile_source_t&
     double distance;
   };
   std::vector<slot_t> order;
-  order.reserve(static_cast<std::size_t>((x1 - x0 + 1) * (y1 - y0 + 1)));
+  order.reserve(static_cast<std::size_t>(x1 - x0 + 1) * static_cast<std::size_t>(y1 - y0 + 1));
   const double cx = camera_.centre.x / span - 0.5;
   const double cy = camera_.centre.y / span - 0.5;
   for (int y = y0; y <= y1; ++y)
@@ -339,13 +413,15 @@ bool tile_map_widget_t::paint_ancestor(QPainter& p, int layer, int z, int x, int
   return false;
 }
 
-void tile_map_widget_t::paint_overlays(QPainter& p) {
+void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind) {
   const QSizeF frame = size();
   for (const auto& overlay : overlays_) {
+    if (overlay->kind != kind) continue;
     const auto found = projected_.constFind(overlay.get());
     if (found == projected_.cend()) continue;
     const auto style = style_for(*overlay);
-    QPen pen(style.stroke_red ? system_red : palette().color(QPalette::Highlight), style.line_width > 0 ? style.line_width : 2.0);
+    QPen pen(style.stroke_red ? system_red : palette().color(QPalette::Highlight),
+             style.line_width > 0 ? style.line_width : 2.0);
     pen.setCapStyle(Qt::RoundCap);
     // Bevel joins: at a track's density they look the same as round ones, and the stroker makes
     // a third less work of them.
@@ -438,7 +514,8 @@ void tile_map_widget_t::paint_markers(QPainter& p) {
     const auto& m = markers_[i];
     if (!placeable(m->coordinate)) continue;
     const QPointF tip = camera_.to_screen(map_point_for(m->coordinate), frame);
-    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height) continue;
+    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height)
+      continue;
     p.drawPixmap(QPointF(std::round(tip.x() - pin_width / 2.0), std::round(tip.y() - pin_height + 1.0)), pin);
   }
   if (hovered_ >= 0 && hovered_ < static_cast<int>(markers_.size())) {
@@ -470,30 +547,40 @@ void tile_map_widget_t::paint_device(QPainter& p) {
   p.drawEllipse(s, 6, 6);
 }
 
-void tile_map_widget_t::paint_decorations(QPainter& p) {
+// Each decoration is drawn only where the repaint reaches it: its text costs more than the rest of
+// a small repaint.
+void tile_map_widget_t::paint_decorations(QPainter& p, const QRect& exposed) {
   QFont small = font();
   small.setPointSizeF(std::max(7.0, small.pointSizeF() * 0.8));
   p.setFont(small);
   const QFontMetricsF metrics(small);
 
   // Attribution, bottom right, on a light band so that it reads over any tile.
-  QString attribution = type_ == map_type_t::standard ? sources_.standard.attribution
-                                                      : sources_.imagery.attribution + " | " + sources_.labels.attribution;
+  QString attribution = type_ == map_type_t::standard
+                            ? sources_.standard.attribution
+                            : sources_.imagery.attribution + " | " + sources_.labels.attribution;
   const QRectF band(width() - metrics.horizontalAdvance(attribution) - 10, height() - metrics.height() - 4,
                     metrics.horizontalAdvance(attribution) + 10, metrics.height() + 4);
-  p.setPen(Qt::NoPen);
-  p.setBrush(QColor(255, 255, 255, 190));
-  p.drawRect(band);
-  p.setPen(QColor(40, 40, 40));
-  p.drawText(band, Qt::AlignCenter, attribution);
+  if (band.intersects(exposed)) {
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(255, 255, 255, 190));
+    p.drawRect(band);
+    p.setPen(QColor(40, 40, 40));
+    p.drawText(band, Qt::AlignCenter, attribution);
+  }
 
-  if (shows_scale_) {
+  constexpr double scale_width = 120.0;  // the bar and its label
+  if (shows_scale_ &&
+      exposed.intersects(
+          QRectF(0, height() - metrics.height() - 24, 10 + scale_width, metrics.height() + 24).toAlignedRect())) {
     // The longest 1, 2 or 5 times a power of ten metres that fits in 100 screen points.
     const double m_per_point = metres_per_map_point(latitude_of(camera_.centre.y)) * camera_.scale;
     const double most = 100.0 * m_per_point;
     double length = std::pow(10.0, std::floor(std::log10(most)));
-    if (length * 5 <= most) length *= 5;
-    else if (length * 2 <= most) length *= 2;
+    if (length * 5 <= most)
+      length *= 5;
+    else if (length * 2 <= most)
+      length *= 2;
     const double bar = length / m_per_point;
     const QString label = length >= 1000 ? QString("%1 km").arg(length / 1000) : QString("%1 m").arg(length);
     const QPointF o(10, height() - metrics.height() - 14);
@@ -503,12 +590,12 @@ void tile_map_widget_t::paint_decorations(QPainter& p) {
     p.drawLine(o, o + QPointF(bar, 0));
     p.drawLine(o + QPointF(0, -4), o + QPointF(0, 0));
     p.drawLine(o + QPointF(bar, -4), o + QPointF(bar, 0));
-    p.drawText(QRectF(o.x(), o.y() + 2, 120, metrics.height() + 2), Qt::AlignLeft | Qt::AlignTop, label);
+    p.drawText(QRectF(o.x(), o.y() + 2, scale_width, metrics.height() + 2), Qt::AlignLeft | Qt::AlignTop, label);
   }
 
-  if (shows_compass_) {
+  const QPointF c(width() - 22, 22);
+  if (shows_compass_ && exposed.intersects(QRect(width() - 40, 4, 36, 36))) {
     // The map keeps north up; the indicator says so.
-    const QPointF c(width() - 22, 22);
     p.setPen(QPen(QColor(0, 0, 0, 40), 1));
     p.setBrush(QColor(255, 255, 255, 220));
     p.drawEllipse(c, 14, 14);
@@ -602,9 +689,14 @@ void tile_map_widget_t::keyPressEvent(QKeyEvent* event) {
   const QPointF middle(width() / 2.0, height() / 2.0);
   switch (event->key()) {
     case Qt::Key_Plus:
-    case Qt::Key_Equal: zoom_about(middle, 0.5, true); return;
-    case Qt::Key_Minus: zoom_about(middle, 2.0, true); return;
-    default: QWidget::keyPressEvent(event);
+    case Qt::Key_Equal:
+      zoom_about(middle, 0.5, true);
+      return;
+    case Qt::Key_Minus:
+      zoom_about(middle, 2.0, true);
+      return;
+    default:
+      QWidget::keyPressEvent(event);
   }
 }
 

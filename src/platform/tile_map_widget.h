@@ -24,14 +24,17 @@ class QGeoPositionInfoSource;
 // did-change. Without tiles (offline, or while they load) a neutral grid stands in for them.
 class tile_map_widget_t final : public QWidget, public map_widget_api_t {
 public:
-  static constexpr int animation_ms = 350;       // animated region and centre changes
-  static constexpr int wheel_settle_ms = 250;    // a wheel zoom ends after this pause
-  static constexpr double max_zoom = 21.0;       // tiles of the deepest level are scaled beyond it
-  static constexpr double pin_hit_radius = 10.0; // screen points around a marker's tip
+  static constexpr int animation_ms = 350;        // animated region and centre changes
+  static constexpr int wheel_settle_ms = 250;     // a wheel zoom ends after this pause
+  static constexpr double max_zoom = 21.0;        // tiles of the deepest level are scaled beyond it
+  static constexpr double pin_hit_radius = 10.0;  // screen points around a marker's tip
 
   // sources: the tile servers; cache_dir: the on-disk tile cache.
   tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent = nullptr);
   ~tile_map_widget_t() override;
+
+  // The tile servers, for their attributions.
+  const tile_sources_t& sources() const { return sources_; }
 
   // map_widget_api_t
   void set_delegate(map_widget_delegate_t* delegate) override { delegate_ = delegate; }
@@ -80,7 +83,13 @@ private:
   struct projected_t {
     std::vector<map_point_t> points;  // the overlay's coordinates as map points, computed once
     map_point_t centre;
+    bool superseded = false;  // a newer track holds all its points still shown: removing it repaints nothing
   };
+
+  // The screen area an overlay change touches, or the whole widget where it cannot tell.
+  QRectF circle_area(const map_overlay_t& circle, const projected_t& projected) const;
+  QRectF track_change_area(const projected_t& newer, projected_t& older) const;
+  QRectF points_area(const std::vector<map_point_t>& points, std::size_t first, std::size_t last) const;
 
   void move_to(map_camera_t target, bool animated);
   void zoom_about(QPointF anchor, double factor, bool animated);
@@ -94,12 +103,12 @@ private:
   void paint_layer(class QPainter& p, int layer, const tile_source_t& source);
   bool paint_ancestor(class QPainter& p, int layer, int z, int x, int y, const QRectF& target);
   void paint_grid(class QPainter& p);
-  void paint_overlays(class QPainter& p);
+  void paint_overlays(class QPainter& p, map_overlay_t::kind_t kind);
   void paint_polyline(class QPainter& p, const std::vector<map_point_t>& points, double width);
   void paint_markers(class QPainter& p);
   const QPixmap& pin_image();
   void paint_device(class QPainter& p);
-  void paint_decorations(class QPainter& p);
+  void paint_decorations(class QPainter& p, const QRect& exposed);
   int marker_at(QPointF s) const;
 
   tile_sources_t sources_;
@@ -141,8 +150,8 @@ private:
   std::vector<annotation_ref_t> markers_;
   std::vector<overlay_ref_t> overlays_;
   QHash<const map_overlay_t*, projected_t> projected_;
-  QPolygonF polyline_;  // reused for every track drawn
-  static constexpr int pin_width = 14;   // screen points
+  QPolygonF polyline_;                  // reused for every track drawn
+  static constexpr int pin_width = 14;  // screen points
   static constexpr int pin_height = 22;
   QPixmap pin_;
   int hovered_ = -1;

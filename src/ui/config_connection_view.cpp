@@ -13,10 +13,13 @@
 #include "link/config_connection.h"
 #include "link/connection.h"
 #include "ui/content_view.h"
+#include "ui/font_size.h"
 #include "ui/palette.h"
 #include "ui/selection_feedback.h"
 
 namespace {
+
+constexpr double title_size = 24.0;
 
 // A button's text in a colour, on the system background.
 void set_button_colour(QPushButton& b, const QColor& text, const QColor& background) {
@@ -72,9 +75,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   layout->setSpacing(static_cast<int>(size_padding_v));
 
   auto* title = new QLabel("Connection");
-  QFont title_font = title->font();
-  title_font.setPixelSize(24);
-  title->setFont(title_font);
+  title->setFont(relative_font(title->font(), title_size));
   layout->addWidget(title);
 
   auto* ble = new QGroupBox("BLE peripheral name");

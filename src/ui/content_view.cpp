@@ -1,10 +1,7 @@
 #include "ui/content_view.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QScrollArea>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "link/config_connection.h"
@@ -12,14 +9,10 @@
 #include "link/connection.h"
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
-#include "ui/config_connection_view.h"
-#include "ui/gnss_sky_panel.h"
-#include "ui/gps_details_view.h"
-#include "ui/gps_log_view.h"
+#include "ui/font_size.h"
 #include "ui/map_panel.h"
 #include "ui/round_button.h"
 #include "ui/selection_feedback.h"
-#include "ui/sheet.h"
 
 namespace {
 
@@ -29,24 +22,24 @@ constexpr double size_status_bridge = 12.0;  // the status texts with both links
 constexpr double size_status = 16.0;
 const QString satellite = QString::fromUtf8("\U0001F6F0");
 
-QFont sized(QFont font, double pixels) {
-  font.setPixelSize(static_cast<int>(pixels));
-  return font;
-}
-
 QString altitude_text(double metres) {
   return QString::asprintf(metres >= 999.0 ? "%.f" : "%.1f", metres);
+}
+
+// "33.856800 S": the magnitude with its hemisphere letter, as the sentence gives them.
+QString coordinate_text(double magnitude, std::string_view hemisphere) {
+  return QString::asprintf("%.6f %.*s", magnitude, static_cast<int>(hemisphere.size()), hemisphere.data()).trimmed();
 }
 
 }  // namespace
 
 ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-                         main_queue_t& queue, QWidget* parent)
+                         main_queue_t& queue, open_sheets_t& sheets, QWidget* parent)
     : QWidget(parent),
       cfg_(cfg),
       cnc_(cnc),
       map_cfg_(map_cfg),
-      sheets_(cnc),
+      sheets_(sheets),
       portrait_(width() < height()),
       redraw_(this, [this] { refresh(); }),
       summary_(new QWidget(this)),
@@ -59,11 +52,13 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
       lat_(new text_runs_t(false)),
       lon_(new text_runs_t(false)),
       alt_(new text_runs_t(false, size_padding_u)),
-      reset_(new round_button_t("reset", 18, colour_t::accent, true)),
+      reset_(new round_button_t("clear", 18, colour_t::accent, true)),
       map_panel_(new map_panel_t(map, map_cfg, queue, cnc, this)) {
-  time_date_->setToolTip("Log (`)");
-  fix_->setToolTip("Fix details");
-  reset_->setToolTip("Clear everything");
+  time_date_->setToolTip(tr("Log (` or Ctrl+L)"));
+  status_->setAccessibleDescription(tr("Connect or disconnect (Ctrl+K)"));
+  fix_->setToolTip(tr("Satellites and fix details"));
+  reset_->setToolTip(tr("Clear log, track and markers"));
+  reset_->setAccessibleName(reset_->toolTip());
 
   auto* screen = new QVBoxLayout(this);
   screen->setContentsMargins(0, 0, 0, 0);
@@ -76,12 +71,10 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
     selection_changed();
     sheets_.toggle(sheet_id_t::log);
   });
-  backquote_ = new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this);
-  QObject::connect(backquote_, &QShortcut::activated, time_date_, &QAbstractButton::click);
   QObject::connect(status_, &QAbstractButton::clicked, this, [this] { connect_or_disconnect(); });
   QObject::connect(fix_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
-    sheets_.toggle(sheet_id_t::details);
+    sheets_.toggle_fix_details();
   });
   QObject::connect(reset_, &QAbstractButton::clicked, this, [this] {
     selection_changed();
@@ -107,29 +100,9 @@ ContentView::ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t&
     map_cfg_.mode_sat = !map_cfg_.mode_sat;
   });
 
-  log_sheet_ = new sheet_t(
-      new gps_log_view(cnc_, sheets_), [this] { sheets_.show(sheet_id_t::log, false); }, this);
-  auto* details_scroll = new QScrollArea;
-  details_scroll->setWidgetResizable(true);
-  details_scroll->setFrameShape(QFrame::NoFrame);
-  details_scroll->setWidget(new gps_details_view(cnc_, sheets_));
-  details_sheet_ = new sheet_t(
-      details_scroll, [this] { sheets_.show(sheet_id_t::details, false); }, this);
-  settings_sheet_ = new sheet_t(
-      new config_connection_view(*this, cfg_, cnc_), [this] { sheets_.show(sheet_id_t::settings, false); }, this);
-
-  // The satellites of every system, until the window docks them.
-  auto* sky_scroll = new QScrollArea;
-  sky_scroll->setWidgetResizable(true);
-  sky_scroll->setFrameShape(QFrame::NoFrame);
-  sky_scroll->setWidget(new gnss_sky_panel(cnc_.sky));
-  sky_sheet_ = new sheet_t(
-      sky_scroll, [this] { sheets_.show(sheet_id_t::sky, false); }, this);
-
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
   redraw_.watch(map_cfg_);
-  redraw_.watch(sheets_);
   refresh();
 }
 
@@ -190,16 +163,16 @@ QList<QStringList> ContentView::rows() const {
     QStringList names;
     auto* r = rows->itemAt(i)->layout();
     for (int j = 0; r && j < r->count(); ++j)
-      if (QWidget* w = r->itemAt(j)->widget()) names << (w == reset_ ? QString("reset") : w->accessibleName());
+      if (QWidget* w = r->itemAt(j)->widget()) names << w->accessibleName();
     out << names;
   }
   return out;
 }
 
 void ContentView::refresh() {
-  const QFont base = sized(font(), size_font);
+  const QFont base = relative_font(font(), size_font);
   // The first row of a tall window reads as a table of figures: monospaced.
-  const QFont first_row = portrait_ ? sized(QFontDatabase::systemFont(QFontDatabase::FixedFont), size_font) : base;
+  const QFont first_row = portrait_ ? relative_fixed_font(font(), size_font) : base;
   const auto& gga = cnc_.gga;
   const auto& rmc = cnc_.rmc;
 
@@ -213,7 +186,8 @@ void ContentView::refresh() {
   });
 
   const bool bridge = cfg_.enable_bridge();
-  const QFont status_font = sized(portrait_ ? first_row : base, bridge ? size_status_bridge : size_status);
+  const double status_size = bridge ? size_status_bridge : size_status;
+  const QFont status_font = portrait_ ? relative_fixed_font(font(), status_size) : relative_font(font(), status_size);
   std::vector<text_run_t> status;
   const std::string crc = cnc_.crc_error_text();
   if (!crc.empty()) status.push_back({QString::fromStdString(crc), colour_t::secondary, status_font});
@@ -223,7 +197,7 @@ void ContentView::refresh() {
   status_->set_runs(std::move(status));
   status_->setToolTip(cnc_.ble_enabled() ? QString::fromStdString(cnc_.ble().radio_status()) : QString());
 
-  const QFont fix_font = sized(base, size_fix);
+  const QFont fix_font = relative_font(font(), size_fix);
   fix_->set_runs({
       {satellite + " " + QString::number(gga.sat_count_i), colour_t::primary, fix_font},
       {QString::fromUtf8(gga.fix_text().data(), static_cast<int>(gga.fix_text().size())), colour_t::primary, fix_font},
@@ -237,17 +211,9 @@ void ContentView::refresh() {
     speed_->set_runs(
         {{"speed", colour_t::secondary, base}, {speed, colour_t::primary, base}, {"m/s", colour_t::secondary, base}});
   sea_->set_runs({{"sea", colour_t::secondary, base}, {altitude_text(gga.mean_sea_level_d), colour_t::primary, base}});
-  lat_->set_runs({{QString::asprintf("%.6f", gga.lat.get()), colour_t::primary, base}});
-  lon_->set_runs({{QString::asprintf("%.6f", gga.lon.get()), colour_t::primary, base}});
+  lat_->set_runs({{coordinate_text(gga.lat, gga.lat_dir), colour_t::primary, base}});
+  lon_->set_runs({{coordinate_text(gga.lon, gga.lon_dir), colour_t::primary, base}});
   alt_->set_runs({{"ALT", colour_t::secondary, base}, {altitude_text(gga.alt_d), colour_t::primary, base}});
-
-  // The log sheet's own Close takes the backquote while the log is shown.
-  const bool log = sheets_.shown(sheet_id_t::log);
-  backquote_->setEnabled(!log);
-  log_sheet_->set_shown(log);
-  details_sheet_->set_shown(sheets_.shown(sheet_id_t::details));
-  settings_sheet_->set_shown(sheets_.shown(sheet_id_t::settings));
-  sky_sheet_->set_shown(sheets_.shown(sheet_id_t::sky));
 
   map_panel_->refresh();
 }

@@ -12,14 +12,12 @@ class map_cfg_t;
 class main_queue_t;
 class map_panel_t;
 class round_button_t;
-class sheet_t;
 class tile_map_widget_t;
-class QBoxLayout;
-class QShortcut;
 
 // The main screen: the fix summary in rows of text over the map panel. The status button connects
-// and disconnects; the time opens the log, the fix the details, the sliders the settings. The rows
-// are arranged for a tall (portrait) or a wide (landscape) window, decided again on every resize.
+// and disconnects; the time opens the log, the fix the satellites and details, the sliders the
+// settings. The rows are arranged for a tall (portrait) or a wide (landscape) screen, decided again
+// on every resize.
 class ContentView final : public QWidget {
 public:
   static constexpr double size_font = 14.0;
@@ -28,13 +26,13 @@ public:
   static constexpr double size_padding_v = 16.0;
 
   ContentView(config_connection_t& cfg, connection_t& cnc, map_cfg_t& map_cfg, tile_map_widget_t& map,
-              main_queue_t& queue, QWidget* parent = nullptr);
+              main_queue_t& queue, open_sheets_t& sheets, QWidget* parent = nullptr);
   ~ContentView() override;
 
   // The connect-or-disconnect action of the status button, also used by the settings sheet.
   void connect_or_disconnect();
 
-  // Which sheets are open over the screen.
+  // Which panels are open beside the screen.
   open_sheets_t& sheets() { return sheets_; }
   bool portrait() const { return portrait_; }
   int refreshes() const { return redraw_.refreshes(); }
@@ -51,10 +49,6 @@ public:
   text_runs_t* altitude_label() const { return alt_; }
   round_button_t* reset_button() const { return reset_; }
   map_panel_t* map_panel() const { return map_panel_; }
-  sheet_t* log_sheet() const { return log_sheet_; }
-  sheet_t* details_sheet() const { return details_sheet_; }
-  sheet_t* settings_sheet() const { return settings_sheet_; }
-  sheet_t* sky_sheet() const { return sky_sheet_; }
   // The summary rows as the layout holds them, each a list of its items' accessible names.
   QList<QStringList> rows() const;
 
@@ -69,7 +63,7 @@ private:
   config_connection_t& cfg_;
   connection_t& cnc_;
   map_cfg_t& map_cfg_;
-  open_sheets_t sheets_;
+  open_sheets_t& sheets_;
   bool portrait_;
   redraw_t redraw_;
 
@@ -85,9 +79,4 @@ private:
   text_runs_t* alt_;
   round_button_t* reset_;
   map_panel_t* map_panel_;
-  QShortcut* backquote_;
-  sheet_t* log_sheet_;
-  sheet_t* details_sheet_;
-  sheet_t* settings_sheet_;
-  sheet_t* sky_sheet_;
 };

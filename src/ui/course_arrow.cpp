@@ -3,18 +3,19 @@
 #include <QPainter>
 #include <cmath>
 
-#include "ui/icons.h"
 #include "ui/palette.h"
 
+// Angles are averaged as unit vectors: the plain mean of 179 and -179 degrees is 0, north, where a
+// receiver heading west is going 180.
 double course_angle(const motion_history_t& bearings) {
-  double sum = 0.0;
-  double weights = 0.0;
+  double east = 0.0;
+  double north = 0.0;
   for (std::size_t k = 0; k < bearings.size(); ++k) {
     const double w = std::sqrt(std::pow(0.5, static_cast<double>(k)));
-    sum += w * bearings[k];
-    weights += w;
+    east += w * std::sin(bearings[k]);
+    north += w * std::cos(bearings[k]);
   }
-  return weights > 0.0 ? sum / weights : std::nan("");
+  return bearings.empty() ? std::nan("") : std::atan2(east, north);
 }
 
 course_arrow_t::course_arrow_t(QWidget* parent) : QAbstractButton(parent) {
@@ -56,10 +57,20 @@ void course_arrow_t::paintEvent(QPaintEvent*) {
   p.setPen(QPen(QColor(0, 0, 0, 30), 1));
   p.setBrush(colour_of(colour_t::background, palette()));
   p.drawRoundedRect(r, r.height() / 2, r.height() / 2);
+  if (hasFocus()) draw_focus_ring(p, r, palette());
   if (isDown()) p.setOpacity(0.5);
   p.translate(width() / 2.0, height() / 2.0);
   p.rotate(drawn_);  // clockwise on screen
   painted_ = drawn_;
-  const QPixmap& icon = icon_.get("arrow_up_fill", colour_of(colour_t::secondary, palette()), icon_size, devicePixelRatioF());
-  p.drawPixmap(QPointF(-icon_size / 2.0, -icon_size / 2.0), icon);
+  // The disc in the secondary colour, the arrow cut out of it in the background colour: light on
+  // dark in one theme, dark on light in the other, never white on a light disc.
+  const double scale = icon_size / 24.0;  // the arrow is drawn on a 24-point grid
+  p.scale(scale, scale);
+  p.setPen(Qt::NoPen);
+  p.setBrush(colour_of(colour_t::secondary, palette()));
+  p.drawEllipse(QPointF(), 11.0, 11.0);
+  QPen stroke(colour_of(colour_t::background, palette()), 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+  p.setPen(stroke);
+  p.drawLine(QPointF(0, 6), QPointF(0, -5.5));
+  p.drawPolyline(QPolygonF({QPointF(-5.2, -0.4), QPointF(0, -5.6), QPointF(5.2, -0.4)}));
 }

@@ -4,7 +4,6 @@
 #include <QVariantAnimation>
 
 #include "nmea/motion.h"
-#include "ui/icons.h"
 
 // The direction of movement: the weighted mean of the bearings, newest first, the k-th weighing
 // sqrt(0.5^k); radians clockwise from north. Not a number when the history holds none.
@@ -38,5 +37,4 @@ private:
   double drawn_ = 0.0;
   double painted_ = 0.0;
   bool shown_once_ = false;
-  icon_cache_t icon_;
 };

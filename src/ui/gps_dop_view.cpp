@@ -1,7 +1,6 @@
 #include "ui/gps_dop_view.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -10,6 +9,7 @@
 
 #include "link/connection.h"
 #include "ui/dop_colour.h"
+#include "ui/font_size.h"
 #include "ui/gps_sky_view.h"
 #include "ui/palette.h"
 #include "ui/progress_view.h"
@@ -19,8 +19,8 @@ namespace {
 constexpr int line_spacing = 8;   // points between the panel's lines
 constexpr int word_spacing = 12;  // points between the texts of the first line
 constexpr int text_to_bar = 2;    // points between a DOP row's text and its bar
-constexpr int font_px = 15;
-constexpr int prn_font_px = 13;
+constexpr double font_size = 15.0;
+constexpr double prn_font_size = 13.0;
 
 QString dop_text(double value) {
   char text[32];
@@ -42,10 +42,8 @@ QLabel* plain_label(QWidget* parent, const QFont& font) {
 }  // namespace
 
 gps_dop_view::gps_dop_view(connection_t& gps, QWidget* parent) : QWidget(parent), gps_(gps) {
-  QFont text_font = with_emoji_fallback(font());
-  text_font.setPixelSize(font_px);
-  QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  mono.setPixelSize(prn_font_px);
+  const QFont text_font = with_emoji_fallback(relative_font(font(), font_size));
+  const QFont mono = relative_fixed_font(font(), prn_font_size);
 
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(padding, padding, padding, padding);

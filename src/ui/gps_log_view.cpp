@@ -1,17 +1,16 @@
 #include "ui/gps_log_view.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
 #include "link/connection.h"
+#include "ui/font_size.h"
 #include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui/selection_feedback.h"
@@ -29,8 +28,7 @@ QPushButton* text_button(QWidget* parent, const QString& text) {
 
 gps_log_view::gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* parent)
     : QWidget(parent), cnc_(cnc), sheets_(sheets) {
-  QFont header_font = font();
-  header_font.setPixelSize(header_font_px);
+  const QFont header_font = relative_font(font(), header_font_size);
 
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, padding);
@@ -46,7 +44,7 @@ gps_log_view::gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* pa
   close_ = text_button(this, tr("Close"));
   filter_->setToolTip(tr("Log every valid sentence or only GGA"));
   clear_->setToolTip(tr("Empty the log and restart the message counters"));
-  close_->setToolTip(tr("Close the log (`)"));
+  close_->setToolTip(tr("Close the log (` or Ctrl+L)"));
   for (QLabel* label : {title_, binary_}) {
     label->setFont(header_font);
     header->addWidget(label);
@@ -71,18 +69,18 @@ gps_log_view::gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* pa
     selection_changed();
     cnc_.clear_log();
   });
-  const auto close_log = [this] {
+  QObject::connect(close_, &QPushButton::clicked, this, [this] {
     selection_changed();
     sheets_.toggle(sheet_id_t::log);
-  };
-  QObject::connect(close_, &QPushButton::clicked, this, close_log);
-  new QShortcut(QKeySequence(Qt::Key_QuoteLeft), this, close_log);
+  });
 
   redraw_.watch(cnc_);
   refresh();
 }
 
+// A closed log dock costs nothing: it is brought up to date when it shows again.
 void gps_log_view::refresh() {
+  if (!isVisible()) return;
   const QPalette& theme = palette();
   set_text_colour(*title_, colour_of(colour_t::primary, theme));
   set_text_colour(*binary_, colour_of(colour_t::secondary, theme));
@@ -92,8 +90,7 @@ void gps_log_view::refresh() {
   set_text_colour(*clear_, colour_of(cnc_.arr_rx->empty() ? colour_t::tertiary : colour_t::secondary, theme));
   set_text_colour(*close_, colour_of(colour_t::secondary, theme));
 
-  QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  mono.setPixelSize(cnc_.binary() ? binary_font_px : text_font_px);
+  const QFont mono = relative_fixed_font(font(), cnc_.binary() ? binary_font_size : text_font_size);
   if (text_->font() != mono) text_->setFont(mono);
   show_lines();
 }
@@ -119,6 +116,11 @@ void gps_log_view::show_lines() {
 void gps_log_view::toggle_filter() {
   selection_changed();
   cnc_.show_all = !cnc_.show_all;
+}
+
+void gps_log_view::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  refresh();
 }
 
 void gps_log_view::changeEvent(QEvent* event) {

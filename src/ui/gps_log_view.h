@@ -13,13 +13,13 @@ class open_sheets_t;
 
 // The log of received lines with its header: the title, a "binary" mark while the stream carries
 // UBX records, the filter switch (log every sentence or only GGA), "Clear" (empties the log and
-// restarts the message counters) and "Close" (the backquote key).
+// restarts the message counters) and "Close" (the window's Log entry has the backquote key).
 class gps_log_view final : public QWidget {
 public:
-  static constexpr int header_font_px = 24;
-  static constexpr int padding = 8;  // points around the header items and below the log
-  static constexpr int text_font_px = 11;
-  static constexpr int binary_font_px = 13;  // UBX record texts are short: shown larger
+  static constexpr double header_font_size = 24.0;  // relative to the platform's font (font_size.h)
+  static constexpr int padding = 8;                 // points around the header items and below the log
+  static constexpr double text_font_size = 11.0;
+  static constexpr double binary_font_size = 13.0;  // UBX record texts are short: shown larger
 
   gps_log_view(connection_t& cnc, open_sheets_t& sheets, QWidget* parent = nullptr);
 
@@ -34,6 +34,7 @@ public:
 
 protected:
   void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
 private:
   void refresh();

@@ -1,12 +1,12 @@
 #include "ui/gps_sat_list_view.h"
 
 #include <QEvent>
-#include <QFontDatabase>
 #include <QLabel>
 #include <QVBoxLayout>
 #include <iterator>
 
 #include "link/connection.h"
+#include "ui/font_size.h"
 #include "ui/palette.h"
 #include "ui/progress_view.h"
 
@@ -47,9 +47,7 @@ gps_sat_list_view::row_t gps_sat_list_view::make_row() {
   box_layout->setContentsMargins(0, 0, 0, 0);
   box_layout->setSpacing(text_to_bar);
   row.text = new QLabel(row.box);
-  QFont mono = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  mono.setPixelSize(text_font_px);
-  row.text->setFont(mono);
+  row.text->setFont(relative_fixed_font(font(), text_font_size));
   row.text->setTextFormat(Qt::PlainText);
   row.gauge = new progress_gauge_t(row.box);
   box_layout->addWidget(row.text);

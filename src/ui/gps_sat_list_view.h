@@ -19,7 +19,7 @@ class gps_sat_list_view final : public QWidget {
 public:
   static constexpr double snr_full = 99.0;  // dB-Hz that fill the bar
   static constexpr int bar_animation_ms = 800;
-  static constexpr int text_font_px = 13;
+  static constexpr double text_font_size = 13.0;  // relative to the platform's font (font_size.h)
 
   explicit gps_sat_list_view(connection_t& gps, QWidget* parent = nullptr);
   ~gps_sat_list_view() override;

@@ -3,21 +3,20 @@
 #include <QEvent>
 #include <QFontInfo>
 #include <QPainter>
-#include <QShortcut>
 #include <cmath>
 #include <numbers>
 
 #include "link/connection.h"
 #include "map/gps_heading.h"
-#include "ui/open_sheets.h"
+#include "ui/font_size.h"
 #include "ui/palette.h"
-#include "ui/selection_feedback.h"
 
 namespace {
 
 constexpr double degree = std::numbers::pi / 180.0;
-constexpr double letter_font_px = 13.0;
-constexpr double label_font_px = 15.0;
+constexpr double letter_font_size = 13.0;
+constexpr double label_font_size = 15.0;
+constexpr double ring_font_size = 10.0;
 constexpr double label_margin = 8.0;                // points from the plot's corner
 constexpr double ring_elevations[] = {30.0, 60.0};  // degrees; the rim is the zenith
 
@@ -37,22 +36,18 @@ QFont with_emoji_fallback(QFont font) {
   return font;
 }
 
-gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, open_sheets_t& sheets, QWidget* parent)
-    : QAbstractButton(parent), gps_(gps), compass_(compass), sheets_(sheets) {
-  setText(tr("Close"));
-  setToolTip(tr("Close the details (Space)"));
-  setFixedSize(plot_size, plot_size);
-  setCursor(Qt::PointingHandCursor);
-  setAttribute(Qt::WA_Hover);   // the "Close" text lights up under the pointer
-  setFocusPolicy(Qt::NoFocus);  // the keyboard reaches the plot through its shortcut
+gps_sky_view::gps_sky_view(connection_t& gps, gps_heading_t& compass, QWidget* parent)
+    : QWidget(parent), gps_(gps), compass_(compass) {
+  setAccessibleName(tr("Sky plot"));
+  setFixedSize(side, side);
+  setAccessibleDescription(
+      tr("Rings at 30 and 60 degrees of elevation; the rim is the zenith, the centre the horizon"));
   turn_.setDuration(rotation_duration_ms);
   turn_.setEasingCurve(QEasingCurve::InOutQuad);
   QObject::connect(&turn_, &QVariantAnimation::valueChanged, this, [this](const QVariant& v) {
     drawn_rotation_ = v.toDouble();
     update();
   });
-  QObject::connect(this, &QAbstractButton::clicked, this, [this] { toggle_details(); });
-  new QShortcut(QKeySequence(Qt::Key_Space), this, [this] { toggle_details(); });
   redraw_.watch(gps_);
   redraw_.watch(compass_);
   refresh();
@@ -66,11 +61,6 @@ QPointF gps_sky_view::dot_offset(const gps_gpgsv_satellite_t& satellite) {
 
 QPointF gps_sky_view::plot_centre() const {
   return QRectF(rect()).center();
-}
-
-void gps_sky_view::toggle_details() {
-  selection_changed();
-  sheets_.toggle(sheet_id_t::details);
 }
 
 void gps_sky_view::refresh() {
@@ -90,18 +80,9 @@ void gps_sky_view::refresh() {
   update();
 }
 
-// The keyboard reaches the plot through its shortcut alone: a button's own key handling would
-// also click on a space bar held with modifiers.
-void gps_sky_view::keyPressEvent(QKeyEvent* event) {
-  QWidget::keyPressEvent(event);  // NOLINT(bugprone-parent-virtual-call): the button's handling is skipped
-}
-void gps_sky_view::keyReleaseEvent(QKeyEvent* event) {
-  QWidget::keyReleaseEvent(event);  // NOLINT(bugprone-parent-virtual-call): as for the press
-}
-
 void gps_sky_view::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) update();
-  QAbstractButton::changeEvent(event);
+  QWidget::changeEvent(event);
 }
 
 void gps_sky_view::paintEvent(QPaintEvent*) {
@@ -109,27 +90,21 @@ void gps_sky_view::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setRenderHint(QPainter::TextAntialiasing);
 
-  // The turning layer: guides, letters and satellites about the plot centre.
+  // The turning layer: guides, satellites, then the labels over them, about the plot centre.
   painter.save();
   painter.translate(plot_centre());
   painter.rotate(drawn_rotation_);
   paint_guides(painter);
-  paint_letters(painter);
   paint_satellites(painter);
+  paint_letters(painter);
+  paint_ring_labels(painter);
   painter.restore();
 
-  // Upright labels in the corners, which the round plot leaves free.
+  // The upright label in a corner, which the round plot leaves free.
   const QRectF corner_box = QRectF(rect()).adjusted(label_margin, label_margin, -label_margin, -label_margin);
-  QFont label_font = with_emoji_fallback(font());
-  label_font.setPixelSize(static_cast<int>(label_font_px));
-  painter.setFont(label_font);
+  painter.setFont(with_emoji_fallback(relative_font(font(), label_font_size)));
   painter.setPen(colour_of(colour_t::primary, palette()));
   painter.drawText(corner_box, Qt::AlignLeft | Qt::AlignTop, count_text_);
-  QFont close_font = font();
-  close_font.setPixelSize(static_cast<int>(letter_font_px));
-  painter.setFont(close_font);
-  painter.setPen(colour_of(underMouse() || isDown() ? colour_t::accent : colour_t::secondary, palette()));
-  painter.drawText(corner_box, Qt::AlignRight | Qt::AlignTop, text());
 }
 
 void gps_sky_view::paint_guides(QPainter& painter) const {
@@ -147,8 +122,7 @@ void gps_sky_view::paint_guides(QPainter& painter) const {
 }
 
 void gps_sky_view::paint_letters(QPainter& painter) const {
-  QFont letter_font = font();
-  letter_font.setPixelSize(static_cast<int>(letter_font_px));
+  QFont letter_font = relative_font(font(), letter_font_size);
   letter_font.setWeight(QFont::DemiBold);
   painter.setFont(letter_font);
   const QFontMetricsF metrics(letter_font);
@@ -167,11 +141,22 @@ void gps_sky_view::paint_letters(QPainter& painter) const {
   for (const auto& letter : letters) {
     const QString text = QString::fromLatin1(letter.text);
     const QSizeF box(metrics.horizontalAdvance(text) + 2 * letter_padding, metrics.height() + 2 * letter_padding);
-    const double inset = letter.direction.x() != 0 ? box.width() / 2 : box.height() / 2;
-    const QPointF centre = letter.direction * (plot_radius - inset);
+    const QPointF centre = letter.direction * (plot_radius + letter_margin / 2.0);
     const QRectF rect(centre.x() - box.width() / 2, centre.y() - box.height() / 2, box.width(), box.height());
     painter.setPen(colour_of(letter.colour, palette()));
     painter.drawText(rect, Qt::AlignCenter, text);
+  }
+}
+
+// The elevation of each ring and of the rim, just right of the north line.
+void gps_sky_view::paint_ring_labels(QPainter& painter) const {
+  const QFont label_font = relative_font(font(), ring_font_size);
+  painter.setFont(label_font);
+  painter.setPen(colour_of(colour_t::secondary, palette()));
+  const QFontMetricsF metrics(label_font);
+  for (const double elevation : {ring_elevations[0], ring_elevations[1], 90.0}) {
+    const double r = plot_radius * std::sin(elevation * degree);
+    painter.drawText(QPointF(letter_padding, -r + metrics.ascent() + 1.0), QString::number(elevation) + QChar(0x00B0));
   }
 }
 

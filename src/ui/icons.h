@@ -5,9 +5,8 @@
 #include <QString>
 
 // The screens' pictograms, drawn from the program's own SVGs in the colour asked for:
-// "reset" (circular arrows around an exclamation mark), "sliders", "location" and
-// "location_fill" (the location arrow in a circle), "map_fill" (a folded map) and
-// "arrow_up_fill" (an up arrow in a filled circle).
+// "clear" (a waste bin), "sliders", "location" and "location_fill" (the location arrow in a
+// circle) and "map_fill" (a folded map).
 QPixmap icon_pixmap(const QString& name, const QColor& colour, int size, qreal device_pixel_ratio = 1.0);
 
 // One control's pictogram, drawn again only when its name, colour, size or pixel ratio changes:

@@ -39,10 +39,15 @@ map_panel_t::map_panel_t(tile_map_widget_t& map, map_cfg_t& map_cfg, main_queue_
       mode_(new round_button_t("map_fill", 24, colour_t::accent, false, this)) {
   map_.setParent(this);
   map_.lower();
-  settings_->setToolTip("Connection settings");
-  location_->setToolTip("Show my location");
-  mode_->setToolTip("Standard map or imagery");
-  course_->setToolTip("Back to the position");
+  // A pictogram tells a screen reader nothing: each control says what it does.
+  const std::pair<QAbstractButton*, QString> names[] = {{settings_, tr("Connection settings")},
+                                                        {location_, tr("Show my location")},
+                                                        {mode_, tr("Standard map or imagery")},
+                                                        {course_, tr("Recentre on the position")}};
+  for (const auto& [control, name] : names) {
+    control->setAccessibleName(name);
+    control->setToolTip(name);
+  }
   hdop_->show_value(hdop_gauge_value(0.0, palette()));
 }
 

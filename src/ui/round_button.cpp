@@ -36,6 +36,7 @@ void round_button_t::paintEvent(QPaintEvent*) {
     p.setBrush(colour_of(colour_t::background, palette()));
     p.drawRoundedRect(r, r.height() / 2, r.height() / 2);
   }
+  if (hasFocus()) draw_focus_ring(p, QRectF(rect()), palette());
   if (isDown()) p.setOpacity(0.5);
   const QPixmap& icon = icon_.get(icon_name_, colour_of(colour_, palette()), icon_size_, devicePixelRatioF());
   p.drawPixmap(QPointF((width() - icon_size_) / 2.0, (height() - icon_size_) / 2.0), icon);

@@ -9,17 +9,19 @@
 text_runs_t::text_runs_t(bool clickable, double spacing, QWidget* parent)
     : QAbstractButton(parent), spacing_(spacing), clickable_(clickable) {
   setFocusPolicy(clickable ? Qt::TabFocus : Qt::NoFocus);
-  if (clickable) setCursor(Qt::PointingHandCursor);
-  else setAttribute(Qt::WA_TransparentForMouseEvents);
+  if (clickable)
+    setCursor(Qt::PointingHandCursor);
+  else
+    setAttribute(Qt::WA_TransparentForMouseEvents);
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 void text_runs_t::set_runs(std::vector<text_run_t> runs) {
   if (runs == runs_) return;
-  const bool resized = runs.size() != runs_.size() ||
-                       !std::equal(runs.begin(), runs.end(), runs_.begin(), [](const text_run_t& a, const text_run_t& b) {
-                         return a.text == b.text && a.font == b.font;
-                       });
+  const bool resized = runs.size() != runs_.size() || !std::equal(runs.begin(), runs.end(), runs_.begin(),
+                                                                  [](const text_run_t& a, const text_run_t& b) {
+                                                                    return a.text == b.text && a.font == b.font;
+                                                                  });
   runs_ = std::move(runs);
   setAccessibleName(joined());
   if (resized) updateGeometry();
@@ -59,8 +61,8 @@ void text_runs_t::paintEvent(QPaintEvent*) {
     x += m.horizontalAdvance(r.text) + spacing_;
   }
   if (clickable_ && hasFocus()) {
-    p.setOpacity(0.4);
-    p.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
-    p.drawRect(rect().adjusted(0, 0, -1, -1));
+    p.setOpacity(1.0);
+    p.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    p.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
   }
 }

@@ -14,9 +14,9 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
                                                  "--size", "520x900", "--sheet", "sky", "--dark", "--gnss", "bds"});
   ASSERT_TRUE(p.options) << p.error;
   const auto& o = *p.options;
-  EXPECT_EQ(std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheet, o.dark, o.help, o.gnss),
-            std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::optional(sheet_id_t::sky), true,
-                       false, std::uint8_t{1u << 3}));
+  EXPECT_EQ(std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheets, o.dark, o.help, o.gnss),
+            std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::vector{sheet_id_t::sky}, true, false,
+                       std::uint8_t{1u << 3}));
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {

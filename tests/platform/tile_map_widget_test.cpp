@@ -118,6 +118,15 @@ TEST_F(tile_map_widget_test, overlays_are_drawn_above_the_tiles_and_what_cannot_
   EXPECT_EQ(map->visible_map_rect().x, before.x);
 }
 
+TEST_F(tile_map_widget_test, a_marker_on_the_position_leaves_the_position_dot_seen) {
+  map->set_region({0.0, 0.0}, 2'000'000.0, 2'000'000.0, false);
+  map->add_annotation(std::make_shared<point_annotation_t>(point_annotation_t{"x", "", {0.0, 0.0}}));
+  map->add_overlays(
+      {std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::circle, {0.0, 0.0}, 40'000.0, {}})});
+  const QPoint dot = map->camera().to_screen(map_point_for({0.0, 0.0}), map->size()).toPoint();
+  EXPECT_EQ(QColor(settled().pixel(dot - QPoint(0, 3))), QColor(Qt::white)) << "the dot's white over the pin";
+}
+
 // Zoomed in to a few hundred metres, a track whose points lie hundreds of kilometres away on either
 // side still shows the parts of its segments that cross the view, up to the edges.
 TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_where_they_cross_it) {

@@ -82,9 +82,10 @@ struct fake_source_t final : source_link_t {
 
 // Hands out the doubles and keeps a pointer to each, for the test to look at.
 struct fake_links_t final : link_factory_t {
-  std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
+  std::unique_ptr<tcp_link_t> make_tcp(link_events_t& events) override {
     auto link = std::make_unique<fake_tcp_t>();
     tcp = link.get();
+    tcp_events = &events;
     return link;
   }
   std::unique_ptr<ble_link_t> make_ble(link_events_t&) override {
@@ -101,5 +102,6 @@ struct fake_links_t final : link_factory_t {
   bool sources = true;  // false: a program that opens no serial, UDP or gpsd link
   fake_source_t* source = nullptr;
   fake_tcp_t* tcp = nullptr;
+  link_events_t* tcp_events = nullptr;  // where the TCP double's bytes would go
   fake_ble_t* ble = nullptr;
 };

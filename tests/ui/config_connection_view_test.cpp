@@ -11,17 +11,16 @@
 
 #include "main_screen.h"
 #include "ui/palette.h"
-#include "ui/sheet.h"
 
 namespace {
 
-// The settings sheet as the main screen opens it.
+// The settings dialog as the window opens it.
 struct config_connection_view_test : ::testing::Test, main_screen_t {
   config_connection_view_test() {
     view.sheets().show(sheet_id_t::settings, true);
     run();
   }
-  config_connection_view& sheet() { return *static_cast<config_connection_view*>(view.settings_sheet()->content()); }
+  config_connection_view& sheet() { return window.settings_view(); }
   QColor colour(colour_t c) { return colour_of(c, sheet().palette()); }
   static QColor text_of(QWidget* w) { return w->palette().color(w->foregroundRole()); }
   void type(QLineEdit* field, const QString& text) {
@@ -51,7 +50,7 @@ TEST_F(config_connection_view_test, an_invalid_entry_turns_red_and_revert_or_clo
   EXPECT_EQ(text_of(sheet().port_field()), colour(colour_t::red));
   sheet().close_button()->click();
   run();
-  EXPECT_FALSE(view.settings_sheet()->isVisible());
+  EXPECT_FALSE(window.settings_dialog().isVisible());
   EXPECT_EQ(std::pair(cfg.port_valid.get(), cfg.port_bind()), std::pair(true, std::string("81")))
       << "closing put the last good port back";
 }
@@ -95,7 +94,7 @@ TEST_F(config_connection_view_test, bridge_drops_both_links_and_reconnects_in_th
   sheet().bridge_button()->click();
   run();
   EXPECT_TRUE(cfg.enable_bridge());
-  EXPECT_FALSE(view.settings_sheet()->isVisible());
+  EXPECT_FALSE(window.settings_dialog().isVisible());
   EXPECT_EQ(std::tuple(hub.links.tcp->stops, hub.links.tcp->connects.size(), hub.hub.ble_enabled()),
             std::tuple(1, 2u, true));
 
@@ -105,6 +104,15 @@ TEST_F(config_connection_view_test, bridge_drops_both_links_and_reconnects_in_th
   sheet().disconnect_button()->click();
   run();
   EXPECT_TRUE(!sheet().disconnect_button()->isVisible() && sheet().status_line()->text().contains("offline"));
+}
+
+// A dialog 300 points high scrolls: its fields keep their height instead of vanishing.
+TEST_F(config_connection_view_test, a_low_dialog_scrolls_and_keeps_every_field) {
+  window.settings_dialog().resize(500, 300);
+  run();
+  EXPECT_EQ(window.settings_dialog().height(), 300) << "small screens hold it";
+  for (QLineEdit* field : {sheet().ble_name_field(), sheet().host_field(), sheet().port_field()})
+    EXPECT_GE(field->height(), field->minimumSizeHint().height());
 }
 
 }  // namespace

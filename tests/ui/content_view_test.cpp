@@ -4,6 +4,7 @@
 
 #include <QTest>
 #include <cmath>
+#include <numbers>
 
 #include "main_screen.h"
 #include "ui/course_arrow.h"
@@ -11,7 +12,6 @@
 #include "ui/map_panel.h"
 #include "ui/palette.h"
 #include "ui/round_button.h"
-#include "ui/sheet.h"
 
 namespace {
 
@@ -19,35 +19,35 @@ const QString sat = QString::fromUtf8("\U0001F6F0");
 const std::string gga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,";
 const std::string rmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W,A";
 
-// The main screen, 1000 x 700 points: landscape.
+// The main screen in a window of 1000 x 760 points: landscape.
 struct content_view_test : ::testing::Test, main_screen_t {};
 
 TEST_F(content_view_test, shows_the_fix_in_landscape_and_portrait_rows) {
   hub.receive(gga);
   hub.receive(rmc);
   run();
-  const QString fix = sat + " 8 GPS", status = view.status_button()->joined();
+  const QString fix = sat + " 8 GPS", status = view.status_button()->joined(), clear = "Clear log, track and markers";
   // Landscape: two rows; the speed has its label; the time and status close the fix row.
   EXPECT_FALSE(view.portrait());
-  EXPECT_EQ(view.rows(), (QList<QStringList>{{fix, "HDOP 0.90", "reset", "12:35:19 1994-03-23", status},
-                                             {"48.117300", "11.516667", "speed 11.52 m/s", "sea 46.9"}}));
-  EXPECT_EQ(view.fix_button()->runs()[0].font.pixelSize(), 15);
+  EXPECT_EQ(view.rows(), (QList<QStringList>{{fix, "HDOP 0.90", clear, "12:35:19 1994-03-23", status},
+                                             {"48.117300 N", "11.516667 E", "speed 11.52 m/s", "sea 46.9"}}));
+  EXPECT_EQ(layout_size(view.fix_button()->runs()[0].font), 15);
   EXPECT_FALSE(view.altitude_label()->isVisible());
 
   // Turned: the time gets a row of its own, in a monospaced font; the altitude comes back.
-  view.resize(500, 900);
+  window.resize(500, 900);
   run();
   EXPECT_TRUE(view.portrait());
   EXPECT_EQ(view.rows(), (QList<QStringList>{{"12:35:19 1994-03-23", status},
-                                             {fix, "HDOP 0.90", "11.52 m/s", "reset", "sea 46.9"},
-                                             {"48.117300", "11.516667", "ALT 545.4"}}));
+                                             {fix, "HDOP 0.90", "11.52 m/s", clear, "sea 46.9"},
+                                             {"48.117300 N", "11.516667 E", "ALT 545.4"}}));
   const QFont time_font = view.time_date_button()->runs()[0].font;
   EXPECT_TRUE(time_font.fixedPitch() || QFontInfo(time_font).fixedPitch());
   EXPECT_TRUE(view.altitude_label()->isVisible());
 
-  hub.receive("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,1234.56,M,998.95,M,,");
+  hub.receive("$GPGGA,123519,3351.408,S,15112.918,W,1,08,0.9,1234.56,M,998.95,M,,");
   run();
-  EXPECT_EQ(view.rows()[2][2], "ALT 1235") << "no decimal from 999 on";
+  EXPECT_EQ(view.rows()[2], (QStringList{"33.856800 S", "151.215300 W", "ALT 1235"})) << "no decimal from 999 on";
   EXPECT_EQ(view.rows()[1][4], "sea 999.0") << "998.95 is below 999";
 }
 
@@ -64,7 +64,7 @@ TEST_F(content_view_test, status_texts_follow_the_link_switches) {
     cfg.set_enable_ble(ble);
     cfg.set_enable_bridge(bridge);
     run();
-    EXPECT_EQ(std::pair(view.status_button()->joined(), view.status_button()->runs().back().font.pixelSize()),
+    EXPECT_EQ(std::pair(view.status_button()->joined(), layout_size(view.status_button()->runs().back().font)),
               std::pair(shown, size));
   }
 }
@@ -111,25 +111,6 @@ TEST_F(content_view_test, reset_clears_the_hub_and_the_map) {
   EXPECT_FALSE(map_cfg.reset) << "the map's reset is a one-shot";
 }
 
-TEST_F(content_view_test, backquote_toggles_the_log_and_the_fix_opens_the_details) {
-  QTest::keyClick(&view, Qt::Key_QuoteLeft);
-  run();
-  EXPECT_TRUE(view.log_sheet()->isVisible());
-  QTest::keyClick(view.log_sheet(), Qt::Key_QuoteLeft);  // the log's own Close
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log) || view.log_sheet()->isVisible());
-  QTest::keyClick(&view, Qt::Key_QuoteLeft, Qt::ControlModifier);
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::log)) << "only the bare key";
-
-  view.fix_button()->click();
-  run();
-  EXPECT_TRUE(view.details_sheet()->isVisible());
-  QTest::keyClick(view.details_sheet(), Qt::Key_Escape);
-  run();
-  EXPECT_FALSE(view.sheets().shown(sheet_id_t::details)) << "Escape closes a sheet through its flag";
-}
-
 TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   auto* panel = view.map_panel();
   panel->mode_button()->click();
@@ -139,7 +120,7 @@ TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   EXPECT_FALSE(map_cfg.region_set);
   panel->settings_button()->click();
   run();
-  EXPECT_TRUE(view.settings_sheet()->isVisible());
+  EXPECT_TRUE(window.settings_dialog().isVisible());
   const auto location = [&] { return std::pair(map.shows_user_location(), panel->location_button()->icon_name()); };
   EXPECT_EQ(location(), std::pair(false, QString("location")));
   panel->location_button()->click();
@@ -157,15 +138,18 @@ TEST_F(content_view_test, a_burst_of_notices_costs_one_refresh_and_none_without_
   EXPECT_EQ(view.refreshes(), before + 1) << "one for the burst, none for a run without a change";
 }
 
-TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {
-  const double pi = 3.14159265358979323846;
-  motion_history_t all_east{};
-  all_east.fill(pi / 2);
-  motion_history_t newest_south{};
-  newest_south[0] = pi;
-  EXPECT_DOUBLE_EQ(course_angle(motion_history_t{}), 0.0);
-  EXPECT_DOUBLE_EQ(course_angle(all_east), pi / 2);
-  EXPECT_NEAR(course_angle(newest_south), pi / 3.3075194, 1e-7) << "weights sqrt(0.5^k), k = 0..9";
+// Bearings in radians, newest first, as unit vectors weighted sqrt(0.5^k), k = 0..9.
+TEST(course_arrow, the_course_is_the_weighted_circular_mean_of_the_bearings) {
+  const double pi = std::numbers::pi, west = 179.0 * pi / 180.0;
+  motion_history_t east{}, straddling{}, newest_west{};
+  east.fill(pi / 2);
+  for (std::size_t k = 0; k < straddling.size(); ++k) straddling[k] = k % 2 ? west : -west;
+  newest_west[0] = -pi / 2;
+  const std::pair<motion_history_t, double> rows[] = {
+      {motion_history_t{}, 0.0}, {east, pi / 2}, {newest_west, std::atan2(-1.0, 2.3075194)}};
+  for (const auto& [bearings, course] : rows) EXPECT_NEAR(course_angle(bearings), course, 1e-7) << course;
+  EXPECT_NEAR(std::abs(course_angle(straddling)), pi, 0.01) << "heading west, not north";
+
   motion_history_t broken{};
   broken[3] = std::nan("");
   ui_test_app();
@@ -174,6 +158,21 @@ TEST(course_arrow, the_course_is_the_weighted_mean_of_the_bearings) {
   EXPECT_EQ(arrow.drawn_degrees(), 0.0) << "an undefined course draws the arrow unrotated";
   arrow.set_angle(pi / 2);
   EXPECT_EQ(arrow.target_degrees(), 90.0);
+}
+
+// The arrow stands out from its disc (3:1, as a graphic needs) in both themes.
+TEST(course_arrow, the_arrow_is_seen_on_its_disc_in_both_themes) {
+  ui_test_app();
+  for (const QPalette& theme : {QApplication::palette(), dark_palette()}) {
+    course_arrow_t arrow;
+    arrow.setPalette(theme);
+    QImage image(arrow.sizeHint(), QImage::Format_ARGB32);
+    image.fill(colour_of(colour_t::background, theme));
+    arrow.render(&image);
+    const QPoint centre(image.width() / 2, image.height() / 2);
+    const QColor shaft = image.pixelColor(centre + QPoint(0, 4)), disc = image.pixelColor(centre + QPoint(7, 7));
+    EXPECT_GE(contrast_ratio(shaft, disc), 3.0) << is_dark(theme);
+  }
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ protected:
   view_hub_t hub;
   open_sheets_t sheets{hub.hub};
   gps_log_view view{hub.hub, sheets};
+  bool shown_ = (view.show(), true);
 
   QColor colour(colour_t c) const { return colour_of(c, view.palette()); }
   static QColor text_colour(const QWidget& w) { return w.palette().color(QPalette::ButtonText); }
@@ -31,7 +32,7 @@ protected:
   // The binary mark, if shown, and the log's font size.
   std::string mark() const {
     return (view.binary_label().isHidden() ? "" : view.binary_label().text().toStdString()) + " " +
-           std::to_string(view.log_text().font().pixelSize());
+           std::to_string(layout_size(view.log_text().font()));
   }
 };
 
@@ -76,7 +77,7 @@ TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
   EXPECT_EQ(mark(), " 11");
 }
 
-// The backquote key that also closes the log is tried on the main screen (content_view_test).
+// The backquote key that also closes the log is tried on the window (main_window_test).
 TEST_F(log_view_test, close_closes_the_log_and_the_hub_keeps_more_while_open) {
   sheets.show(sheet_id_t::log, true);
   for (int i = 0; i < 45; ++i) feed_line(hub.hub.tcp_events(), gga1);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -13,14 +14,15 @@
 #include "support/tile_server.h"
 #include "support/ui_test_app.h"
 #include "ui/content_view.h"
+#include "ui/main_window.h"
 #include "view_hub.h"
 
-// The main screen as the program builds it (settings, hub, map widget, map settings, screen),
-// with the hub on fake transports and the map on tiles served from 127.0.0.1.
+// The window as the program builds it (settings, hub, map widget, map settings, window), with the
+// hub on fake transports and the map on tiles served from 127.0.0.1.
 struct main_screen_t {
-  explicit main_screen_t(int width = 1000, int height = 700) {
-    view.resize(width, height);
-    view.show();
+  explicit main_screen_t(int width = 1000, int height = 760) {
+    window.resize(width, height);
+    window.show();
     settle();
   }
 
@@ -43,5 +45,6 @@ struct main_screen_t {
   QTemporaryDir cache;
   tile_map_widget_t& map = *new tile_map_widget_t({{tiles.url_template(), 19, "test tiles"}, {}, {}}, cache.path());
   map_cfg_t map_cfg;
-  ContentView view{cfg, hub.hub, map_cfg, map, hub.queue};
+  main_window_t window{cfg, hub.hub, map_cfg, map, hub.queue, hub.meter};
+  ContentView& view = window.content();
 };

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QTest>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "map/gps_heading.h"
 #include "support/ui_test_app.h"
@@ -11,31 +12,28 @@
 #include "ui/gps_dop_view.h"
 #include "ui/gps_sat_list_view.h"
 #include "ui/gps_sky_view.h"
-#include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "ui/progress_view.h"
 #include "view_hub.h"
 
 namespace {
 
-// Portrait: plot, list and panel one above the other. Landscape: plot and list side by side,
-// top-aligned, above the panel.
+// Portrait: the plot above the list. Landscape: side by side, top-aligned.
 void expect_arrangement(const gps_details_view& details, bool portrait) {
   ASSERT_EQ(details.portrait(), portrait);
   const auto place = [&](const QWidget& part) { return QRect(part.mapTo(&details, QPoint()), part.size()); };
-  const QRect sky = place(details.sky_view()), list = place(details.sat_list()), dop = place(details.dop_view());
+  const QRect sky = place(details.sky_view()), list = place(details.sat_list());
   if (portrait)
-    EXPECT_TRUE(sky.bottom() <= list.top() && list.bottom() <= dop.top());
+    EXPECT_TRUE(sky.bottom() <= list.top());
   else
-    EXPECT_TRUE(sky.right() <= list.left() && sky.top() == list.top() && sky.bottom() <= dop.top());
+    EXPECT_TRUE(sky.right() <= list.left() && sky.top() == list.top());
 }
 
-// A hub fed with real sentences, a heading source facing north and the sheets the views toggle.
+// A hub fed with real sentences and a heading source facing north.
 struct satellite_views_test : ::testing::Test {
   bool fresh_ = (ui_test_app(), gps_heading_t::reset_process_values(), true);
   view_hub_t hub;
   gps_heading_t compass;
-  open_sheets_t sheets{hub.hub};
 };
 
 TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
@@ -48,7 +46,7 @@ TEST(sky_plot, puts_the_zenith_on_the_rim_and_the_horizon_at_the_centre) {
 }
 
 TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_but_none_without_position) {
-  gps_sky_view view{hub.hub, compass, sheets};
+  gps_sky_view view{hub.hub, compass};
   compass.update(90.0);
   hub.receive(gsv_body(5, {{"07", "30", "090", "38"},  // heard: (88, 0), turned to (0, -88)
                            {"12", "45", "045", "00"},  // silent: (88, -88), turned to (-88, -88)
@@ -61,26 +59,45 @@ TEST_F(satellite_views_test, sky_plot_render_shows_heard_and_silent_satellites_b
   image.fill(Qt::white);
   view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
   // On white, the label colour is black and the fill, grey at 20%, a light grey.
-  const auto grey = [&](int x, int y) { return qGray(image.pixel(x, y)); };
-  EXPECT_LT(grey(176, 88), 40) << "heard satellite, turned with the plot";
-  EXPECT_GT(grey(264, 176), 100) << "nothing where it stands unturned";
-  EXPECT_TRUE(grey(88, 88) > 200 && grey(88, 88) < 245) << "silent satellite in the fill colour: " << grey(88, 88);
-  EXPECT_GT(grey(176, 176), 100) << "no dot without a position";
+  const auto grey = [&](int x, int y) { return qGray(image.pixel(view.width() / 2 + x, view.height() / 2 + y)); };
+  EXPECT_LT(grey(0, -88), 40) << "heard satellite, turned with the plot";
+  EXPECT_GT(grey(88, 0), 100) << "nothing where it stands unturned";
+  EXPECT_TRUE(grey(-88, -88) > 200 && grey(-88, -88) < 245)
+      << "silent satellite in the fill colour: " << grey(-88, -88);
+  EXPECT_GT(grey(0, 0), 100) << "no dot without a position";
 }
 
-TEST_F(satellite_views_test, sky_plot_space_bar_and_click_toggle_the_details_and_a_shown_plot_eases_round) {
-  gps_sky_view view{hub.hub, compass, sheets};
-  EXPECT_EQ(view.text(), "Close");
-  view.show();
-  view.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
-  for (const bool shown : {true, false}) {
-    QTest::keyClick(&view, Qt::Key_Space);
-    EXPECT_EQ(sheets.shown(sheet_id_t::details), shown);
-  }
-  QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(300, 300));
-  EXPECT_TRUE(sheets.shown(sheet_id_t::details));
+// Satellites at the zenith lie on the rim in the cardinal directions; the letters beyond the rim
+// look the same with them or without them, and they are there to be seen.
+TEST_F(satellite_views_test, no_satellite_on_the_rim_covers_a_cardinal_letter) {
+  gps_sky_view view{hub.hub, compass};
+  const auto outside_rim = [&] {
+    QImage image(view.size(), QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    view.render(&image);
+    const double rim = gps_sky_view::plot_radius + gps_sky_view::dot_size;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x)
+        if (std::hypot(x - image.width() / 2.0, y - image.height() / 2.0) < rim)
+          image.setPixel(x, y, qRgb(255, 255, 255));
+    return image;
+  };
+  hub.receive(gsv_body(4, {}));  // the count in the corner stays the same
+  settle();
+  const QImage bare = outside_rim();
+  hub.receive(gsv_body(
+      4, {{"01", "90", "000", "40"}, {"02", "90", "090", "40"}, {"03", "90", "180", "40"}, {"04", "90", "270", "40"}}));
+  settle();
+  EXPECT_EQ(outside_rim(), bare);
+  int darkest = 255;
+  for (int x = bare.width() / 2 - 8; x < bare.width() / 2 + 8; ++x)
+    for (int y = 0; y < gps_sky_view::letter_margin; ++y) darkest = std::min(darkest, qGray(bare.pixel(x, y)));
+  EXPECT_LT(darkest, 100) << "the N stands above the rim";
+}
 
+TEST_F(satellite_views_test, a_shown_sky_plot_eases_round_to_a_new_heading) {
+  gps_sky_view view{hub.hub, compass};
+  view.show();
   compass.update(90.0);
   settle();
   EXPECT_EQ(view.rotation(), -90.0);
@@ -153,7 +170,7 @@ TEST_F(satellite_views_test, dop_panel_shows_fix_satellites_used_and_dops_with_c
 TEST_F(satellite_views_test, details_follow_the_window_orientation_with_a_new_compass) {
   hub.receive(gsv_body(2, {{"12", "45", "200", "40"}, {"03", "10", "020", "30"}}));
   QWidget window;
-  auto* details = new gps_details_view(hub.hub, sheets);
+  auto* details = new gps_details_view(hub.hub);
   (new QVBoxLayout(&window))->addWidget(details);
   window.resize(420, 1000);
   window.show();

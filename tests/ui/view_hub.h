@@ -1,7 +1,9 @@
 #pragma once
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QFont>
 #include <array>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -11,13 +13,16 @@
 #include "support/recording_console.h"
 #include "support/sentences.h"
 #include "support/test_queue.h"
+#include "ui/font_size.h"
+#include "ui/link_meter.h"
 
 // A hub for the screens' tests, fed with real sentences through its receive path.
 struct view_hub_t {
   test_queue_t queue;
   recording_console_t console;
   fake_links_t links;
-  connection_t hub{queue, console, links};
+  link_meter_t meter{links};
+  connection_t hub{queue, console, meter};
 
   // Receives a sentence given without its checksum.
   void receive(const std::string& body) { feed_line(hub.tcp_events(), with_checksum(body)); }
@@ -34,6 +39,11 @@ inline std::string gsv_body(unsigned in_view, std::vector<gsv_group_t> groups) {
   for (const auto& group : groups)
     for (const auto& value : group) body += "," + value;
   return body + ",1";
+}
+
+// A font's size in the screens' layout units (ui/font_size.h), against the platform's font.
+inline int layout_size(const QFont& font) {
+  return static_cast<int>(std::lround(font.pointSizeF() / QApplication::font().pointSizeF() * layout_body_size));
 }
 
 // Runs the redraws that the notices scheduled.

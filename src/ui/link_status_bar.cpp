@@ -1,0 +1,113 @@
+#include "ui/link_status_bar.h"
+
+#include <QLabel>
+
+#include "link/config_connection.h"
+#include "link/connect_action.h"
+#include "link/connection.h"
+#include "ui/link_meter.h"
+
+namespace {
+
+QLabel* field(const QString& name) {
+  auto* label = new QLabel;
+  label->setAccessibleName(name);
+  label->setTextFormat(Qt::PlainText);
+  return label;
+}
+
+void show_text(QLabel& label, const QString& text) {
+  if (label.text() != text) label.setText(text);
+}
+
+QString rate_of_bytes(double per_s) {
+  return per_s < 1000.0 ? QString::asprintf("%.0f B/s", per_s) : QString::asprintf("%.1f kB/s", per_s / 1000.0);
+}
+
+}  // namespace
+
+link_status_bar_t::link_status_bar_t(config_connection_t& cfg, connection_t& cnc, const link_meter_t& meter,
+                                     const time_source_t& clock, QWidget* parent)
+    : QStatusBar(parent),
+      cfg_(cfg),
+      cnc_(cnc),
+      meter_(meter),
+      clock_(clock),
+      state_(field(tr("Link"))),
+      hint_(field(tr("Hint"))),
+      rates_(field(tr("Data rate"))),
+      errors_(field(tr("Checksum errors"))),
+      age_(field(tr("Age of the last fix"))),
+      sampled_at_(clock.now_s()) {
+  addWidget(state_);
+  addWidget(hint_, 1);
+  for (QLabel* figure : {rates_, errors_, age_}) addPermanentWidget(figure);
+  QObject::connect(&timer_, &QTimer::timeout, this, [this] { tick(); });
+  timer_.start(tick_ms);
+  tick();
+}
+
+void link_status_bar_t::tick() {
+  const double now = clock_.now_s();
+  const double elapsed = now - sampled_at_;
+  const std::uint64_t bytes = meter_.bytes();
+  // The hub restarts its counters when a link comes up or the log is cleared.
+  const std::uint64_t good = cnc_.msg_good >= good_ ? cnc_.msg_good - good_ : cnc_.msg_good;
+  const std::uint64_t received = bytes - bytes_;
+  const bool enabled = cnc_.tcp_enabled() || cnc_.ble_enabled();
+  if (enabled && !enabled_) enabled_at_ = now;
+  if (received > 0) data_at_ = now;
+  if (good > 0) good_at_ = now;
+  const auto& gga = cnc_.gga;
+  const auto fix_time = std::tuple(gga.time.hh, gga.time.mm, gga.time.ss, gga.time.ms);
+  if (gga.fix_i > 0 && fix_time != fix_time_) fix_at_ = now;
+  fix_time_ = fix_time;
+  enabled_ = enabled;
+  bytes_ = bytes;
+  good_ = cnc_.msg_good;
+  sampled_at_ = now;
+
+  show_text(*state_, state_text());
+  show_text(*hint_, hint_text(enabled, now));
+  const double per_s = elapsed > 0.0 ? 1.0 / elapsed : 0.0;
+  show_text(*rates_, rate_of_bytes(static_cast<double>(received) * per_s) +
+                         QString::asprintf("  %.0f %s", static_cast<double>(good) * per_s,
+                                           cnc_.binary() ? "frames/s" : "sentences/s"));
+  const std::uint64_t bad = cnc_.msg_count > cnc_.msg_good ? cnc_.msg_count - cnc_.msg_good : 0;
+  show_text(*errors_, tr("checksum errors %1").arg(bad));
+  show_text(*age_, fix_at_ < 0.0 ? tr("no fix") : tr("last fix %1 s ago").arg(static_cast<long long>(now - fix_at_)));
+}
+
+// "TCP connected to 127.0.0.1:10110", "TCP 192.168.4.1:81: Connection refused, retrying",
+// "BLE scanning for Thingy:91 UART"; "offline" when no link is wanted.
+QString link_status_bar_t::state_text() const {
+  QStringList parts;
+  if (cnc_.tcp_enabled()) {
+    const QString address = QString::fromStdString(host_port(cfg_.host, cfg_.port));
+    if (cnc_.tcp_client().valid())
+      parts << tr("TCP connected to %1").arg(QString::fromStdString(cnc_.status_tcp));
+    else if (cnc_.sta_fg_tcp == colour_t::red)
+      parts << tr("TCP %1: %2, retrying").arg(address, QString::fromStdString(cnc_.status_tcp));
+    else
+      parts << tr("TCP connecting to %1").arg(address);
+  }
+  if (cnc_.ble_enabled()) {
+    if (cnc_.status_ble.get() == "BLE scanning...")
+      parts << tr("BLE scanning for %1").arg(QString::fromStdString(cfg_.ble_name));
+    else
+      parts << tr("BLE connected to %1").arg(QString::fromStdString(cnc_.status_ble));
+  }
+  return parts.isEmpty() ? tr("offline") : parts.join(", ");
+}
+
+// What to check when nothing shows: no bytes at all, bytes but no valid sentence, or sentences
+// but no fix. A link gets quiet_s to show something before it is blamed.
+QString link_status_bar_t::hint_text(bool enabled, double now) const {
+  if (!enabled) return {};
+  const bool waited = now - enabled_at_ >= quiet_s;
+  if (now - data_at_ >= quiet_s) return waited ? tr("no data: check the address or baud rate") : QString();
+  if (now - good_at_ >= quiet_s)
+    return waited ? tr("data but no valid sentences: wrong baud rate or protocol?") : QString();
+  if (cnc_.gga.fix_i == 0) return tr("no fix yet: %1 satellites in view").arg(cnc_.gsv.satellites_in_view.get());
+  return {};
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QStatusBar>
+#include <QTimer>
+#include <cstdint>
+#include <limits>
+#include <tuple>
+
+class QLabel;
+class config_connection_t;
+class connection_t;
+class link_meter_t;
+class time_source_t;
+
+// The window's status bar: the state and address of the links in use; bytes and sentences (or UBX
+// frames) per second; checksum errors; the age of the last fix; and, when nothing shows, a hint
+// at what to check. It samples once a second, so a 10 Hz stream costs it nothing more.
+class link_status_bar_t final : public QStatusBar {
+public:
+  static constexpr int tick_ms = 1000;
+  static constexpr double quiet_s = 3.0;  // a link quiet this long gets a hint
+
+  link_status_bar_t(config_connection_t& cfg, connection_t& cnc, const link_meter_t& meter, const time_source_t& clock,
+                    QWidget* parent = nullptr);
+
+  // Takes a sample and shows it; the bar's own timer calls it every tick_ms.
+  void tick();
+
+  const QLabel& state() const { return *state_; }
+  const QLabel& rates() const { return *rates_; }
+  const QLabel& errors() const { return *errors_; }
+  const QLabel& fix_age() const { return *age_; }
+  const QLabel& hint() const { return *hint_; }
+
+private:
+  QString state_text() const;
+  QString hint_text(bool enabled, double now) const;
+
+  config_connection_t& cfg_;
+  connection_t& cnc_;
+  const link_meter_t& meter_;
+  const time_source_t& clock_;
+  QTimer timer_;
+  QLabel* state_;
+  QLabel* hint_;
+  QLabel* rates_;
+  QLabel* errors_;
+  QLabel* age_;
+
+  // The last sample, and when things were last seen.
+  double sampled_at_;
+  std::uint64_t bytes_ = 0;
+  std::uint64_t good_ = 0;
+  std::tuple<std::int64_t, std::int64_t, std::int64_t, std::int64_t> fix_time_{};
+  bool enabled_ = false;
+  double enabled_at_ = 0.0;
+  double data_at_ = -std::numeric_limits<double>::infinity();
+  double good_at_ = -std::numeric_limits<double>::infinity();
+  double fix_at_ = -1.0;  // negative: no fix yet
+};
