@@ -32,10 +32,10 @@
 #include "ui/content_view.h"
 #include "ui/gnss_sky_panel.h"
 #include "ui/gnss_sky_plot_view.h"
-#include "ui/signal_bars_view.h"
-#include "ui/sky_history_view.h"
 #include "ui/link_meter.h"
 #include "ui/main_window.h"
+#include "ui/signal_bars_view.h"
+#include "ui/sky_history_view.h"
 
 namespace {
 
