@@ -169,10 +169,6 @@ void history_charts_t::paint_frame(QPainter& painter, const chart_t& chart, QRec
     painter.drawText(QRectF(0, y - 7, margin_left - 4, 14), Qt::AlignRight | Qt::AlignVCenter,
                      QString::number(v, 'g', 3));
   }
-  painter.setPen(colour_of(colour_t::primary, palette()));
-  painter.drawText(QRectF(plot.left(), plot.top() - title_height, plot.width(), title_height),
-                   Qt::AlignLeft | Qt::AlignVCenter, chart.title);
-
   // The legend from the right: each named series with its line or its system's marker.
   const QFontMetricsF metrics(painter.font());
   double x = plot.right();
@@ -194,6 +190,11 @@ void history_charts_t::paint_frame(QPainter& painter, const chart_t& chart, QRec
     }
     x -= 10;
   }
+  // The title in what the legend leaves, shortened with an ellipsis in a narrow dock.
+  const double title_width = std::max(0.0, x - plot.left());
+  painter.setPen(colour_of(colour_t::primary, palette()));
+  painter.drawText(QRectF(plot.left(), plot.top() - title_height, title_width, title_height),
+                   Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(chart.title, Qt::ElideRight, title_width));
 }
 
 // The lines, at most a point a pixel column, broken where a value is missing; without
