@@ -29,85 +29,54 @@ serial_port_t::serial_port_t(link_status_events_t& events, main_queue_t& queue, 
     : events_(events), queue_(queue), console_(console), options_(std::move(options)) {}
 
 serial_port_t::~serial_port_t() {
-  *alive_ = false;
   stop();
   threads_.join_all();
 }
 
 std::int32_t serial_port_t::open(const std::string& path, std::uint32_t baud) {
-  if (valid_) return -1;
+  if (attempt_.valid()) return -1;
   enabled_ = true;
-  const auto generation = ++generation_;
+  const auto generation = attempt_.begin();
   threads_.join_finished();
   threads_.start("serial_rx", [this, path, baud, generation] { attempt(path, baud, generation); });
   return 0;
 }
 
 void serial_port_t::stop() {
-  std::lock_guard lock(state_mutex_);
   enabled_ = false;
-  valid_ = false;
   // The attempt's thread sees the new generation and closes the port within poll_ms.
-  ++generation_;
+  attempt_.end();
 }
 
 void serial_port_t::write(std::span<const std::uint8_t> bytes) {
-  // Under the lock the port cannot be closed (and its number reused) between the check and the write.
-  std::lock_guard lock(state_mutex_);
-  const int fd = fd_;
-  if (!valid_ || fd == -1) return;
-  [[maybe_unused]] const auto written = ::write(fd, bytes.data(), bytes.size());
-}
-
-bool serial_port_t::claim(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  if (!current(generation)) return false;
-  fd_ = fd;
-  valid_ = true;
-  return true;
-}
-
-// The port is about to be closed by its thread. True when it belonged to the current attempt.
-bool serial_port_t::release(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  int expected = fd;
-  fd_.compare_exchange_strong(expected, -1);
-  if (!current(generation)) return false;
-  valid_ = false;
-  return true;
-}
-
-// Runs the task on the main thread unless the attempt has been superseded by then.
-void serial_port_t::report(std::uint64_t generation, std::function<void()> task) {
-  queue_.post([this, alive = std::weak_ptr(alive_), generation, task = std::move(task)] {
-    if (const auto a = alive.lock(); a && *a && current(generation)) task();
-  });
+  attempt_.with_descriptor(
+      [&](int fd) { [[maybe_unused]] const auto written = ::write(fd, bytes.data(), bytes.size()); });
 }
 
 // False once the main queue is closing: the loop ends.
 bool serial_port_t::hand_over(std::uint64_t generation, std::span<const std::uint8_t> chunk) {
   if (chunk.empty()) return true;
   return queue_.post_and_wait([this, generation, chunk] {
-    if (current(generation)) events_.link_bytes(chunk);
+    if (attempt_.current(generation)) events_.link_bytes(chunk);
   });
 }
 
 void serial_port_t::attempt(const std::string& path, std::uint32_t baud, std::uint64_t generation) {
   std::lock_guard port(port_mutex_);
-  if (!current(generation)) return;
+  if (!attempt_.current(generation)) return;
   const auto opened = open_tty(path, options_.lock_dir);
   int error = opened.error;
   std::vector<std::uint8_t> first;
   if (error == 0 && baud != 0 && !set_tty_speed(opened.fd, baud)) error = errno;
   if (error == 0 && baud == 0) baud = detect(opened.fd, generation, first, error);
-  if (error == 0 && baud != 0 && claim(generation, opened.fd)) {
+  if (error == 0 && baud != 0 && attempt_.claim(generation, opened.fd)) {
     // Reported before the first chunk, so the hub hears of the link before its bytes.
-    report(generation, [this, path, baud] { events_.link_up(serial_peer(path, baud)); });
+    attempt_.report(generation, [this, path, baud] { events_.link_up(serial_peer(path, baud)); });
     receive_loop(path, generation, opened.fd, std::move(first));
     return;
   }
   if (opened.fd != -1) close_tty(opened.fd);
-  if (error != 0) report(generation, [this, path, error] { events_.link_down(path, error); });
+  if (error != 0) attempt_.report(generation, [this, path, error] { events_.link_down(path, error); });
 }
 
 // Listens at each rate in turn until a valid sentence or frame arrives: that rate, with the bytes
@@ -118,13 +87,14 @@ std::uint32_t serial_port_t::detect(int fd, std::uint64_t generation, std::vecto
   std::array<std::uint8_t, read_size> buffer{};
   checksum_probe_t probe;
   for (const auto rate : detect_rates) {
-    if (!current(generation)) return 0;
+    if (!attempt_.current(generation)) return 0;
     // A rate the port cannot take is skipped.
     if (!set_tty_speed(fd, rate)) continue;
-    report(generation, [this, rate] { events_.link_status("detecting baud rate (" + std::to_string(rate) + ")..."); });
+    attempt_.report(generation,
+                    [this, rate] { events_.link_status("detecting baud rate (" + std::to_string(rate) + ")..."); });
     probe.reset();
     const auto deadline = clock::now() + std::chrono::duration<double>(options_.detect_window_s);
-    for (auto now = clock::now(); now < deadline && current(generation); now = clock::now()) {
+    for (auto now = clock::now(); now < deadline && attempt_.current(generation); now = clock::now()) {
       const auto left_ms = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now).count() + 1;
       const auto n = read_port(fd, buffer, static_cast<int>(std::min<long long>(left_ms, poll_ms)));
       if (n < 0) {
@@ -138,7 +108,7 @@ std::uint32_t serial_port_t::detect(int fd, std::uint64_t generation, std::vecto
       }
     }
   }
-  if (current(generation)) error = ETIMEDOUT;
+  if (attempt_.current(generation)) error = ETIMEDOUT;
   return 0;
 }
 
@@ -147,17 +117,17 @@ void serial_port_t::receive_loop(const std::string& path, std::uint64_t generati
   std::array<std::uint8_t, read_size> buffer{};
   bool closing = !hand_over(generation, first);
   bool gone = false;
-  while (!closing && !gone && current(generation)) {
+  while (!closing && !gone && attempt_.current(generation)) {
     const auto n = read_port(fd, buffer, poll_ms);
     gone = n < 0;
     if (n > 0) closing = !hand_over(generation, std::span(buffer.data(), static_cast<std::size_t>(n)));
   }
   // A removed device is a loss of the current attempt; a stop, or a program that is closing, is not.
-  const bool lost = release(generation, fd) && !closing;
+  const bool lost = attempt_.release(generation, fd) && !closing;
   close_tty(fd);
   if (!lost) {
     console_.print("serial_port closed " + path + "\n");
     return;
   }
-  report(generation, [this, path] { events_.link_down(path, ENODEV); });
+  attempt_.report(generation, [this, path] { events_.link_down(path, ENODEV); });
 }

@@ -11,6 +11,7 @@
 
 #include "core/console.h"
 #include "core/main_queue.h"
+#include "link/link_attempt.h"
 #include "link/link_status.h"
 #include "link/link_threads.h"
 #include "link/serial_link.h"
@@ -43,7 +44,7 @@ public:
 
   std::int32_t open(const std::string& path, std::uint32_t baud) override;
   bool enabled() const override { return enabled_; }
-  bool valid() const override { return valid_; }
+  bool valid() const override { return attempt_.valid(); }
   void stop() override;
   void write(std::span<const std::uint8_t> bytes) override;
 
@@ -52,21 +53,13 @@ private:
   std::uint32_t detect(int fd, std::uint64_t generation, std::vector<std::uint8_t>& first, int& error);
   void receive_loop(const std::string& path, std::uint64_t generation, int fd, std::vector<std::uint8_t> first);
   bool hand_over(std::uint64_t generation, std::span<const std::uint8_t> chunk);
-  void report(std::uint64_t generation, std::function<void()> task);
-  bool current(std::uint64_t generation) const { return generation_ == generation; }
-  bool claim(std::uint64_t generation, int fd);
-  bool release(std::uint64_t generation, int fd);
 
   link_status_events_t& events_;
   main_queue_t& queue_;
   console_t& console_;
   options_t options_;
   std::atomic<bool> enabled_{false};
-  std::atomic<bool> valid_{false};
-  std::atomic<int> fd_{-1};
-  std::atomic<std::uint64_t> generation_{0};
-  std::mutex state_mutex_;
   std::mutex port_mutex_;  // held by the attempt that has the port open
-  std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);
+  link_attempt_t attempt_{queue_};
   link_threads_t threads_;
 };

@@ -46,70 +46,42 @@ udp_listener_t::udp_listener_t(link_status_events_t& events, main_queue_t& queue
     : events_(events), queue_(queue), console_(console) {}
 
 udp_listener_t::~udp_listener_t() {
-  *alive_ = false;
   stop();
   threads_.join_all();
 }
 
 std::int32_t udp_listener_t::listen(std::uint16_t port) {
-  if (valid_) return -1;
+  if (attempt_.valid()) return -1;
   enabled_ = true;
-  const auto generation = ++generation_;
+  const auto generation = attempt_.begin();
   threads_.join_finished();
   threads_.start("task_rx", [this, port, generation] { receive_loop(port, generation); });
   return 0;
 }
 
 void udp_listener_t::stop() {
-  std::lock_guard lock(state_mutex_);
   enabled_ = false;
-  valid_ = false;
-  ++generation_;
   // Shutting the socket down wakes the blocked read; the loop's thread closes it.
-  const int fd = fd_.exchange(-1);
+  const int fd = attempt_.end();
   if (fd != -1) ::shutdown(fd, SHUT_RDWR);
-}
-
-bool udp_listener_t::claim(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  if (!current(generation)) return false;
-  fd_ = fd;
-  valid_ = true;
-  return true;
-}
-
-bool udp_listener_t::release(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  int expected = fd;
-  fd_.compare_exchange_strong(expected, -1);
-  if (!current(generation)) return false;
-  valid_ = false;
-  return true;
-}
-
-// Runs the task on the main thread unless the listener has been stopped or restarted by then.
-void udp_listener_t::report(std::uint64_t generation, std::function<void()> task) {
-  queue_.post([this, alive = std::weak_ptr(alive_), generation, task = std::move(task)] {
-    if (const auto a = alive.lock(); a && *a && current(generation)) task();
-  });
 }
 
 void udp_listener_t::receive_loop(std::uint16_t port, std::uint64_t generation) {
   const auto name = udp_port_text(port);
   const int fd = bind_dual_stack(port);
-  if (fd < 0 || !claim(generation, fd)) {
+  if (fd < 0 || !attempt_.claim(generation, fd)) {
     const int error = errno;
     if (fd >= 0) ::close(fd);
-    if (fd < 0) report(generation, [this, name, error] { events_.link_down(name, error); });
+    if (fd < 0) attempt_.report(generation, [this, name, error] { events_.link_down(name, error); });
     return;
   }
-  report(generation, [this, name] { events_.link_status("listening on " + name); });
+  attempt_.report(generation, [this, name] { events_.link_status("listening on " + name); });
 
   std::vector<std::uint8_t> buffer(datagram_size);
   std::string last_sender;
   bool closing = false;
   int error = 0;
-  while (!closing && current(generation)) {
+  while (!closing && attempt_.current(generation)) {
     sockaddr_in6 from{};
     socklen_t from_size = sizeof from;
     const auto n = ::recvfrom(fd, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&from), &from_size);
@@ -122,7 +94,7 @@ void udp_listener_t::receive_loop(std::uint16_t port, std::uint64_t generation) 
     if (n == 0) continue;
     if (const auto sender = sender_text(from); sender != last_sender) {
       const bool first = last_sender.empty();
-      report(generation, [this, sender, first] {
+      attempt_.report(generation, [this, sender, first] {
         if (first) {
           events_.link_up(sender);
         } else {
@@ -133,14 +105,14 @@ void udp_listener_t::receive_loop(std::uint16_t port, std::uint64_t generation) 
     }
     const std::span<const std::uint8_t> chunk(buffer.data(), static_cast<std::size_t>(n));
     closing = !queue_.post_and_wait([this, generation, chunk] {
-      if (current(generation)) events_.link_bytes(chunk);
+      if (attempt_.current(generation)) events_.link_bytes(chunk);
     });
   }
-  const bool lost = release(generation, fd) && !closing && error != 0;
+  const bool lost = attempt_.release(generation, fd) && !closing && error != 0;
   ::close(fd);
   if (!lost) {
     console_.print("udp_listener closed " + name + "\n");
     return;
   }
-  report(generation, [this, name, error] { events_.link_down(name, error); });
+  attempt_.report(generation, [this, name, error] { events_.link_down(name, error); });
 }

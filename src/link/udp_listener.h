@@ -10,6 +10,7 @@
 
 #include "core/console.h"
 #include "core/main_queue.h"
+#include "link/link_attempt.h"
 #include "link/link_status.h"
 #include "link/link_threads.h"
 #include "link/udp_link.h"
@@ -28,25 +29,17 @@ public:
 
   std::int32_t listen(std::uint16_t port) override;
   bool enabled() const override { return enabled_; }
-  bool valid() const override { return valid_; }
+  bool valid() const override { return attempt_.valid(); }
   void stop() override;
   void write(std::span<const std::uint8_t>) override {}
 
 private:
   void receive_loop(std::uint16_t port, std::uint64_t generation);
-  void report(std::uint64_t generation, std::function<void()> task);
-  bool current(std::uint64_t generation) const { return generation_ == generation; }
-  bool claim(std::uint64_t generation, int fd);
-  bool release(std::uint64_t generation, int fd);
 
   link_status_events_t& events_;
   main_queue_t& queue_;
   console_t& console_;
   std::atomic<bool> enabled_{false};
-  std::atomic<bool> valid_{false};
-  std::atomic<int> fd_{-1};
-  std::atomic<std::uint64_t> generation_{0};
-  std::mutex state_mutex_;
-  std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);
+  link_attempt_t attempt_{queue_};
   link_threads_t threads_;
 };
