@@ -190,10 +190,25 @@ void connection_t::bridge(const side_t& from, std::span<const std::uint8_t> byte
   if (source_) source_->write(bytes);
 }
 
-// Every chunk is first forwarded to the other links for the bridge, then cut into lines or decoded
-// as binary. Whether a binary chunk decoded a record decides whether the link stays binary.
+bool connection_t::send_to_receiver(std::span<const std::uint8_t> bytes) {
+  link_t* receiver = nullptr;
+  if (source_enabled()) {
+    receiver = source_.get();
+  } else if (ble_enabled()) {
+    receiver = ble_.get();
+  } else if (tcp_enabled()) {
+    receiver = tcp_client_.get();
+  }
+  if (receiver == nullptr) return false;
+  receiver->write(bytes);
+  return true;
+}
+
+// Every chunk is first forwarded to the other links for the bridge and shown to the taps, then cut
+// into lines or decoded as binary. Whether a binary chunk decoded a record decides whether the link stays binary.
 void connection_t::link_bytes(side_t& side, std::span<const std::uint8_t> bytes) {
   bridge(side, bytes);
+  for (auto* tap : taps_) tap->received(bytes);
   const auto cut = side.splitter.feed(bytes);
   if (cut.binary) {
     const auto records = record_tally_.records;

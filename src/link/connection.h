@@ -15,6 +15,7 @@
 #include "gnss/gnss_sky.h"
 #include "link/chunk_splitter.h"
 #include "link/link_factory.h"
+#include "link/receive_tap.h"
 #include "nmea/gps_gngga.h"
 #include "nmea/gps_gngll.h"
 #include "nmea/gps_gngsa.h"
@@ -50,6 +51,15 @@ public:
   // The log keeps log_limit_shown entries while the screens show it, else log_limit_hidden.
   void set_log_shown(bool shown) { log_shown_ = shown; }
   std::string crc_error_text() const;
+
+  // Taps see every chunk before it is decoded, in the order they were added. A tap is removed
+  // before it goes.
+  void add_tap(receive_tap_t& tap) { taps_.push_back(&tap); }
+  void remove_tap(receive_tap_t& tap) { std::erase(taps_, &tap); }
+  // Bytes for the receiver (commands, corrections): to the source link or Bluetooth when the user
+  // wants one of them, else to TCP; a TCP link beside one of them is the bridge's peer, not the
+  // receiver. False when no link is wanted; dropped by the link while it is not up.
+  bool send_to_receiver(std::span<const std::uint8_t> bytes);
 
   // Where each transport reports. A replay feeds the TCP link's receive path without connecting.
   link_events_t& tcp_events() { return tcp_side_; }
@@ -155,6 +165,7 @@ private:
   std::uint64_t source_request_ = 0;  // the same for the source link
   bool binary_ = false;
   bool log_shown_ = false;  // the screens show the log: it keeps log_limit_shown entries
+  std::vector<receive_tap_t*> taps_;
   std::vector<subscription_t> any_cancellable_;
   std::vector<std::string_view> fields_;                        // reused for every sentence
   std::string entry_;                                           // reused for every record's log text

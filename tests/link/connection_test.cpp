@@ -6,6 +6,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "link/serial_link.h"
@@ -315,6 +316,33 @@ TEST_F(hub_test, bridge_forwards_raw_bytes_only_to_a_link_that_is_up) {
   hub.tcp_events().link_bytes(binary);
   EXPECT_EQ(links.ble->written, (std::vector<bytes_t>{text, binary}));
   EXPECT_EQ(links.tcp->sent, (std::vector<bytes_t>{text})) << "a link's own bytes never go back to it";
+}
+
+TEST_F(hub_test, taps_see_every_chunk_and_commands_go_to_the_receiver_not_the_bridge_peer) {
+  struct tap_t final : receive_tap_t {
+    void received(std::span<const std::uint8_t> bytes) override { seen.emplace_back(bytes.begin(), bytes.end()); }
+    std::vector<bytes_t> seen;
+  } tap;
+  const bytes_t text = {'$', 'A', '\n'}, binary = {0xB5, 0x62}, command = {'$', 'C'};
+  hub.add_tap(tap);
+  hub.tcp_events().link_bytes(text);
+  hub.ble_events().link_bytes(binary);
+  hub.remove_tap(tap);
+  hub.tcp_events().link_bytes(text);
+  EXPECT_EQ(tap.seen, (std::vector<bytes_t>{text, binary}));
+
+  EXPECT_FALSE(hub.send_to_receiver(command)) << "no link wanted";
+  hub.connect_tcp("127.0.0.1", 10110);
+  links.tcp->is_valid = true;
+  EXPECT_TRUE(hub.send_to_receiver(command));
+  hub.connect_ble("receiver");
+  links.ble->ready = true;
+  EXPECT_TRUE(hub.send_to_receiver(command));
+  hub.connect_source(parse_source_url("serial:///dev/ttyACM0").address.value());
+  links.source->is_valid = true;
+  EXPECT_TRUE(hub.send_to_receiver(command));
+  EXPECT_EQ(std::tuple(links.tcp->sent.size(), links.ble->written.size(), links.source->sent.size()),
+            std::tuple(1U, 1U, 1U));
 }
 
 TEST_F(hub_test, re_emits_its_decoders_notices) {
