@@ -39,7 +39,40 @@ bool sim_server_t::listen() {
   return true;
 }
 
-void sim_server_t::run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop) {
+// A client that fails a send is closed and forgotten.
+void sim_server_t::send_all(std::string_view piece) {
+  std::erase_if(clients_, [&](const client_t& c) {
+    if (::send(c.fd, piece.data(), piece.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(piece.size())) return false;
+    ::close(c.fd);
+    return true;
+  });
+}
+
+// polled holds the listener first, then the clients in the order of clients_ when poll was called.
+void sim_server_t::read_clients(const std::vector<pollfd>& polled, const std::vector<sim_input_t*>& inputs) {
+  std::string answer;
+  std::vector<int> gone;
+  char buffer[4096];
+  for (std::size_t i = 1; i < polled.size(); ++i) {
+    if ((polled[i].revents & (POLLIN | POLLHUP | POLLERR)) == 0) continue;
+    const auto n = ::recv(polled[i].fd, buffer, sizeof buffer, MSG_DONTWAIT);
+    if (n <= 0) {
+      gone.push_back(polled[i].fd);
+      continue;
+    }
+    for (auto* input : inputs) answer += input->received(std::string_view(buffer, static_cast<std::size_t>(n)));
+  }
+  std::erase_if(clients_, [&](const client_t& c) {
+    if (std::find(gone.begin(), gone.end(), c.fd) == gone.end()) return false;
+    ::close(c.fd);
+    return true;
+  });
+  if (!answer.empty()) send_all(answer);
+}
+
+void sim_server_t::run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop,
+                       const std::vector<sim_input_t*>& inputs) {
+  std::vector<pollfd> polled;
   const auto start = std::chrono::steady_clock::now();
   double next_send = 0.0;
   while (!stop) {
@@ -55,18 +88,16 @@ void sim_server_t::run(const std::function<std::string()>& next_piece, const std
       });
     }
     if (now >= next_send) {
-      const auto piece = next_piece();
-      std::erase_if(clients_, [&](const client_t& c) {
-        if (::send(c.fd, piece.data(), piece.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(piece.size())) return false;
-        ::close(c.fd);
-        return true;
-      });
+      send_all(next_piece());
       next_send += config_.period_s;
     }
 
-    pollfd p{listener_, POLLIN, 0};
+    polled.assign(1, pollfd{listener_, POLLIN, 0});
+    for (const auto& c : clients_) polled.push_back(pollfd{c.fd, POLLIN, 0});
     const double wait_s = std::max(0.0, std::min(next_send - seconds_since(start), 0.05));
-    if (::poll(&p, 1, static_cast<int>(wait_s * 1000)) == 1) {
+    if (::poll(polled.data(), polled.size(), static_cast<int>(wait_s * 1000)) <= 0) continue;
+    read_clients(polled, inputs);
+    if ((polled[0].revents & POLLIN) != 0) {
       const int fd = ::accept(listener_, nullptr, nullptr);
       if (fd >= 0) {
         clients_.push_back({fd, seconds_since(start)});

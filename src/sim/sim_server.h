@@ -1,10 +1,15 @@
 #pragma once
 
+#include <poll.h>
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "sim/sim_input.h"
 
 // Serves a byte stream to any number of TCP clients on 127.0.0.1, one piece every period, until
 // the duration has passed or `stop` is set. Clients connected longer than drop_after_s are
@@ -24,13 +29,18 @@ public:
   // Binds and listens; false with errno set when the port cannot be had.
   bool listen();
   std::uint16_t port() const { return port_; }
-  // Sends next_piece() to every client each period. Returns when done or stopped.
-  void run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop);
+  // Sends next_piece() to every client each period. Returns when done or stopped. Bytes from a
+  // client go to each input in turn; their answers go to every client at once.
+  void run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop,
+           const std::vector<sim_input_t*>& inputs = {});
 
   std::uint64_t connections() const { return connections_; }
   std::uint64_t drops() const { return drops_; }
 
 private:
+  void send_all(std::string_view piece);
+  void read_clients(const std::vector<pollfd>& polled, const std::vector<sim_input_t*>& inputs);
+
   struct client_t {
     int fd;
     double since_s;
