@@ -85,6 +85,15 @@ if command -v gpsfake > /dev/null && [ -x /usr/sbin/gpsd ]; then
   sleep 1
   fix_over "gpsd://127.0.0.1:$port"
   kill -- "-$gpsfake" 2> /dev/null; wait "$gpsfake" 2> /dev/null
+  # The fix relayed by gpsd is the one a replay of the capture up to that epoch's GGA decodes.
+  fix_fields='g = json.loads([l for l in open(sys.argv[1]) if l.startswith("{")][-1])["gga"]
+print({k: g[k] for k in ("time", "lat", "lon", "lat_dir", "lon_dir", "fix_i", "sat_count_i", "hdop_d", "alt_d")})'
+  live=$(/usr/bin/python3 -c "import json, sys; $fix_fields" "$out/fix.txt")
+  epoch=$(grep -o '\$GPGGA,[0-9]*' "$out/fix.txt" | tail -1 | cut -d, -f2)
+  sed "/^\\\$GPGGA,$epoch/q" "$(dirname "$0")/../../samples/demo.nmea" > "$out/upto.nmea"
+  "$bin/korvid-cli" --replay "$out/upto.nmea" --json > "$out/replayed.txt"
+  replayed=$(/usr/bin/python3 -c "import json, sys; $fix_fields" "$out/replayed.txt")
+  [ -n "$epoch" ] && [ "$live" = "$replayed" ] || fail "gpsd's fix $live is not the replay's $replayed"
 else
   echo "programs: gpsd and gpsfake are not installed; the gpsd link is not tried"
 fi
