@@ -35,6 +35,17 @@ public:
   // The current attempt holds its descriptor: the link is up.
   bool valid() const { return valid_; }
 
+  // The descriptor the current attempt holds, or -1.
+  int descriptor() const { return fd_; }
+
+  // The attempt's thread is still setting fd up (a connect in progress): end() can shut it down,
+  // yet the link is not up. False when the attempt is no longer current.
+  bool lend(std::uint64_t generation, int fd) {
+    std::lock_guard lock(mutex_);
+    if (!current(generation)) return false;
+    fd_ = fd;
+    return true;
+  }
   // The attempt's thread has opened fd. False when the attempt is no longer current.
   bool claim(std::uint64_t generation, int fd) {
     std::lock_guard lock(mutex_);

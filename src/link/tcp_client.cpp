@@ -4,7 +4,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -47,103 +46,37 @@ tcp_client_t::tcp_client_t(link_events_t& events, main_queue_t& queue, console_t
     : events_(events), queue_(queue), console_(console), timing_(timing) {}
 
 tcp_client_t::~tcp_client_t() {
-  *alive_ = false;
   stop();
-  // Joined outside the lock: a connect thread may still be registering its receive loop, which
-  // then sees the new generation and ends at once.
-  for (;;) {
-    std::vector<worker_t> batch;
-    {
-      std::lock_guard lock(workers_mutex_);
-      batch.swap(workers_);
-    }
-    if (batch.empty()) break;
-    for (auto& w : batch) w.thread.join();
-  }
+  threads_.join_all();
 }
 
 std::int32_t tcp_client_t::connect(const std::string& host, std::uint16_t port) {
-  if (valid_) return -1;
+  if (valid()) return -1;
   enabled_ = true;
-  const auto generation = ++generation_;
-  join_finished_threads();
-  start_thread("connect", [this, host, port, generation] { connect_task(host, port, generation); });
+  const auto generation = attempt_.begin();
+  threads_.join_finished();
+  threads_.start("connect", [this, host, port, generation] { connect_task(host, port, generation); });
   return 0;
 }
 
+// The thread that opened the socket closes it; shutting it down here wakes a blocked receive or a
+// pending connect.
 void tcp_client_t::stop() {
-  std::lock_guard lock(state_mutex_);
   enabled_ = false;
-  valid_ = false;
-  ++generation_;
-  // The thread that opened the socket closes it, after this lock; shutting it down here wakes a
-  // blocked receive or a pending connect.
-  const int fd = so_.exchange(-1);
+  const int fd = attempt_.end();
   if (fd != -1) ::shutdown(fd, SHUT_RDWR);
 }
 
 void tcp_client_t::write(std::span<const std::uint8_t> bytes) {
-  // Under the lock the descriptor cannot be closed (and its number reused) between the check and
-  // the send.
-  std::lock_guard lock(state_mutex_);
-  const int fd = so_;
-  if (!valid_ || fd == -1) return;
   // MSG_NOSIGNAL: a peer that has gone away must not end the program with SIGPIPE.
-  [[maybe_unused]] const auto sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-}
-
-// The connection of this generation is made: valid, unless a disconnect came first.
-bool tcp_client_t::claim_connection(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  if (!current(generation)) return false;
-  so_ = fd;
-  valid_ = true;
-  return true;
-}
-
-// The descriptor is about to be closed by its thread. True when it belonged to the current
-// generation, that is when no disconnect asked for the end.
-bool tcp_client_t::release_connection(std::uint64_t generation, int fd) {
-  std::lock_guard lock(state_mutex_);
-  int expected = fd;
-  so_.compare_exchange_strong(expected, -1);
-  if (!current(generation)) return false;
-  valid_ = false;
-  return true;
-}
-
-void tcp_client_t::start_thread(const char* name, std::function<void()> body) {
-  auto done = std::make_shared<std::atomic<bool>>(false);
-  std::thread thread([name, body = std::move(body), done] {
-    ::pthread_setname_np(::pthread_self(), name);
-    body();
-    *done = true;
-  });
-  std::lock_guard lock(workers_mutex_);
-  workers_.push_back({std::move(thread), std::move(done)});
-}
-
-void tcp_client_t::join_finished_threads() {
-  std::lock_guard lock(workers_mutex_);
-  std::erase_if(workers_, [](worker_t& w) {
-    if (!*w.done) return false;
-    w.thread.join();
-    return true;
-  });
-}
-
-// On the main thread, where stop() and connect() move the generation on, a report of an attempt that
-// is no longer current is dropped: nothing of a request reaches the hub once the user has ended it.
-void tcp_client_t::report(std::uint64_t generation, std::function<void()> call) {
-  queue_.post([this, alive = std::weak_ptr(alive_), generation, call = std::move(call)] {
-    if (const auto a = alive.lock(); a && *a && current(generation)) call();
-  });
+  attempt_.with_descriptor(
+      [&](int fd) { [[maybe_unused]] const auto sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL); });
 }
 
 // Looks the host up, then tries its addresses in turn until one connects; the last failure is
 // reported. Nothing is reported once a disconnect or a newer connect has ended the attempt.
 void tcp_client_t::connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation) {
-  const auto stay = [this, generation] { return current(generation); };
+  const auto stay = [this, generation] { return attempt_.current(generation); };
   const auto found = look_up(lookup_name(host), port, connect_poll_ms, stay);
   if (!found) return;
   int error = found->error;
@@ -151,7 +84,7 @@ void tcp_client_t::connect_task(const std::string& host, std::uint16_t port, std
     error = try_address(host, port, generation, address);
     if (error <= 0) return;
   }
-  report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
+  attempt_.report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
 }
 
 // 0 when connected (the receive loop runs), -1 when the attempt was ended meanwhile, else the error.
@@ -159,11 +92,8 @@ int tcp_client_t::try_address(const std::string& host, std::uint16_t port, std::
                               const socket_address_t& address) {
   const int fd = ::socket(address.family, SOCK_STREAM, IPPROTO_TCP);
   if (fd < 0) return errno;
-  // Published while connecting, so a disconnect can shut the attempt down.
-  {
-    std::lock_guard lock(state_mutex_);
-    if (current(generation)) so_ = fd;
-  }
+  // Lent while connecting, so a disconnect can shut the attempt down.
+  attempt_.lend(generation, fd);
   set_int_option(fd, IPPROTO_TCP, TCP_NODELAY, 1);
   // A peer that vanished without a word (a receiver losing power) is found within about 25 s.
   set_int_option(fd, SOL_SOCKET, SO_KEEPALIVE, 1);
@@ -176,19 +106,19 @@ int tcp_client_t::try_address(const std::string& host, std::uint16_t port, std::
   ::fcntl(fd, F_SETFL, flags | O_NONBLOCK);
   int error = 0;
   if (::connect(fd, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0) {
-    error = errno == EINPROGRESS
-                ? finish_connect(fd, connect_poll_ms, timing_.connect_timeout_s, [&] { return current(generation); })
-                : errno;
+    error = errno == EINPROGRESS ? finish_connect(fd, connect_poll_ms, timing_.connect_timeout_s,
+                                                  [&] { return attempt_.current(generation); })
+                                 : errno;
   }
   ::fcntl(fd, F_SETFL, flags);
 
-  if (error == 0 && claim_connection(generation, fd)) {
+  if (error == 0 && attempt_.claim(generation, fd)) {
     // Reported before the receive loop starts, so the hub hears of the link before its first chunk.
-    report(generation, [this, host, port] { events_.link_up(host_port(host, port)); });
-    start_thread("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
+    attempt_.report(generation, [this, host, port] { events_.link_up(host_port(host, port)); });
+    threads_.start("task_rx", [this, host, port, generation, fd] { receive_loop(host, port, generation, fd); });
     return 0;
   }
-  const bool wanted = release_connection(generation, fd);
+  const bool wanted = attempt_.release(generation, fd);
   ::close(fd);
   return wanted && error > 0 ? error : -1;
 }
@@ -198,7 +128,7 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
   bool closing = false;
   int error = 0;
   const int silence_ms = static_cast<int>(timing_.silence_limit_s * 1000);
-  while (valid_ && current(generation)) {
+  while (attempt_.valid() && attempt_.current(generation)) {
     // A peer that stays connected but sends nothing is as good as lost.
     pollfd p{fd, POLLIN, 0};
     const int ready = ::poll(&p, 1, silence_ms);
@@ -216,7 +146,7 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
     const std::span<const std::uint8_t> chunk(buffer.data(), static_cast<std::size_t>(n));
     // Once the main queue is closing the hand-over gives up, and the loop ends.
     if (!queue_.post_and_wait([this, chunk, generation] {
-          if (current(generation)) events_.link_bytes(chunk);
+          if (attempt_.current(generation)) events_.link_bytes(chunk);
         })) {
       closing = true;
       break;
@@ -224,12 +154,12 @@ void tcp_client_t::receive_loop(const std::string& host, std::uint16_t port, std
   }
 
   // A loss of the current connection is reported; a disconnect, or a program that is closing, is not.
-  const bool lost = release_connection(generation, fd) && !closing;
+  const bool lost = attempt_.release(generation, fd) && !closing;
   ::shutdown(fd, SHUT_RDWR);
   ::close(fd);
   if (!lost) {
     console_.print("tcp_client disconnected " + host_port(host, port) + "\n");
     return;
   }
-  report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
+  attempt_.report(generation, [this, host, port, error] { events_.link_down(host_port(host, port), error); });
 }

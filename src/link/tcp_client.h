@@ -2,18 +2,15 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
-#include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "core/console.h"
 #include "core/main_queue.h"
 #include "link/host_lookup.h"
 #include "link/link.h"
+#include "link/link_attempt.h"
 #include "link/link_error.h"
+#include "link/link_threads.h"
 
 struct tcp_timing_t {
   double connect_timeout_s = 10.0;  // an address that does not answer is given up after this
@@ -26,15 +23,12 @@ struct tcp_timing_t {
 // connection's receive loop on a thread named "task_rx", which hands every raw chunk to the main
 // thread and waits, so at most one chunk is in flight. Every report arrives on the main thread.
 //
-// Each attempt carries a generation number, and only the thread that opened a descriptor closes
-// it: a disconnect shuts the socket down and moves the generation on, so an old receive loop can
-// never read from, or close, a newer connection's descriptor. The flags are atomics for their
-// readers; the few changes that must agree with the generation (a connection made, a connection
-// lost, a disconnect, a bridge send) hold state_mutex_, so a disconnect racing a connect can never
-// leave valid set without a connection. A report is checked against the generation on the main
-// thread, where it arrives, so none from an attempt that a disconnect or a newer connect ended
-// reaches the hub, however the threads raced. The owner closes the main queue before destroying the
-// client, so no thread waits for a main thread that has stopped serving.
+// Each attempt carries a generation number (link_attempt_t), and only the thread that opened a
+// descriptor closes it: a disconnect shuts the socket down and moves the generation on, so an old
+// receive loop can never read from, or close, a newer connection's descriptor, and no report of an
+// attempt that a disconnect or a newer connect ended reaches the hub, however the threads raced.
+// The owner closes the main queue before destroying the client, so no thread waits for a main
+// thread that has stopped serving.
 class tcp_client_t final : public tcp_link_t {
 public:
   static constexpr std::size_t recv_size = 2047;  // bytes per receive call
@@ -45,39 +39,23 @@ public:
 
   std::int32_t connect(const std::string& host, std::uint16_t port) override;
   bool enabled() const override { return enabled_; }
-  bool valid() const override { return valid_; }
+  bool valid() const override { return attempt_.valid(); }
   void stop() override;
   void write(std::span<const std::uint8_t> bytes) override;
 
-  int so() const { return so_; }
+  int so() const { return attempt_.descriptor(); }
 
 private:
   void connect_task(const std::string& host, std::uint16_t port, std::uint64_t generation);
   int try_address(const std::string& host, std::uint16_t port, std::uint64_t generation,
                   const socket_address_t& address);
   void receive_loop(const std::string& host, std::uint16_t port, std::uint64_t generation, int fd);
-  bool current(std::uint64_t generation) const { return generation_ == generation; }
-  bool claim_connection(std::uint64_t generation, int fd);
-  bool release_connection(std::uint64_t generation, int fd);
-  void report(std::uint64_t generation, std::function<void()> call);
-  void start_thread(const char* name, std::function<void()> body);
-  void join_finished_threads();
 
   link_events_t& events_;
   main_queue_t& queue_;
   console_t& console_;
   const tcp_timing_t timing_;
   std::atomic<bool> enabled_{false};
-  std::atomic<bool> valid_{false};
-  std::atomic<int> so_{-1};
-  std::atomic<std::uint64_t> generation_{0};
-  std::mutex state_mutex_;
-  std::shared_ptr<std::atomic<bool>> alive_ = std::make_shared<std::atomic<bool>>(true);
-
-  struct worker_t {
-    std::thread thread;
-    std::shared_ptr<std::atomic<bool>> done;
-  };
-  std::mutex workers_mutex_;
-  std::vector<worker_t> workers_;
+  link_attempt_t attempt_{queue_};
+  link_threads_t threads_;  // last: joined before the attempt record goes
 };
