@@ -40,6 +40,8 @@ public:
   bool asked() const { return asked_; }
   bool enabled() const { return client_.enabled(); }
   bool send_gga() const { return send_gga_; }
+  // A source table is on its way.
+  bool table_pending() const { return table_client_.enabled(); }
   const ntrip_address_t& address() const { return client_.address(); }
   const rtcm_stats_t& stats() const { return stats_; }
   std::uint64_t bytes_per_s() const { return bytes_per_s_; }

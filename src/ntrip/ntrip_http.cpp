@@ -84,12 +84,6 @@ ntrip_answer_t read_ntrip_answer(std::string_view received, std::string_view mou
   const bool http = status_line.starts_with("HTTP/1.");
   if (!http && !sourcetable_line) return refused("not an NTRIP caster: it answered '" + printable(status_line) + "'");
 
-  const auto end = received.find("\r\n\r\n");
-  if (end == std::string_view::npos) {
-    if (received.size() >= ntrip_head_limit) return refused("the caster's answer head is too long");
-    return {};
-  }
-  const auto head = received.substr(0, end + 2);
   int status = 200;
   std::string reason = "OK";
   if (http) {
@@ -99,12 +93,21 @@ ntrip_answer_t read_ntrip_answer(std::string_view received, std::string_view mou
       return refused("not an NTRIP caster: it answered '" + printable(status_line) + "'");
     reason = std::string(code.substr(std::min<std::size_t>(4, code.size())));
   }
-  const std::string what = mountpoint.empty() ? "the source table" : "mountpoint " + std::string(mountpoint);
+  // A refusal is told by its status line alone: some casters close the connection right after it.
   if (status == 401) return refused("401: user name or password refused");
   if (status == 404) return refused(mountpoint.empty() ? "404: no source table on this caster"
                                                        : "404: no mountpoint " + std::string(mountpoint) + " on this caster");
-  if (status != 200) return refused(std::to_string(status) + ": " + printable(reason) + " (asking for " + what + ")");
+  if (status != 200) {
+    const std::string what = mountpoint.empty() ? "the source table" : "mountpoint " + std::string(mountpoint);
+    return refused(std::to_string(status) + ": " + printable(reason) + " (asking for " + what + ")");
+  }
 
+  const auto end = received.find("\r\n\r\n");
+  if (end == std::string_view::npos) {
+    if (received.size() >= ntrip_head_limit) return refused("the caster's answer head is too long");
+    return {};
+  }
+  const auto head = received.substr(0, end + 2);
   const bool table = sourcetable_line || header(head, "Content-Type") == "gnss/sourcetable";
   // A caster answers a mountpoint it does not have with its source table.
   if (table && !mountpoint.empty()) return refused("404: no mountpoint " + std::string(mountpoint) + " on this caster");
