@@ -60,7 +60,7 @@ std::vector<source_entry_t> parse_source_table(std::string_view text) {
     e.identifier = fields[f_identifier];
     e.format = fields[f_format];
     e.details = fields[f_details];
-    e.carrier = static_cast<int>(number(fields[f_carrier]));
+    e.carrier = static_cast<int>(parse_unsigned(fields[f_carrier], 2).value_or(0));
     e.systems = fields[f_systems];
     e.country = fields[f_country];
     e.position = {number(fields[f_lat]), number(fields[f_lon])};

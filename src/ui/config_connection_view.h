@@ -36,6 +36,8 @@ public:
   QToolButton* host_history() const { return host_history_; }
   QToolButton* port_history() const { return port_history_; }
   QLabel* status_line() const { return status_; }
+  // Adds a section of another source (corrections) below the links, above the status line.
+  void add_section(QWidget* section);
 
 protected:
   void showEvent(QShowEvent* event) override;
