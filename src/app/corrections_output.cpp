@@ -75,8 +75,9 @@ std::string source_table_text(const std::vector<source_entry_t>& entries) {
 
 std::string corrections_summary(const corrections_t& c) {
   char line[160];
-  std::snprintf(line, sizeof line, "corrections %s: %llu bytes, %llu frames, %llu bad; %s\n", c.address().text().c_str(),
-                static_cast<unsigned long long>(c.stats().bytes()), static_cast<unsigned long long>(c.stats().frames()),
+  std::snprintf(line, sizeof line, "corrections %s: %llu bytes, %llu frames, %llu bad; %s\n",
+                c.address().text().c_str(), static_cast<unsigned long long>(c.stats().bytes()),
+                static_cast<unsigned long long>(c.stats().frames()),
                 static_cast<unsigned long long>(c.stats().bad_frames()), c.rtk_status().c_str());
   std::string out = line;
   for (const auto& [type, count] : c.stats().types()) {

@@ -14,10 +14,10 @@
 #include "app/sim_options.h"
 #include "app/sim_rtcm_input.h"
 #include "sim/capture_lines.h"
+#include "sim/rtcm_encoder.h"
 #include "sim/sim_pacer.h"
 #include "sim/sim_pty.h"
 #include "sim/sim_udp.h"
-#include "sim/rtcm_encoder.h"
 
 namespace {
 
@@ -85,14 +85,16 @@ int send_udp(const sim_options_t& options, const std::function<std::string()>& n
 void print_received(const sim_rtcm_input_t& input) {
   const auto& s = input.stats();
   if (s.bytes() == 0) return;
-  std::printf("korvid-sim: received %llu bytes, %llu RTCM frames (%llu bad)\n", static_cast<unsigned long long>(s.bytes()),
-              static_cast<unsigned long long>(s.frames()), static_cast<unsigned long long>(s.bad_frames()));
+  std::printf("korvid-sim: received %llu bytes, %llu RTCM frames (%llu bad)\n",
+              static_cast<unsigned long long>(s.bytes()), static_cast<unsigned long long>(s.frames()),
+              static_cast<unsigned long long>(s.bad_frames()));
 }
 
 // A correction stream for a caster or a test: one epoch a second from the loop's centre.
 int write_rtcm(const sim_options_t& options) {
   constexpr double default_epochs = 10;
-  const auto epochs = static_cast<std::uint32_t>(options.server.duration_s > 0 ? options.server.duration_s : default_epochs);
+  const auto epochs =
+      static_cast<std::uint32_t>(options.server.duration_s > 0 ? options.server.duration_s : default_epochs);
   rtcm_base_t base;
   base.lat = options.receiver.lat;
   base.lon = options.receiver.lon;

@@ -5,7 +5,10 @@
 
 corrections_t::corrections_t(connection_t& hub, main_queue_t& queue, console_t& console,
                              const ntrip_client_t::make_tcp_t& make_tcp)
-    : hub_(hub), queue_(queue), console_(console), client_(*this, queue, make_tcp),
+    : hub_(hub),
+      queue_(queue),
+      console_(console),
+      client_(*this, queue, make_tcp),
       table_client_(table_events_, queue, make_tcp) {}
 
 void corrections_t::say(const std::string& text) {

@@ -27,8 +27,7 @@ public:
   static constexpr double gga_period_s = 10.0;   // between positions sent to a network mountpoint
   static constexpr double stale_after_s = 10.0;  // a correction older than this is a warning
 
-  corrections_t(connection_t& hub, main_queue_t& queue, console_t& console,
-                const ntrip_client_t::make_tcp_t& make_tcp);
+  corrections_t(connection_t& hub, main_queue_t& queue, console_t& console, const ntrip_client_t::make_tcp_t& make_tcp);
 
   // Streams the mountpoint to the receiver; send_gga: the mountpoint wants the receiver's position.
   void connect(const ntrip_address_t& address, bool send_gga);

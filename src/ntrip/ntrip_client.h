@@ -34,8 +34,8 @@ public:
 // still the user's last request, except a refused password, which no retry can mend.
 class ntrip_client_t final : private link_events_t {
 public:
-  static constexpr double reconnect_delay = 4.0;           // s
-  static constexpr std::size_t table_limit = 1 << 20;      // bytes of a source table kept
+  static constexpr double reconnect_delay = 4.0;       // s
+  static constexpr std::size_t table_limit = 1 << 20;  // bytes of a source table kept
   using make_tcp_t = std::function<std::unique_ptr<tcp_link_t>(link_events_t&)>;
 
   ntrip_client_t(ntrip_events_t& events, main_queue_t& queue, const make_tcp_t& make_tcp);

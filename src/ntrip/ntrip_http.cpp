@@ -47,8 +47,8 @@ std::string base64(std::string_view text) {
     for (int shift = 18; shift >= 0; shift -= 6) out += alphabet[(n >> shift) & 63];
   }
   if (const auto left = text.size() - i; left > 0) {
-    const unsigned n = (static_cast<unsigned char>(text[i]) << 16) |
-                       (left == 2 ? static_cast<unsigned char>(text[i + 1]) << 8 : 0u);
+    const unsigned n =
+        (static_cast<unsigned char>(text[i]) << 16) | (left == 2 ? static_cast<unsigned char>(text[i + 1]) << 8 : 0u);
     out += alphabet[(n >> 18) & 63];
     out += alphabet[(n >> 12) & 63];
     out += left == 2 ? alphabet[(n >> 6) & 63] : '=';
@@ -95,8 +95,9 @@ ntrip_answer_t read_ntrip_answer(std::string_view received, std::string_view mou
   }
   // A refusal is told by its status line alone: some casters close the connection right after it.
   if (status == 401) return refused("401: user name or password refused");
-  if (status == 404) return refused(mountpoint.empty() ? "404: no source table on this caster"
-                                                       : "404: no mountpoint " + std::string(mountpoint) + " on this caster");
+  if (status == 404)
+    return refused(mountpoint.empty() ? "404: no source table on this caster"
+                                      : "404: no mountpoint " + std::string(mountpoint) + " on this caster");
   if (status != 200) {
     const std::string what = mountpoint.empty() ? "the source table" : "mountpoint " + std::string(mountpoint);
     return refused(std::to_string(status) + ": " + printable(reason) + " (asking for " + what + ")");

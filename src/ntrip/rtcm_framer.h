@@ -8,9 +8,9 @@
 // One RTCM 3 frame as it arrived: preamble, 6 reserved bits, a 10-bit payload length, the payload
 // and a CRC-24Q over everything before it.
 struct rtcm_frame_t {
-  std::uint16_t type = 0;                   // the payload's first 12 bits; 0 for a payload too short
-  std::span<const std::uint8_t> payload;    // valid until the next feed
-  std::span<const std::uint8_t> bytes;      // the whole frame
+  std::uint16_t type = 0;                 // the payload's first 12 bits; 0 for a payload too short
+  std::span<const std::uint8_t> payload;  // valid until the next feed
+  std::span<const std::uint8_t> bytes;    // the whole frame
 };
 
 // Cuts a byte stream into RTCM 3 frames. A frame whose CRC does not match is counted as bad and

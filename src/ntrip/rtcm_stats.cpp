@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double ecef_scale_m = 0.0001;  // the unit of 1005's antenna reference point
+constexpr double ecef_scale_m = 0.0001;    // the unit of 1005's antenna reference point
 constexpr std::size_t station_bits = 152;  // 1005's length; 1006 adds the antenna height
 
 }  // namespace

@@ -17,7 +17,7 @@ struct source_entry_t {
   std::string systems;     // "GPS+GLO+GAL+BDS"
   std::string country;
   geo_coordinate_t position;
-  bool nmea = false;  // the mountpoint wants the receiver's position (a network, VRS)
+  bool nmea = false;                 // the mountpoint wants the receiver's position (a network, VRS)
   std::optional<double> distance_m;  // from the current fix, once known
   bool operator==(const source_entry_t&) const = default;
 };

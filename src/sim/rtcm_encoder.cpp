@@ -111,18 +111,18 @@ std::string rtcm_encoder_t::msm7(std::uint16_t type, std::uint32_t epoch_field, 
   for (int i = 0; i < satellites; ++i) satellite_mask |= std::uint64_t{1} << (63 - (2 + 3 * i));
   w.put(satellite_mask, 64);
   w.put((std::uint64_t{1} << 30) | (std::uint64_t{1} << 16), 32);  // two signals
-  for (int i = 0; i < satellites * msm_signals; ++i) w.put(1, 1);   // every cell observed
-  for (int i = 0; i < satellites; ++i) w.put(64 + random(5), 8);    // rough range, whole ms
-  for (int i = 0; i < satellites; ++i) w.put(0, 4);                 // extended information
-  for (int i = 0; i < satellites; ++i) w.put(random(10), 10);       // rough range, 1/1024 ms
+  for (int i = 0; i < satellites * msm_signals; ++i) w.put(1, 1);  // every cell observed
+  for (int i = 0; i < satellites; ++i) w.put(64 + random(5), 8);   // rough range, whole ms
+  for (int i = 0; i < satellites; ++i) w.put(0, 4);                // extended information
+  for (int i = 0; i < satellites; ++i) w.put(random(10), 10);      // rough range, 1/1024 ms
   for (int i = 0; i < satellites; ++i) w.put_signed(static_cast<std::int64_t>(random(10)) - 512, 14);  // rate, m/s
   const int cells = satellites * msm_signals;
-  for (int i = 0; i < cells; ++i) w.put(random(20), 20);  // fine pseudorange
-  for (int i = 0; i < cells; ++i) w.put(random(24), 24);  // fine phase range
-  for (int i = 0; i < cells; ++i) w.put(700, 10);         // lock time indicator
-  for (int i = 0; i < cells; ++i) w.put(0, 1);            // half-cycle ambiguity
+  for (int i = 0; i < cells; ++i) w.put(random(20), 20);           // fine pseudorange
+  for (int i = 0; i < cells; ++i) w.put(random(24), 24);           // fine phase range
+  for (int i = 0; i < cells; ++i) w.put(700, 10);                  // lock time indicator
+  for (int i = 0; i < cells; ++i) w.put(0, 1);                     // half-cycle ambiguity
   for (int i = 0; i < cells; ++i) w.put(40 * 16 + random(7), 10);  // C/N0 in 1/16 dB-Hz
-  for (int i = 0; i < cells; ++i) w.put(random(15), 15);          // fine phase range rate
+  for (int i = 0; i < cells; ++i) w.put(random(15), 15);           // fine phase range rate
   return frame(w.bytes());
 }
 

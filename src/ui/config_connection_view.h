@@ -19,7 +19,8 @@ class config_connection_view final : public QWidget {
 public:
   static constexpr double size_padding_v = 16.0;
 
-  config_connection_view(ContentView& parent, config_connection_t& cfg, connection_t& cnc, QWidget* parent_widget = nullptr);
+  config_connection_view(ContentView& parent, config_connection_t& cfg, connection_t& cnc,
+                         QWidget* parent_widget = nullptr);
 
   QLineEdit* ble_name_field() const { return ble_name_; }
   QLineEdit* host_field() const { return host_; }

@@ -153,9 +153,9 @@ void corrections_view_t::refresh() {
       (!entries.empty() && table_->topLevelItem(0)->text(0).toStdString() != entries.front().mountpoint)) {
     table_->clear();
     for (const auto& e : entries) {
-      table_->addTopLevelItem(new QTreeWidgetItem({QString::fromStdString(e.mountpoint),
-                                                   QString::fromStdString(e.identifier),
-                                                   QString::fromStdString(entry_summary(e))}));
+      table_->addTopLevelItem(
+          new QTreeWidgetItem({QString::fromStdString(e.mountpoint), QString::fromStdString(e.identifier),
+                               QString::fromStdString(entry_summary(e))}));
     }
   }
 }

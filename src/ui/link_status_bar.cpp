@@ -6,8 +6,8 @@
 #include "link/connect_action.h"
 #include "link/connection.h"
 #include "ntrip/corrections.h"
-#include "ui/palette.h"
 #include "ui/link_meter.h"
+#include "ui/palette.h"
 
 namespace {
 

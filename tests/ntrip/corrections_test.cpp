@@ -1,3 +1,5 @@
+#include "ntrip/corrections.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -5,7 +7,6 @@
 
 #include "link/connection.h"
 #include "nmea/sentence.h"
-#include "ntrip/corrections.h"
 #include "sim/rtcm_encoder.h"
 #include "support/fake_links.h"
 #include "support/recording_console.h"
@@ -156,8 +157,8 @@ TEST(RtkState, FromGgaQualityAndPvtFlags) {
     rtk_mode_t mode;
   };
   const std::vector<case_t> cases = {
-      {false, 1, 0, rtk_mode_t::none},      {false, 2, 0, rtk_mode_t::dgnss},    {false, 4, 0, rtk_mode_t::fixed},
-      {false, 5, 0, rtk_mode_t::float_rtk}, {false, 6, 0, rtk_mode_t::none},     {true, 3, 0x01, rtk_mode_t::none},
+      {false, 1, 0, rtk_mode_t::none},      {false, 2, 0, rtk_mode_t::dgnss},       {false, 4, 0, rtk_mode_t::fixed},
+      {false, 5, 0, rtk_mode_t::float_rtk}, {false, 6, 0, rtk_mode_t::none},        {true, 3, 0x01, rtk_mode_t::none},
       {true, 3, 0x03, rtk_mode_t::dgnss},   {true, 3, 0x43, rtk_mode_t::float_rtk}, {true, 3, 0x83, rtk_mode_t::fixed},
       {true, 1, 0x83, rtk_mode_t::none},
   };

@@ -91,7 +91,8 @@ TEST(NtripHttp, ReadsAnswers) {
       {"HTTP/1.1 404 Not Found\r\n", "M", kind_t::refused, 0, false, "404: no mountpoint M on this caster"},
       {"HTTP/1.1 503 Service Unavailable\r\n", "M", kind_t::refused, 0, false,
        "503: Service Unavailable (asking for mountpoint M)"},
-      {"SSH-2.0-OpenSSH_9.2\r\n", "M", kind_t::refused, 0, false, "not an NTRIP caster: it answered 'SSH-2.0-OpenSSH_9.2'"},
+      {"SSH-2.0-OpenSSH_9.2\r\n", "M", kind_t::refused, 0, false,
+       "not an NTRIP caster: it answered 'SSH-2.0-OpenSSH_9.2'"},
       {"HTTP/1.1 2x0 OK\r\n", "M", kind_t::refused, 0, false, "not an NTRIP caster: it answered 'HTTP/1.1 2x0 OK'"},
       {std::string(ntrip_head_limit, 'x'), "M", kind_t::refused, 0, false, "the caster's answer has no end of line"},
   };

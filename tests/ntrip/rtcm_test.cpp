@@ -71,7 +71,8 @@ TEST(RtcmFramer, CutsFramesWhateverTheChunks) {
     EXPECT_EQ(framer.bad_frames(), c.bad) << c.name;
     // Each frame is handed out whole, exactly as it was written.
     std::string expected;
-    for (const auto type : c.types) expected += type == 0 ? empty_frame : type == 1005 ? f1005 : type == 1077 ? f1077 : max;
+    for (const auto type : c.types)
+      expected += type == 0 ? empty_frame : type == 1005 ? f1005 : type == 1077 ? f1077 : max;
     EXPECT_EQ(seen, expected) << c.name;
   }
 }

@@ -57,8 +57,9 @@ TEST_F(corrections_view_test, picks_a_mountpoint_from_the_table_and_streams_it) 
   hub.receive("$GPGGA,120000.00,5333.0000,N,00959.4000,E,1,10,0.8,20.0,M,20.0,M,,");
   section.address_field()->setText("ntrip://me:pw@127.0.0.1:2101");
   section.table_button()->click();
-  answer(casters[1], "SOURCETABLE 200 OK\r\n\r\nSTR;MUC;Munich;RTCM 3;;2;GPS;;DEU;48.1;11.5;0\r\n"
-                     "STR;HAM;Hamburg;RTCM 3;;2;GPS;;DEU;53.5;10.0;1\r\nENDSOURCETABLE\r\n");
+  answer(casters[1],
+         "SOURCETABLE 200 OK\r\n\r\nSTR;MUC;Munich;RTCM 3;;2;GPS;;DEU;48.1;11.5;0\r\n"
+         "STR;HAM;Hamburg;RTCM 3;;2;GPS;;DEU;53.5;10.0;1\r\nENDSOURCETABLE\r\n");
   ASSERT_EQ(section.table()->topLevelItemCount(), 2);
   EXPECT_EQ(section.table()->topLevelItem(0)->text(0), "HAM");
   EXPECT_TRUE(section.details()->text().startsWith("2 mountpoints on 127.0.0.1:2101"));
