@@ -14,6 +14,7 @@ constexpr int msm_signals = 2;  // two signals per satellite: L1 and L2 (or E5b,
 constexpr std::uint32_t ms_per_day = 86400000;
 constexpr std::uint32_t ms_per_week = 7 * ms_per_day;
 constexpr double ecef_unit_m = 0.0001;
+constexpr std::uint64_t cn0_40_dbhz = 640;  // in MSM7's 1/16 dB-Hz
 
 // Appends big-endian bit fields to a payload.
 class bit_writer_t {
@@ -117,12 +118,12 @@ std::string rtcm_encoder_t::msm7(std::uint16_t type, std::uint32_t epoch_field, 
   for (int i = 0; i < satellites; ++i) w.put(random(10), 10);      // rough range, 1/1024 ms
   for (int i = 0; i < satellites; ++i) w.put_signed(static_cast<std::int64_t>(random(10)) - 512, 14);  // rate, m/s
   const int cells = satellites * msm_signals;
-  for (int i = 0; i < cells; ++i) w.put(random(20), 20);           // fine pseudorange
-  for (int i = 0; i < cells; ++i) w.put(random(24), 24);           // fine phase range
-  for (int i = 0; i < cells; ++i) w.put(700, 10);                  // lock time indicator
-  for (int i = 0; i < cells; ++i) w.put(0, 1);                     // half-cycle ambiguity
-  for (int i = 0; i < cells; ++i) w.put(40 * 16 + random(7), 10);  // C/N0 in 1/16 dB-Hz
-  for (int i = 0; i < cells; ++i) w.put(random(15), 15);           // fine phase range rate
+  for (int i = 0; i < cells; ++i) w.put(random(20), 20);               // fine pseudorange
+  for (int i = 0; i < cells; ++i) w.put(random(24), 24);               // fine phase range
+  for (int i = 0; i < cells; ++i) w.put(700, 10);                      // lock time indicator
+  for (int i = 0; i < cells; ++i) w.put(0, 1);                         // half-cycle ambiguity
+  for (int i = 0; i < cells; ++i) w.put(cn0_40_dbhz + random(7), 10);  // C/N0 in 1/16 dB-Hz
+  for (int i = 0; i < cells; ++i) w.put(random(15), 15);               // fine phase range rate
   return frame(w.bytes());
 }
 
