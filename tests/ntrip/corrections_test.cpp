@@ -147,6 +147,13 @@ TEST_F(corrections_fixture_t, FetchesTheSourceTableNearestFirst) {
   EXPECT_EQ(corrections.table->front().mountpoint, "HAM");
   EXPECT_EQ(corrections.table_status.get(), "2 mountpoints on 127.0.0.1:2101");
   EXPECT_FALSE(corrections.table_pending());
+
+  // A caster may end the table by closing the connection instead.
+  corrections.fetch_table(address);
+  table.events->link_up("127.0.0.1:2101");
+  table.events->link_bytes(bytes("SOURCETABLE 200 OK\r\n\r\nSTR;MUC;;RTCM 3;;2;GPS;;DEU;48.1;11.5;0\r\n"));
+  table.events->link_down("127.0.0.1:2101", ECONNRESET);
+  EXPECT_EQ(corrections.table_status.get(), "1 mountpoints on 127.0.0.1:2101");
 }
 
 TEST(RtkState, FromGgaQualityAndPvtFlags) {

@@ -95,7 +95,10 @@ TEST(RtcmEncoder, EpochCountsAndStation) {
   EXPECT_EQ(stats.frames(), 6 * epochs);
   EXPECT_EQ(stats.bad_frames(), 0u);
   for (const std::uint16_t type : {1005, 1077, 1087, 1097, 1127, 1230}) EXPECT_EQ(stats.types().at(type).count, epochs);
+  EXPECT_EQ(stats.types().at(1230).interval_s, 0.0) << "all came at once";
   EXPECT_EQ(stats.last_frame_s(), 5.0);
+  stats.feed(bytes(encoder.epoch(3000)), 6.5);
+  EXPECT_EQ(stats.types().at(1077).interval_s, 1.5);
   ASSERT_TRUE(stats.station());
   EXPECT_EQ(stats.station()->id, 77);
   const auto p = geodetic_from_ecef(stats.station()->x_m, stats.station()->y_m, stats.station()->z_m);
