@@ -106,6 +106,16 @@ TEST(RtcmEncoder, EpochCountsAndStation) {
   EXPECT_NEAR(p.coordinate.longitude, base.lon, 1e-8);
   EXPECT_NEAR(p.height_m, base.height_m, 1e-3);
 
+  // Each message has its exact size: MSM7 is a 169-bit header, a cell mask of satellites times two
+  // signals, 36 bits per satellite and 80 per cell (GPS 9, GLONASS 7, Galileo 8, BeiDou 10
+  // satellites); 1005 is 152 bits, 1230 with four biases 96.
+  std::vector<std::pair<std::uint16_t, std::size_t>> sizes;
+  rtcm_framer_t framer;
+  framer.feed(bytes(encoder.epoch(0)), [&](const rtcm_frame_t& f) { sizes.emplace_back(f.type, f.payload.size()); });
+  const auto msm7 = [](std::size_t n) { return (169 + 2 * n + 36 * n + 80 * 2 * n + 7) / 8; };
+  EXPECT_EQ(sizes, (std::vector<std::pair<std::uint16_t, std::size_t>>{
+                       {1005, 19}, {1077, msm7(9)}, {1087, msm7(7)}, {1097, msm7(8)}, {1127, msm7(10)}, {1230, 12}}));
+
   // The same seed writes the same stream.
   rtcm_encoder_t again(base, 3);
   const auto first = again.epoch(0);
