@@ -140,6 +140,9 @@ void corrections_view_t::fill_history() {
 
 void corrections_view_t::refresh() {
   const auto theme = palette();
+  // A source started elsewhere (the command line) shows its address.
+  if (address_->text().isEmpty() && corrections_.enabled())
+    address_->setText(QString::fromStdString(corrections_.address().url()));
   const bool failed = !problem_.isEmpty();
   status_->setText(failed ? problem_ : QString::fromStdString(corrections_.status));
   set_text_colour(*status_, colour_of(failed ? colour_t::red : corrections_.status_colour.get(), theme));
