@@ -15,6 +15,7 @@ packages=(
   fonts-noto-color-emoji
   libgtest-dev libgmock-dev libbenchmark-dev gpsd gpsd-clients
   clang libfuzzer-14-dev libclang-rt-14-dev clang-format clang-tidy
+  rtklib
   dbus python3-dbusmock
   xvfb xdotool
 )

@@ -36,6 +36,12 @@ const char* const cli_usage =
     "  --interval S    with --json, seconds between snapshots (default 1)\n"
     "  --json          print the state as one JSON object per line; the last one at the end\n"
     "  --show-all      log every valid sentence, not only GGA\n"
+    "  --corrections ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT\n"
+    "                  stream an NTRIP mountpoint's corrections to the receiver (port 2101)\n"
+    "  --gga           with --corrections: send the receiver's position every 10 s (a network\n"
+    "                  mountpoint)\n"
+    "  --sourcetable ntrip://HOST[:PORT]\n"
+    "                  print the caster's mountpoints, nearest first once a fix is known, and exit\n"
     "  --help          show this text\n";
 
 namespace {
@@ -104,6 +110,14 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       const auto n = parse_unsigned(value, cli_max_chunk);
       if (!n || *n < 1) return fail("--chunk must be a whole number from 1 to 65536, not '" + std::string(value) + "'");
       options.chunk = static_cast<std::size_t>(*n);
+    } else if (arg == "--corrections" || arg == "--sourcetable") {
+      const bool stream = arg == "--corrections";
+      if (!next(value)) return fail(std::string(arg) + " needs an ntrip:// address");
+      const auto ntrip = parse_ntrip_url(value, stream);
+      if (!ntrip.address) return fail(std::string(arg) + " " + ntrip.error);
+      (stream ? options.corrections : options.sourcetable) = ntrip.address;
+    } else if (arg == "--gga") {
+      options.gga = true;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
@@ -114,7 +128,10 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
   if (options.bridge ? !(tcp && links == 2) : links > 1)
     return fail("--bridge goes with one tcp:// and one ble://, serial://, udp:// or gpsd:// connection");
   if (options.connect_saved && (tcp || ble || source)) return fail("--connect saved stands alone");
-  const bool connect = tcp || ble || source || options.connect_saved;
+  if (options.gga && !options.corrections) return fail("--gga goes with --corrections");
+  if (options.sourcetable && (tcp || ble || source || options.connect_saved || options.corrections))
+    return fail("--sourcetable stands alone");
+  const bool connect = tcp || ble || source || options.connect_saved || options.corrections || options.sourcetable;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");

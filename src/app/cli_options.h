@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "link/source_address.h"
+#include "ntrip/ntrip_address.h"
 
 // What korvid-cli was asked to do.
 struct cli_options_t {
@@ -25,6 +26,9 @@ struct cli_options_t {
   bool json = false;
   bool show_all = false;
   bool help = false;
+  std::optional<ntrip_address_t> corrections;  // --corrections ntrip://...: a mountpoint for the receiver
+  bool gga = false;                            // --gga: send the receiver's position to the caster
+  std::optional<ntrip_address_t> sourcetable;  // --sourcetable ntrip://HOST[:PORT]: print the table
 
   bool operator==(const cli_options_t&) const = default;
 };

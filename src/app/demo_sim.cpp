@@ -8,6 +8,7 @@ sim_config_t demo_receiver(bool ubx, std::uint8_t gnss) {
   c.gnss = gnss;
   c.speed_mps = demo_sim_t::speed_mps;
   c.epoch_s = 1.0 / demo_sim_t::rate_hz;
+  c.rtk = true;  // the same stream until corrections arrive
   return c;
 }
 
@@ -23,7 +24,7 @@ sim_server_config_t demo_server() {
 demo_sim_t::demo_sim_t(bool ubx, std::uint8_t gnss) : engine_(demo_receiver(ubx, gnss)), server_(demo_server()) {
   if (!server_.listen()) return;
   port_ = server_.port();
-  thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_); });
+  thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_, {&rtcm_}); });
 }
 
 demo_sim_t::~demo_sim_t() {

@@ -5,11 +5,13 @@
 #include <memory>
 #include <thread>
 
+#include "app/sim_rtcm_input.h"
 #include "sim/sim_engine.h"
 #include "sim/sim_server.h"
 
 // The demo's receiver: the simulator serving a walk at 10 Hz on a free port of 127.0.0.1, on a
-// thread of its own, until the demo ends.
+// thread of its own, until the demo ends. It takes RTCM corrections as an RTK receiver does, going
+// to RTK float and fixed while they arrive.
 class demo_sim_t {
 public:
   static constexpr double rate_hz = 10.0;
@@ -29,6 +31,7 @@ public:
 private:
   sim_engine_t engine_;
   sim_server_t server_;
+  sim_rtcm_input_t rtcm_{engine_};
   std::atomic<bool> stop_{false};
   std::uint16_t port_ = 0;
   std::thread thread_;

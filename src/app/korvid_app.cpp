@@ -3,6 +3,7 @@
 #include <QStandardPaths>
 
 #include "platform/tile_source.h"
+#include "ui/corrections_window.h"
 
 QString tile_cache_folder() {
   return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles";
@@ -12,5 +13,9 @@ KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& conso
     : cfg(store, console),
       links(queue, console),
       cnc(queue, console, meter),
+      corrections_settings(store),
+      corrections(cnc, queue, console, [this](link_events_t& events) { return links.make_tcp(events); }),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      window(cfg, cnc, map_cfg, map, queue, meter) {}
+      window(cfg, cnc, map_cfg, map, queue, meter) {
+  add_corrections(window, corrections, corrections_settings);
+}

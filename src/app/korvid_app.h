@@ -8,6 +8,8 @@
 #include "link/connection.h"
 #include "link/kv_store.h"
 #include "map/map_view.h"
+#include "ntrip/corrections.h"
+#include "ntrip/corrections_settings.h"
 #include "platform/qt_main_queue.h"
 #include "platform/tile_map_widget.h"
 #include "ui/link_meter.h"
@@ -15,7 +17,8 @@
 
 // The window's object graph, built in the order the screens rely on: the settings (restored at
 // once), the transports with the meter that counts their bytes, the hub, the map widget and the map
-// settings, then the window that shares them. Everything lives until the program ends.
+// settings, then the window that shares them. The corrections source sits beside the hub, which
+// takes its stream to the receiver. Everything lives until the program ends.
 class KorvidApp {
 public:
   KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console);
@@ -24,6 +27,8 @@ public:
   program_links_t links;
   link_meter_t meter{links};
   connection_t cnc;
+  corrections_settings_t corrections_settings;
+  corrections_t corrections;
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/cli_options.h"
+#include "app/corrections_output.h"
 #include "app/program_links.h"
 #include "app/radio_lines.h"
 #include "app/snapshot_json.h"
@@ -18,6 +19,8 @@
 #include "link/connection.h"
 #include "link/offline_links.h"
 #include "link/replay.h"
+#include "link/tcp_client.h"
+#include "ntrip/corrections.h"
 #include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
 
@@ -33,11 +36,12 @@ void print_summary(const connection_t& hub) {
   for (std::size_t i = 0; i < hub.arr_rx->size(); ++i) std::printf("  %s\n", (*hub.arr_rx)[i].c_str());
 }
 
-void print_result(const connection_t& hub, bool json) {
+void print_result(const connection_t& hub, bool json, const corrections_t* corrections = nullptr) {
   if (json) {
-    std::printf("%s\n", snapshot_json(hub).c_str());
+    std::printf("%s\n", snapshot_json(hub, corrections).c_str());
   } else {
     print_summary(hub);
+    if (corrections && corrections->asked()) std::fputs(corrections_summary(*corrections).c_str(), stdout);
   }
   std::fflush(stdout);
 }
@@ -55,13 +59,32 @@ int replay(const cli_options_t& options, connection_t& hub) {
   return 0;
 }
 
+// Prints the caster's source table once it has come, or why it did not, and quits.
+int run_sourcetable(const cli_options_t& options, QCoreApplication& app, corrections_t& corrections) {
+  stop_signal_watch_t stop_watch(app);
+  // A notice comes before the change: the table is read on the next turn.
+  const auto watch = corrections.subscribe([&] {
+    QTimer::singleShot(0, &app, [&] {
+      if (!corrections.table_pending()) app.quit();
+    });
+  });
+  corrections.fetch_table(*options.sourcetable);
+  if (options.duration_s > 0)
+    QTimer::singleShot(static_cast<int>(options.duration_s * 1000), Qt::PreciseTimer, &app, &QCoreApplication::quit);
+  app.exec();
+  std::fputs(source_table_text(corrections.table).c_str(), stdout);
+  std::printf("%s\n", corrections.table_status.get().c_str());
+  return corrections.table->empty() ? 1 : 0;
+}
+
 int run_connected(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub,
-                  console_t& console) {
+                  console_t& console, corrections_t& corrections) {
   stop_signal_watch_t stop_watch(app);
   const radio_lines_t radio_lines(hub, queue, console);
   QTimer snapshots;
   if (options.json) {
-    QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
+    QObject::connect(&snapshots, &QTimer::timeout, &app,
+                     [&hub, &corrections] { print_result(hub, true, &corrections); });
     snapshots.start(static_cast<int>(options.interval_s * 1000));
   }
   // A precise timer: a coarse one may end a long run up to 5 % early.
@@ -81,8 +104,9 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
     if (options.source) hub.connect_source(*options.source);
     if (!options.host.empty()) hub.connect_tcp(options.host, options.port);
   }
+  if (options.corrections) corrections.connect(*options.corrections, options.gga);
   app.exec();
-  print_result(hub, options.json);
+  print_result(hub, options.json, &corrections);
   return 0;
 }
 
@@ -123,11 +147,17 @@ int main(int argc, char** argv) {
   link_factory_t& links = options.replay_file.empty() ? static_cast<link_factory_t&>(program_links) : replay_links;
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
+  // Destroyed after the queue closes, as the hub's links are: its TCP threads may be waiting on it.
+  corrections_t corrections(hub, queue, console, [&queue, &console](link_events_t& events) {
+    return std::make_unique<tcp_client_t>(events, queue, console);
+  });
 
-  const int status =
-      options.replay_file.empty() ? run_connected(options, app, queue, hub, console) : replay(options, hub);
+  const int status = !options.replay_file.empty() ? replay(options, hub)
+                     : options.sourcetable        ? run_sourcetable(options, app, corrections)
+                                                  : run_connected(options, app, queue, hub, console, corrections);
   // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
   if (options.replay_file.empty()) hub.disconnect();
+  corrections.disconnect();
   return status;
 }

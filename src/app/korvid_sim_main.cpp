@@ -12,7 +12,9 @@
 #include <vector>
 
 #include "app/sim_options.h"
+#include "app/sim_rtcm_input.h"
 #include "sim/capture_lines.h"
+#include "sim/rtcm_encoder.h"
 #include "sim/sim_pacer.h"
 #include "sim/sim_pty.h"
 #include "sim/sim_udp.h"
@@ -79,6 +81,36 @@ int send_udp(const sim_options_t& options, const std::function<std::string()>& n
   return 0;
 }
 
+// What clients sent the receiver, when they sent anything.
+void print_received(const sim_rtcm_input_t& input) {
+  const auto& s = input.stats();
+  if (s.bytes() == 0) return;
+  std::printf("korvid-sim: received %llu bytes, %llu RTCM frames (%llu bad)\n",
+              static_cast<unsigned long long>(s.bytes()), static_cast<unsigned long long>(s.frames()),
+              static_cast<unsigned long long>(s.bad_frames()));
+}
+
+// A correction stream for a caster or a test: one epoch a second from the loop's centre.
+int write_rtcm(const sim_options_t& options) {
+  constexpr double default_epochs = 10;
+  const auto epochs =
+      static_cast<std::uint32_t>(options.server.duration_s > 0 ? options.server.duration_s : default_epochs);
+  rtcm_base_t base;
+  base.lat = options.receiver.lat;
+  base.lon = options.receiver.lon;
+  rtcm_encoder_t encoder(base, options.receiver.seed);
+  std::ofstream out(options.rtcm_file, std::ios::binary);
+  std::size_t bytes = 0;
+  for (std::uint32_t i = 0; i < epochs && out; ++i) {
+    const auto epoch = encoder.epoch(i * 1000);
+    out.write(epoch.data(), static_cast<std::streamsize>(epoch.size()));
+    bytes += epoch.size();
+  }
+  if (!out) return fail("cannot write '" + options.rtcm_file + "'");
+  std::printf("korvid-sim: wrote %u RTCM epochs (%zu bytes) to %s\n", epochs, bytes, options.rtcm_file.c_str());
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -91,6 +123,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   options.receiver.start_utc_s = static_cast<std::int64_t>(std::time(nullptr));
+  if (!options.rtcm_file.empty()) return write_rtcm(options);
 
   std::string capture;
   if (!options.replay_file.empty()) {
@@ -119,7 +152,9 @@ int main(int argc, char** argv) {
   }
   std::printf("korvid-sim: serving on 127.0.0.1:%u\n", server.port());
   std::fflush(stdout);
-  server.run(next_piece, stop_requested);
+  sim_rtcm_input_t rtcm(engine);
+  server.run(next_piece, stop_requested, {&rtcm});
   print_counts(&server, replay ? &lines : nullptr, engine.counts());
+  print_received(rtcm);
   return 0;
 }

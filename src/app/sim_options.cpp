@@ -28,7 +28,11 @@ const char* const sim_usage =
     "  --pty                  serve on a new pseudo-terminal instead of TCP, as a serial receiver\n"
     "  --baud N               with --pty: answer only when the terminal is set to N baud\n"
     "  --udp HOST:PORT        send each epoch as a datagram to HOST:PORT instead of serving TCP\n"
-    "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n";
+    "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
+    "  --rtk                  the fix goes to RTK float, then fixed, while clients send RTCM 3\n"
+    "                         corrections, and back when they stop for 10 s\n"
+    "  --rtcm-out FILE        write an RTCM 3 correction stream (1005, 1077, 1087, 1097, 1127, 1230\n"
+    "                         each epoch) of --duration epochs (default 10) to FILE and stop\n";
 
 namespace {
 
@@ -112,6 +116,11 @@ sim_parse_t parse_sim(std::span<const std::string_view> args) {
     } else if (arg == "--udp") {
       if (!parse_host_port(value(), options.udp_host, options.udp_port))
         return fail("--udp takes HOST:PORT, an IPv4 address or a bracketed IPv6 one");
+    } else if (arg == "--rtk") {
+      options.receiver.rtk = true;
+    } else if (arg == "--rtcm-out") {
+      options.rtcm_file = std::string(value());
+      if (options.rtcm_file.empty()) return fail("--rtcm-out needs a file name");
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "app/corrections_output.h"
 #include "app/json_writer.h"
 #include "link/connection.h"
 
@@ -274,7 +275,7 @@ void write_sky(json_writer_t& w, const gnss_sky_t& sky) {
 
 }  // namespace
 
-std::string snapshot_json(const connection_t& hub) {
+std::string snapshot_json(const connection_t& hub, const corrections_t* corrections) {
   json_writer_t w;
   w.begin_object();
   write_hub(w, hub);
@@ -286,6 +287,7 @@ std::string snapshot_json(const connection_t& hub) {
   write_gsv(w, hub.gsv);
   write_sky(w, hub.sky);
   write_source(w, hub);
+  if (corrections && corrections->asked()) write_corrections(w, *corrections);
   w.end_object();
   return w.text();
 }

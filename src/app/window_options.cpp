@@ -40,6 +40,8 @@ const char* const window_usage =
     "  --sheet NAME       open the log, the satellites and details, the satellites of every system\n"
     "                     (sky), or the connection settings (may be given more than once)\n"
     "  --dark             draw with a dark palette\n"
+    "  --corrections ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT\n"
+    "                     stream an NTRIP mountpoint's corrections to the receiver from the start\n"
     "Without a display korvid runs headless and prints a summary every second.\n";
 
 window_parse_t parse_window(std::span<const std::string_view> args) {
@@ -79,6 +81,10 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
       const auto systems = value(v) ? parse_gnss_list(v) : std::nullopt;
       if (!systems) return {{}, "--gnss needs a list of gps, glo, gal, bds and qzss"};
       o.gnss = *systems;
+    } else if (a == "--corrections") {
+      const auto ntrip = value(v) ? parse_ntrip_url(v, true) : ntrip_address_parse_t{{}, "needs an ntrip:// address"};
+      if (!ntrip.address) return {{}, "--corrections " + ntrip.error};
+      o.corrections = ntrip.address;
     } else {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }

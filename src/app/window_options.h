@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ntrip/ntrip_address.h"
 #include "ui/open_sheets.h"
 
 // What korvid, the window, was asked to do.
@@ -21,6 +22,7 @@ struct window_options_t {
   std::vector<sheet_id_t> sheets;  // open them (for screenshots)
   bool dark = false;               // a dark palette (for screenshots of the dark theme)
   bool help = false;
+  std::optional<ntrip_address_t> corrections;  // stream this mountpoint to the receiver from the start
 };
 
 struct window_parse_t {

@@ -78,6 +78,8 @@ public:
 
   // The data handled last was a binary chunk (UBX), not text lines.
   bool binary() const { return binary_; }
+  // The flags of the last NAV-PVT record (differential and carrier solution), 0 before one.
+  std::uint8_t pvt_flags() const { return gps_bin_.pvt.flags; }
 
   published_t<colour_t> sta_fg_ble{*this, colour_t::primary};
   published_t<colour_t> sta_fg_tcp{*this, colour_t::primary};

@@ -127,6 +127,7 @@ void sim_engine_t::add_frame(std::string& out, std::span<const std::uint8_t> ima
 
 std::string sim_engine_t::next_epoch() {
   const double t = static_cast<double>(epoch_++) * config_.epoch_s;
+  now_s_ = t;
   std::string out;
   if (config_.ubx) {
     add_ubx_epoch(out, t);
@@ -155,8 +156,9 @@ void sim_engine_t::add_text_epoch(std::string& out, double t) {
   // A multi-GNSS receiver reports its fix with the GN talker.
   const char* talker = config_.gnss != 0 ? "GN" : "GP";
   const int in_fix = config_.gnss != 0 ? used_count(sim_sky(config_.gnss, t)) : satellite_count - 2;
-  std::snprintf(body, sizeof body, "%sGGA,%s,%s,%s,1,%02d,%.1f,%.1f,M,47.0,M,,", talker, clock, lat.c_str(),
-                lon.c_str(), in_fix, hdop, 520.0 + 3.0 * std::sin(t / 30.0));
+  const int quality = config_.rtk ? rtk_.quality(t) : sim_rtk_t::autonomous;
+  std::snprintf(body, sizeof body, "%sGGA,%s,%s,%s,%d,%02d,%.1f,%.1f,M,47.0,M,,", talker, clock, lat.c_str(),
+                lon.c_str(), quality, in_fix, hdop, 520.0 + 3.0 * std::sin(t / 30.0));
   add_sentence(out, body);
   std::snprintf(body, sizeof body, "%sGLL,%s,%s,%s,A,A", talker, lat.c_str(), lon.c_str(), clock);
   add_sentence(out, body);
@@ -256,6 +258,12 @@ void sim_engine_t::add_ubx_epoch(std::string& out, double t) {
   pvt.tAcc = 25;     // ns
   pvt.fixType = 3;   // 3D fix
   pvt.flags = 0x01;  // gnssFixOK
+  // With corrections: differential, and the carrier solution in bits 6-7 (1 float, 2 fixed).
+  if (config_.rtk) {
+    const int quality = rtk_.quality(t);
+    if (quality == sim_rtk_t::rtk_float) pvt.flags |= 0x42;
+    if (quality == sim_rtk_t::rtk_fixed) pvt.flags |= 0x82;
+  }
   pvt.flags2 = 0x0A;
   pvt.numSV = static_cast<std::uint8_t>(config_.gnss != 0 ? used_count(sim_sky(config_.gnss, t)) : satellite_count - 2);
   pvt.lon = posllh.lon;

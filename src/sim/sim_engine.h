@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "sim/sim_rtk.h"
+
 // What the simulated receiver does.
 struct sim_config_t {
   std::uint64_t seed = 1;
@@ -21,6 +23,9 @@ struct sim_config_t {
   // The systems of a multi-GNSS sky (bits of sim/sim_sky.h): NMEA 4.11 talkers with system and
   // signal ids, or with ubx NAV-SAT, NAV-SIG and NAV-DOP frames once a second. 0: GPS alone.
   std::uint8_t gnss = 0;
+  // The fix goes to RTK float and fixed while corrections arrive (sim/sim_rtk.h); without it every
+  // fix is autonomous.
+  bool rtk = false;
 };
 
 // What it has injected so far.
@@ -42,6 +47,8 @@ public:
   // The bytes of the next epoch.
   std::string next_epoch();
   const sim_counts_t& counts() const { return counts_; }
+  // Corrections reached the receiver during the current epoch.
+  void corrections_arrived() { rtk_.corrections_at(now_s_); }
 
 private:
   struct position_t {
@@ -62,4 +69,6 @@ private:
   std::mt19937_64 rng_;
   std::uint64_t epoch_ = 0;
   sim_counts_t counts_;
+  sim_rtk_t rtk_;
+  double now_s_ = 0.0;  // the time of the epoch sent last
 };

@@ -239,3 +239,8 @@ void config_connection_view::refresh() {
   bridge_->setChecked(cfg_.enable_bridge());
   disconnect_->setVisible(cnc_.tcp_enabled() || cnc_.ble_enabled());
 }
+
+void config_connection_view::add_section(QWidget* section) {
+  auto* column = static_cast<QVBoxLayout*>(layout());
+  column->insertWidget(column->indexOf(delete_), section);
+}

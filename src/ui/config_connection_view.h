@@ -19,7 +19,8 @@ class config_connection_view final : public QWidget {
 public:
   static constexpr double size_padding_v = 16.0;
 
-  config_connection_view(ContentView& parent, config_connection_t& cfg, connection_t& cnc, QWidget* parent_widget = nullptr);
+  config_connection_view(ContentView& parent, config_connection_t& cfg, connection_t& cnc,
+                         QWidget* parent_widget = nullptr);
 
   QLineEdit* ble_name_field() const { return ble_name_; }
   QLineEdit* host_field() const { return host_; }
@@ -36,6 +37,8 @@ public:
   QToolButton* host_history() const { return host_history_; }
   QToolButton* port_history() const { return port_history_; }
   QLabel* status_line() const { return status_; }
+  // Adds a section of another source (corrections) below the links, above the status line.
+  void add_section(QWidget* section);
 
 protected:
   void showEvent(QShowEvent* event) override;

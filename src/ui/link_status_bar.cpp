@@ -5,7 +5,9 @@
 #include "link/config_connection.h"
 #include "link/connect_action.h"
 #include "link/connection.h"
+#include "ntrip/corrections.h"
 #include "ui/link_meter.h"
+#include "ui/palette.h"
 
 namespace {
 
@@ -76,6 +78,23 @@ void link_status_bar_t::tick() {
   const std::uint64_t bad = cnc_.msg_count > cnc_.msg_good ? cnc_.msg_count - cnc_.msg_good : 0;
   show_text(*errors_, tr("checksum errors %1").arg(bad));
   show_text(*age_, fix_at_ < 0.0 ? tr("no fix") : tr("last fix %1 s ago").arg(static_cast<long long>(now - fix_at_)));
+  show_rtk();
+}
+
+void link_status_bar_t::show_corrections(const corrections_t& corrections) {
+  corrections_ = &corrections;
+  rtk_ = field(tr("RTK state"));
+  addPermanentWidget(rtk_);
+  show_rtk();
+}
+
+// The receiver's RTK state and the age of the corrections, in their colour (orange once they
+// stopped); hidden while no corrections source is wanted.
+void link_status_bar_t::show_rtk() {
+  if (!rtk_) return;
+  rtk_->setVisible(corrections_->enabled());
+  show_text(*rtk_, QString::fromStdString(corrections_->rtk_status()));
+  set_text_colour(*rtk_, colour_of(corrections_->rtk_colour(), palette()));
 }
 
 // "TCP connected to 127.0.0.1:10110", "TCP 192.168.4.1:81: Connection refused, retrying",

@@ -9,6 +9,7 @@
 class QLabel;
 class config_connection_t;
 class connection_t;
+class corrections_t;
 class link_meter_t;
 class time_source_t;
 
@@ -31,6 +32,10 @@ public:
   const QLabel& errors() const { return *errors_; }
   const QLabel& fix_age() const { return *age_; }
   const QLabel& hint() const { return *hint_; }
+
+  // Adds the RTK indicator for a corrections source: "RTK fixed  age 0.8 s" while one is wanted.
+  void show_corrections(const corrections_t& corrections);
+  const QLabel* rtk() const { return rtk_; }
 
 private:
   QString state_text() const;
@@ -57,4 +62,8 @@ private:
   double data_at_ = -std::numeric_limits<double>::infinity();
   double good_at_ = -std::numeric_limits<double>::infinity();
   double fix_at_ = -1.0;  // negative: no fix yet
+
+  const corrections_t* corrections_ = nullptr;
+  QLabel* rtk_ = nullptr;
+  void show_rtk();
 };

@@ -48,6 +48,8 @@ public:
   QDockWidget* dock(sheet_id_t sheet) const;
   QDialog& settings_dialog() const { return *settings_; }
   config_connection_view& settings_view() const { return *settings_view_; }
+  // The Connection menu, for sources that add their own entries.
+  QMenu* connection_menu() const { return connection_menu_; }
   // The action of a menu entry by its text without "&", for tests and the end-to-end run.
   QAction* action(const QString& text) const;
 

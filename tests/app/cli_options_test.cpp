@@ -32,6 +32,14 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
         .bridge = true,
         .port = 2101,
         .chunk = 2047}},
+      {{"--connect", "tcp://127.0.0.1:81", "--corrections", "ntrip://u:p@127.0.0.1/M", "--gga"},
+       {.host = "127.0.0.1",
+        .port = 81,
+        .chunk = 2047,
+        .corrections = ntrip_address_t{.user = "u", .password = "p", .host = "127.0.0.1", .mountpoint = "M"},
+        .gga = true}},
+      {{"--sourcetable", "ntrip://caster.example.org:2102"},
+       {.chunk = 2047, .sourcetable = ntrip_address_t{.host = "caster.example.org", .port = 2102}}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -69,6 +77,9 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "ble://x", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with"},
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},
+      {{"--corrections", "ntrip://127.0.0.1"}, "--corrections takes ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT"},
+      {{"--connect", "tcp://127.0.0.1:81", "--gga"}, "--gga goes with --corrections"},
+      {{"--sourcetable", "ntrip://h", "--corrections", "ntrip://h/M"}, "--sourcetable stands alone"},
   };
   for (const auto& [args, says] : cases) {
     const auto r = parse_cli(args);

@@ -17,6 +17,9 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
   EXPECT_EQ(std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheets, o.dark, o.help, o.gnss),
             std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::vector{sheet_id_t::sky}, true, false,
                        std::uint8_t{1u << 3}));
+  const auto c = parse_window(std::vector<std::string_view>{"--corrections", "ntrip://127.0.0.1/MNT"});
+  ASSERT_TRUE(c.options) << c.error;
+  EXPECT_EQ(c.options->corrections->mountpoint, "MNT");
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
@@ -31,6 +34,9 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--gnss", "gps"}, "--gnss goes with --demo"},
       {{"--ubx"}, "--ubx goes with --demo"},
       {{"--connect"}, "unknown argument '--connect'"},
+      {{"--corrections"}, "--corrections needs an ntrip:// address"},
+      {{"--corrections", "ntrip://h"},
+       "--corrections takes ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT with a mountpoint, not 'ntrip://h'"},
   };
   for (const auto& [args, error] : cases) {
     const auto p = parse_window(args);

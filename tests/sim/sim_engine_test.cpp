@@ -138,3 +138,34 @@ TEST(sim_engine, southern_and_western_loops_as_sentences_and_as_records) {
 }
 
 }  // namespace
+
+namespace {
+
+// The receiver's solution while corrections arrive in epochs 1 to 6 and after they stop: the GGA
+// quality in sentences, the carrier solution of NAV-PVT in frames; without --rtk the same stream
+// as ever.
+TEST(sim_engine, rtk_follows_the_corrections) {
+  const std::string expected = "111555444444444441";
+  for (const bool ubx : {false, true}) {
+    sim_engine_t sim({.seed = 5, .ubx = ubx, .rtk = true}), plain({.seed = 5, .ubx = ubx});
+    std::string qualities;
+    for (std::size_t t = 0; t < expected.size(); ++t) {
+      const auto epoch = sim.next_epoch();
+      decoded_t d(epoch);
+      if (ubx) {
+        const auto carrier = d.hub.pvt_flags() >> 6;
+        qualities += carrier == 2 ? '4' : carrier == 1 ? '5' : '1';
+      } else {
+        qualities += std::to_string(d.hub.gga.fix_i);
+      }
+      if (t >= 1 && t <= 6) sim.corrections_arrived();
+      if (qualities.back() == '1')
+        EXPECT_EQ(epoch, plain.next_epoch()) << t;
+      else
+        plain.next_epoch();
+    }
+    EXPECT_EQ(qualities, expected) << (ubx ? "frames" : "sentences");
+  }
+}
+
+}  // namespace
