@@ -36,7 +36,13 @@ const char* const cli_usage =
     "  --interval S    with --json, seconds between snapshots (default 1)\n"
     "  --json          print the state as one JSON object per line; the last one at the end\n"
     "  --show-all      log every valid sentence, not only GGA\n"
-    "  --help          show this text\n";
+    "  --help          show this text\n"
+    "  --record FILE   write every received byte to FILE exactly as it came\n"
+    "  --record-rotate SIZE|HOURS\n"
+    "                  with --record: start a new file after SIZE bytes (100M, 512K, 2G) or on\n"
+    "                  each whole HOURS of UTC (1h); the names carry the UTC start time\n"
+    "  --speed X       with --replay: play at the receiver's own pace times X (0.5, 1, 2, 10, ...),\n"
+    "                  or \"max\", as fast as the epochs can be delivered\n";
 
 namespace {
 
@@ -104,6 +110,21 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       const auto n = parse_unsigned(value, cli_max_chunk);
       if (!n || *n < 1) return fail("--chunk must be a whole number from 1 to 65536, not '" + std::string(value) + "'");
       options.chunk = static_cast<std::size_t>(*n);
+    } else if (arg == "--record") {
+      if (!next(value)) return fail("--record needs a file name");
+      options.record_file = std::string(value);
+    } else if (arg == "--record-rotate") {
+      if (!next(value)) return fail("--record-rotate needs a size or a number of hours");
+      const auto rotation = parse_record_rotation(value);
+      if (!rotation)
+        return fail("--record-rotate takes a size such as 100M or hours such as 1h, not '" + std::string(value) + "'");
+      options.record_rotate = *rotation;
+    } else if (arg == "--speed") {
+      if (!next(value)) return fail("--speed needs a number or max");
+      const auto speed = value == "max" ? std::optional<double>(0.0) : parse_double(value);
+      if (!speed || !(*speed >= 0.0) || *speed > cli_max_speed || (*speed == 0.0 && value != "max"))
+        return fail("--speed takes a number above 0 up to 1000 or max, not '" + std::string(value) + "'");
+      options.speed = speed;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
@@ -116,6 +137,9 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
   if (options.connect_saved && (tcp || ble || source)) return fail("--connect saved stands alone");
   const bool connect = tcp || ble || source || options.connect_saved;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
+  if (options.record_rotate.rotates() && options.record_file.empty()) return fail("--record-rotate goes with --record");
+  if (options.speed && (options.replay_file.empty() || options.replay_file == "-"))
+    return fail("--speed goes with --replay FILE, a capture file");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};

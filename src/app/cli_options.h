@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "link/source_address.h"
+#include "session/record_rotation.h"
 
 // What korvid-cli was asked to do.
 struct cli_options_t {
@@ -25,11 +26,15 @@ struct cli_options_t {
   bool json = false;
   bool show_all = false;
   bool help = false;
+  std::string record_file;          // --record: the received stream goes to this file as it came
+  record_rotation_t record_rotate;  // --record-rotate: a new file after so many bytes or hours
+  std::optional<double> speed;      // --speed: replay at the receiver's pace times this; 0 as fast as possible
 
   bool operator==(const cli_options_t&) const = default;
 };
 
 inline constexpr std::size_t cli_max_chunk = 65536;  // bytes
+inline constexpr double cli_max_speed = 1000;        // times the receiver's pace
 // s: the longest wait a timer of whole milliseconds in an int holds (about 24.8 days)
 inline constexpr double cli_max_seconds = 2147483.0;
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,8 @@
 #include "link/replay.h"
 #include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
+#include "session/capture_player.h"
+#include "session/recorder.h"
 
 namespace {
 
@@ -55,6 +58,29 @@ int replay(const cli_options_t& options, connection_t& hub) {
   return 0;
 }
 
+// The capture at the receiver's own pace, through the hub as a link of its own; ends at its end.
+int paced_replay(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub) {
+  stop_signal_watch_t stop_watch(app);
+  capture_player_t player(queue, hub.source_events(), [&hub] { hub.reset(); });
+  if (!player.open(options.replay_file)) {
+    std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
+    return usage_error;
+  }
+  const auto at_end = player.subscribe([&player, &app] {
+    if (player.ended()) QTimer::singleShot(0, &app, &QCoreApplication::quit);
+  });
+  QTimer snapshots;
+  if (options.json) {
+    QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
+    snapshots.start(static_cast<int>(options.interval_s * 1000));
+  }
+  player.set_speed(*options.speed);
+  player.play();
+  if (!player.ended()) app.exec();
+  print_result(hub, options.json);
+  return 0;
+}
+
 int run_connected(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub,
                   console_t& console) {
   stop_signal_watch_t stop_watch(app);
@@ -85,6 +111,27 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
   print_result(hub, options.json);
   return 0;
 }
+
+// The stream as received goes to the file given with --record for as long as this lives.
+class cli_recording_t {
+public:
+  cli_recording_t(const cli_options_t& options, connection_t& hub, main_queue_t& queue, console_t& console)
+      : hub_(hub), recorder_(queue, console) {
+    if (options.record_file.empty()) return;
+    hub_.add_tap(recorder_);
+    recorder_.start(options.record_file, options.record_rotate);
+  }
+  ~cli_recording_t() {
+    hub_.remove_tap(recorder_);
+    recorder_.stop();
+  }
+  cli_recording_t(const cli_recording_t&) = delete;
+  cli_recording_t& operator=(const cli_recording_t&) = delete;
+
+private:
+  connection_t& hub_;
+  recorder_t recorder_;
+};
 
 }  // namespace
 
@@ -123,9 +170,12 @@ int main(int argc, char** argv) {
   link_factory_t& links = options.replay_file.empty() ? static_cast<link_factory_t&>(program_links) : replay_links;
   connection_t hub(queue, console, links);
   hub.show_all = options.show_all;
+  std::optional<cli_recording_t> recording(std::in_place, options, hub, queue, console);
 
-  const int status =
-      options.replay_file.empty() ? run_connected(options, app, queue, hub, console) : replay(options, hub);
+  const int status = options.replay_file.empty() ? run_connected(options, app, queue, hub, console)
+                     : options.speed             ? paced_replay(options, app, queue, hub)
+                                                 : replay(options, hub);
+  recording.reset();
   // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
   if (options.replay_file.empty()) hub.disconnect();

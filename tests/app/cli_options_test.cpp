@@ -32,6 +32,10 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
         .bridge = true,
         .port = 2101,
         .chunk = 2047}},
+      {{"--connect", "tcp://127.0.0.1:1", "--record", "r.nmea", "--record-rotate", "1h"},
+       {.host = "127.0.0.1", .port = 1, .chunk = 2047, .record_file = "r.nmea", .record_rotate = {0, 3600}}},
+      {{"--replay", "a", "--speed", "0.5"}, {.replay_file = "a", .chunk = 2047, .speed = 0.5}},
+      {{"--replay", "a", "--speed", "max"}, {.replay_file = "a", .chunk = 2047, .speed = 0.0}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -69,6 +73,12 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "ble://x", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with"},
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},
+      {{"--connect", "saved", "--record-rotate", "1h"}, "--record-rotate goes with --record"},
+      {{"--connect", "saved", "--record", "r", "--record-rotate", "1d"}, "not '1d'"},
+      {{"--replay", "a", "--speed", "0"}, "above 0 up to 1000 or max, not '0'"},
+      {{"--replay", "a", "--speed", "1001"}, "not '1001'"},
+      {{"--replay", "-", "--speed", "2"}, "--speed goes with --replay FILE"},
+      {{"--connect", "saved", "--speed", "2"}, "--speed goes with --replay FILE"},
   };
   for (const auto& [args, says] : cases) {
     const auto r = parse_cli(args);
