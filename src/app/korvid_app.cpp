@@ -13,4 +13,5 @@ KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& conso
       links(queue, console),
       cnc(queue, console, meter),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      window(cfg, cnc, map_cfg, map, queue, meter) {}
+      window(cfg, cnc, map_cfg, map, queue, meter),
+      session(*new session_controller_t(window, cnc, queue, console)) {}

@@ -21,6 +21,7 @@ struct window_options_t {
   std::vector<sheet_id_t> sheets;  // open them (for screenshots)
   bool dark = false;               // a dark palette (for screenshots of the dark theme)
   bool help = false;
+  std::string capture;  // a capture to play at start
 };
 
 struct window_parse_t {

@@ -6,7 +6,11 @@
 #include <limits>
 #include <tuple>
 
+#include "core/observable.h"
+
 class QLabel;
+class capture_player_t;
+class recorder_t;
 class config_connection_t;
 class connection_t;
 class link_meter_t;
@@ -31,6 +35,10 @@ public:
   const QLabel& errors() const { return *errors_; }
   const QLabel& fix_age() const { return *age_; }
   const QLabel& hint() const { return *hint_; }
+  // While the recorder records: a red dot, the file and its size. While a capture is open, its
+  // status is the link's state.
+  void show_session(recorder_t& recorder, const capture_player_t& player);
+  const QLabel* recording() const { return recording_; }
 
 private:
   QString state_text() const;
@@ -57,4 +65,10 @@ private:
   double data_at_ = -std::numeric_limits<double>::infinity();
   double good_at_ = -std::numeric_limits<double>::infinity();
   double fix_at_ = -1.0;  // negative: no fix yet
+
+  void show_recording_text();
+  const recorder_t* recorder_ = nullptr;
+  const capture_player_t* player_ = nullptr;
+  QLabel* recording_ = nullptr;
+  subscription_t recording_changes_;
 };

@@ -17,6 +17,7 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
   EXPECT_EQ(std::tie(o.demo, o.ubx, o.screenshot, o.after_s, o.width, o.height, o.sheets, o.dark, o.help, o.gnss),
             std::tuple(true, true, std::string("/tmp/a.png"), 2.5, 520, 900, std::vector{sheet_id_t::sky}, true, false,
                        std::uint8_t{1u << 3}));
+  EXPECT_EQ(parse_window(std::vector<std::string_view>{"--dark", "drive.ubx"}).options->capture, "drive.ubx");
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
@@ -31,6 +32,8 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--gnss", "gps"}, "--gnss goes with --demo"},
       {{"--ubx"}, "--ubx goes with --demo"},
       {{"--connect"}, "unknown argument '--connect'"},
+      {{"a.nmea", "b.nmea"}, "unknown argument 'b.nmea'"},
+      {{"--demo", "a.nmea"}, "a capture plays without --demo"},
   };
   for (const auto& [args, error] : cases) {
     const auto p = parse_window(args);
