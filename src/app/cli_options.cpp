@@ -42,7 +42,9 @@ const char* const cli_usage =
     "                  with --record: start a new file after SIZE bytes (100M, 512K, 2G) or on\n"
     "                  each whole HOURS of UTC (1h); the names carry the UTC start time\n"
     "  --speed X       with --replay: play at the receiver's own pace times X (0.5, 1, 2, 10, ...),\n"
-    "                  or \"max\", as fast as the epochs can be delivered\n";
+    "                  or \"max\", as fast as the epochs can be delivered\n"
+    "  --gpx FILE      when the run ends, write the session's track and markers as GPX 1.1\n"
+    "  --geojson FILE  the same as GeoJSON (one LineString, the markers as Points)\n";
 
 namespace {
 
@@ -125,6 +127,9 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       if (!speed || !(*speed >= 0.0) || *speed > cli_max_speed || (*speed == 0.0 && value != "max"))
         return fail("--speed takes a number above 0 up to 1000 or max, not '" + std::string(value) + "'");
       options.speed = speed;
+    } else if (arg == "--gpx" || arg == "--geojson") {
+      if (!next(value)) return fail(std::string(arg) + " needs a file name");
+      (arg == "--gpx" ? options.gpx_file : options.geojson_file) = std::string(value);
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }

@@ -11,6 +11,7 @@
 #include <QUrl>
 
 #include "link/connection.h"
+#include "platform/track_export.h"
 #include "ui/content_view.h"
 #include "ui/link_status_bar.h"
 #include "ui/main_window.h"
@@ -35,11 +36,13 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
       window_(window),
       cnc_(cnc),
       recorder_(queue, console),
+      track_(cnc),
       // A seek clears what was decoded, the track and the markers, as the window's reset does.
       player_(queue, cnc.source_events(), [&window] { window.content().reset_button()->click(); }),
       bar_(new player_bar_t(player_)),
       open_(window.action("Open capture...")),
       record_(window.action("Record")),
+      export_(window.action("Export track...")),
       redraw_(this, [this] { refresh(); }) {
   choose_capture = [this] {
     return QFileDialog::getOpenFileName(&window_, tr("Open capture"), QDir::homePath(),
@@ -49,7 +52,12 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
     const auto name = QDateTime::currentDateTimeUtc().toString("'korvid-'yyyyMMdd-HHmmss'.nmea'");
     return QFileDialog::getSaveFileName(&window_, tr("Record to"), QDir::homePath() + "/" + name);
   };
+  choose_export = [this] {
+    return QFileDialog::getSaveFileName(&window_, tr("Export track"), QDir::homePath() + "/track.gpx",
+                                        tr("GPX (*.gpx);;GeoJSON (*.geojson)"));
+  };
   cnc_.add_tap(recorder_);
+  cnc_.add_tap(track_);
   window_.addToolBar(Qt::BottomToolBarArea, bar_);
   bar_->hide();
   window_.status().show_session(recorder_, player_);
@@ -67,6 +75,13 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
     record(recorder_.recording() ? QString() : choose_recording());
     refresh();
   });
+  export_->setEnabled(true);
+  QObject::connect(export_, &QAction::triggered, this, [this] {
+    const auto path = choose_export();
+    if (!path.isEmpty()) export_track(path);
+  });
+  // The window's reset clears the track, as it clears the map's.
+  QObject::connect(window_.content().reset_button(), &QAbstractButton::clicked, this, [this] { track_.clear(); });
   redraw_.watch(recorder_);
   redraw_.watch(cnc_);
 }
@@ -84,6 +99,14 @@ bool session_controller_t::open_capture(const QString& path) {
   bar_->show();
   player_.play();
   return true;
+}
+
+bool session_controller_t::export_track(const QString& path) {
+  track_.sample();
+  const auto problem = ::export_track(path, track_, cnc_.gga.map_annotations);
+  if (problem.isEmpty()) return true;
+  QMessageBox::warning(&window_, tr("Export track"), tr("Cannot write %1: %2").arg(path, problem));
+  return false;
 }
 
 void session_controller_t::record(const QString& path) {

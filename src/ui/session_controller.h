@@ -6,6 +6,7 @@
 
 #include "session/capture_player.h"
 #include "session/recorder.h"
+#include "session/track_store.h"
 #include "ui/redraw.h"
 
 class QAction;
@@ -17,7 +18,8 @@ class player_bar_t;
 
 // The window's sessions: File > Open capture (and a file dropped on the window) plays a capture
 // through the hub as the link "file", with the player bar shown while it is open; File > Record
-// writes the received stream to a file, with the status bar showing it. A live link that the user
+// writes the received stream to a file, with the status bar showing it; File > Export track writes
+// the session's full track as GPX or GeoJSON. A live link that the user
 // connects closes the capture.
 class session_controller_t final : public QObject {
 public:
@@ -29,14 +31,19 @@ public:
   bool open_capture(const QString& path);
   // Starts recording to path, or stops the recording under way when path is empty.
   void record(const QString& path);
+  // Writes the session's track, GPX or GeoJSON by the file's extension; false, with a message box,
+  // when it cannot.
+  bool export_track(const QString& path);
 
   capture_player_t& player() { return player_; }
   recorder_t& recorder() { return recorder_; }
+  track_store_t& track() { return track_; }
   player_bar_t& bar() const { return *bar_; }
 
   // The file dialogs, replaced by tests. Each returns an empty text when the user cancels.
   std::function<QString()> choose_capture;
   std::function<QString()> choose_recording;
+  std::function<QString()> choose_export;
 
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -47,9 +54,11 @@ private:
   main_window_t& window_;
   connection_t& cnc_;
   recorder_t recorder_;
+  track_store_t track_;
   capture_player_t player_;
   player_bar_t* bar_;
   QAction* open_;
   QAction* record_;
+  QAction* export_;
   redraw_t redraw_;
 };

@@ -114,6 +114,9 @@ EOF
 }
 same_state "$out/live.txt" "$out/replay.txt" || fail "the replayed recording differs from the live session"
 same_state "$out/replay.txt" "$out/paced.txt" || fail "the paced replay differs from the replay"
+"$bin/korvid-cli" --replay "$out/rec.nmea" --gpx "$out/t.gpx" > /dev/null &&
+  xmllint --noout --schema "$(dirname "$0")/../data/gpx.xsd" "$out/t.gpx" 2> /dev/null &&
+  [ "$(grep -c '<trkpt' "$out/t.gpx")" -ge 15 ] || fail "the recording's GPX track: $(head -c 300 "$out/t.gpx")"
 grep -q 'recording stopped: /dev/full: No space left on device' "$out/full.txt" &&
   grep -q 'connected to' "$out/full.txt" || fail "recording to /dev/full: $(cat "$out/full.txt")"
 

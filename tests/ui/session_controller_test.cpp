@@ -57,11 +57,18 @@ TEST_F(session_controller_test, plays_a_capture_from_the_file_menu_with_the_play
   EXPECT_EQ(hub.hub.gga.time.ss, 2);
   EXPECT_EQ(bar.status().text(), "file drive.nmea end");
   EXPECT_FALSE(bar.step_button().isEnabled());
+  const auto gpx = dir.filePath("track.gpx");
+  session.choose_export = [&gpx] { return gpx; };
+  window.action("Export track...")->trigger();
+  QFile exported(gpx);
+  ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
+  EXPECT_EQ(exported.readAll().count("<trkpt"), 3);
 
   // The seek bar's start plays the capture again from what a reset leaves.
   bar.seek_slider().triggerAction(QAbstractSlider::SliderToMinimum);
   EXPECT_EQ(session.player().offset(), 0U);
   EXPECT_EQ(hub.hub.msg_good, 0U);
+  EXPECT_TRUE(session.track().points().empty());
   EXPECT_TRUE(hub.console.lines.back().ends_with("connected to file drive.nmea"));
 }
 
