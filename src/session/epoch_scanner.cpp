@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::uint8_t sync_1 = 0xB5, sync_2 = 0x62;
-constexpr std::uint8_t class_nav = 0x01, id_posllh = 0x02, id_pvt = 0x07;
+constexpr std::uint8_t class_nav = 0x01;
 constexpr std::size_t frame_header = 6;    // sync pair, class, id, length
 constexpr std::size_t frame_overhead = 8;  // header and the two checksum bytes
 constexpr double ms_per_s = 1000.0;
@@ -142,7 +142,7 @@ void epoch_scanner_t::frame_byte(std::uint8_t byte, std::vector<epoch_mark_t>& m
     frame_class_ = byte;
     itow_ms_ = 0;
   } else if (at == 3) {
-    frame_id_ = byte;
+    // The message id: every NAV record carries its epoch's time.
   } else if (at == 4) {
     frame_length_ = byte;
   } else if (at == 5) {
@@ -154,8 +154,9 @@ void epoch_scanner_t::frame_byte(std::uint8_t byte, std::vector<epoch_mark_t>& m
     if (byte != ck_a_) frame_at_ = 0;
   } else {
     frame_at_ = 0;
-    const bool timed =
-        frame_class_ == class_nav && (frame_id_ == id_pvt || frame_id_ == id_posllh) && frame_length_ >= 4;
+    // Every NAV record starts with the iTOW of its epoch; a receiver sends an epoch's satellite and
+    // DOP records before its position, so the epoch starts at the first of them.
+    const bool timed = frame_class_ == class_nav && frame_length_ >= 4;
     if (byte == ck_b_ && timed) found(frame_start_, itow_ms_ / ms_per_s, week_s, marks);
   }
 }

@@ -19,8 +19,9 @@ inline constexpr double day_s = 86400.0;
 inline constexpr double week_s = 604800.0;
 
 // Finds the epochs of a capture fed to it in order, a piece at a time: the start of each GGA, RMC,
-// GLL or ZDA sentence (with a good checksum) and each NAV-PVT or NAV-POSLLH frame (with a good
-// checksum) whose time differs from the epoch before. A sentence is recognised at any line start,
+// GLL or ZDA sentence (with a good checksum) and each UBX NAV frame (with a good checksum: NAV-PVT,
+// NAV-POSLLH and the satellite and DOP records, which all start with the epoch's iTOW) whose time
+// differs from the epoch before. A sentence is recognised at any line start,
 // a frame at any sync pair, so a stream that mixes both is read as well as either.
 class epoch_scanner_t {
 public:
@@ -46,7 +47,7 @@ private:
   // The UBX frame being read: how many of its bytes came, its header, checksums and first bytes.
   std::uint64_t frame_start_ = 0;
   std::size_t frame_at_ = 0;
-  std::uint8_t frame_class_ = 0, frame_id_ = 0;
+  std::uint8_t frame_class_ = 0;
   std::size_t frame_length_ = 0;
   std::uint8_t ck_a_ = 0, ck_b_ = 0;
   std::uint32_t itow_ms_ = 0;

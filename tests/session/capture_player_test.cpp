@@ -74,7 +74,7 @@ TEST(epoch_scanner, finds_each_epoch_start_in_any_piece_size) {
   const auto text = joined(text_epochs);
   const auto e1 = text_epochs[0].size(), e2 = e1 + text_epochs[1].size(), e3 = e2 + text_epochs[2].size();
   const std::string bad_checksum = "$GPGGA,130000.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*00\n";
-  const auto ubx = nav(0x07, 5000) + nav(0x02, 5000) + "junk" + nav(0x07, 5100) + frame(0x01, 0x35, bytes_t(92, 1)) +
+  const auto ubx = nav(0x07, 5000) + nav(0x02, 5000) + "junk" + nav(0x07, 5100) + frame(0x0A, 0x04, bytes_t(92, 1)) +
                    nav(0x02, 604799900);
   auto broken = nav(0x07, 6000);
   broken.back() ^= 1;
