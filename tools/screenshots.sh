@@ -52,5 +52,5 @@ port=$(/usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0
 sleep 0.5
 "$cli" --connect "tcp://127.0.0.1:$port" --duration 60 --record "$home/drive.nmea" >/dev/null
 wait
-"$korvid" --screenshot "$out/player.png" --size 1100x720 --after 30 --sheet log "$home/drive.nmea" >/dev/null
+"$korvid" --screenshot "$out/player.png" --size 1100x720 --after 30 "$home/drive.nmea" >/dev/null
 echo "docs/screenshots/player.png"

@@ -127,7 +127,7 @@ class cli_recording_t {
 public:
   cli_recording_t(const cli_options_t& options, connection_t& hub, main_queue_t& queue, console_t& console)
       : options_(options), hub_(hub), recorder_(queue, console), track_(hub) {
-    hub_.add_tap(track_);
+    if (!options.gpx_file.empty() || !options.geojson_file.empty()) hub_.add_tap(track_);
     if (options.record_file.empty()) return;
     hub_.add_tap(recorder_);
     recorder_.start(options.record_file, options.record_rotate);
