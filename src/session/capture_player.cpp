@@ -132,7 +132,6 @@ std::string capture_player_t::time_at(std::uint64_t offset) const {
   std::vector<std::uint8_t> window;
   const auto n = read_at(offset, window);
   epoch_scanner_t scanner;
-  scanner.restart(offset);
   std::vector<epoch_mark_t> marks;
   scanner.feed({window.data(), n}, marks);
   return marks.empty() ? std::string() : clock_text(marks.front().time_s);
@@ -182,9 +181,9 @@ void capture_player_t::tick() {
   show_status();
 }
 
-// The bytes of one epoch: from offset_ up to the start of the next. False at the end of the file.
-bool capture_player_t::deliver_epoch() {
-  if (ended()) return false;
+// The bytes of one epoch: from offset_ up to the start of the next; nothing at the end of the file.
+void capture_player_t::deliver_epoch() {
+  if (ended()) return;
   if (find_next_mark() && marks_.front().offset == offset_) {
     if (have_epoch_) receiver_s_ += epoch_gap_s(epoch_, marks_.front());
     epoch_ = marks_.front();
@@ -192,7 +191,6 @@ bool capture_player_t::deliver_epoch() {
     marks_.pop_front();
   }
   deliver(find_next_mark() ? marks_.front().offset : scanned_);
-  return true;
 }
 
 // Scans ahead until an epoch at or after offset_ is known; false when none lies within the

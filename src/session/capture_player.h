@@ -63,7 +63,7 @@ public:
 private:
   void schedule(double delay_s);
   void tick();
-  bool deliver_epoch();
+  void deliver_epoch();
   bool find_next_mark();
   void deliver(std::uint64_t end);
   void restart_at(std::uint64_t offset);

@@ -69,17 +69,17 @@ double sentence_time(std::string_view line) {
   return -1;
 }
 
-// The size of a frame with a good checksum starting at bytes[0] and lying wholly within bytes, else 0.
-std::size_t whole_frame(std::span<const std::uint8_t> bytes) {
-  if (bytes.size() < frame_overhead || bytes[0] != sync_1 || bytes[1] != sync_2) return 0;
+// A frame with a good checksum starts at bytes[0] and lies wholly within bytes.
+bool whole_frame(std::span<const std::uint8_t> bytes) {
+  if (bytes.size() < frame_overhead || bytes[0] != sync_1 || bytes[1] != sync_2) return false;
   const std::size_t length = bytes[4] | static_cast<std::size_t>(bytes[5]) << 8U;
-  if (length > epoch_scanner_t::frame_limit || bytes.size() < length + frame_overhead) return 0;
+  if (length > epoch_scanner_t::frame_limit || bytes.size() < length + frame_overhead) return false;
   std::uint8_t a = 0, b = 0;
   for (std::size_t i = 2; i < frame_header + length; ++i) {
     a = static_cast<std::uint8_t>(a + bytes[i]);
     b = static_cast<std::uint8_t>(b + a);
   }
-  return bytes[frame_header + length] == a && bytes[frame_header + length + 1] == b ? length + frame_overhead : 0;
+  return bytes[frame_header + length] == a && bytes[frame_header + length + 1] == b;
 }
 
 }  // namespace
@@ -172,7 +172,7 @@ std::size_t resume_point(std::span<const std::uint8_t> bytes, bool at_line_start
   bool line_start = at_line_start;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     if (line_start && bytes[i] == '$') return i;
-    if (whole_frame(bytes.subspan(i)) != 0) return i;
+    if (whole_frame(bytes.subspan(i))) return i;
     line_start = bytes[i] == '\n';
   }
   return bytes.size();

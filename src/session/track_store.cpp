@@ -1,22 +1,11 @@
 #include "session/track_store.h"
 
 #include <cmath>
+#include <ctime>
 
 #include "link/connection.h"
 
 namespace {
-
-constexpr double s_per_day = 86400.0;
-
-// Days from 1970-01-01 to a date of the proleptic Gregorian calendar.
-std::int64_t days_from_civil(std::int64_t y, std::int64_t m, std::int64_t d) {
-  y -= m <= 2 ? 1 : 0;
-  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const std::int64_t yoe = y - era * 400;
-  const std::int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-  const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + doe - 719468;
-}
 
 // The fraction of a second: a record's milliseconds, or a sentence's fraction digits read as the
 // integer they spell (".1" and ".10" both arrive as tenths or hundredths; receivers write a fixed
@@ -79,7 +68,13 @@ void track_store_t::sample() {
   const auto& date = hub_.rmc.date;
   track_point_t point{fix.latitude, fix.longitude};
   const double day_s = static_cast<double>(t.hh * 3600 + t.mm * 60 + t.ss) + fraction_s(t, gga.pvt_mode);
-  if (date.y != 0) point.utc_s = static_cast<double>(days_from_civil(date.y, date.m, date.d)) * s_per_day + day_s;
+  if (date.y != 0) {
+    std::tm midnight{};
+    midnight.tm_year = static_cast<int>(date.y - 1900);
+    midnight.tm_mon = static_cast<int>(date.m - 1);
+    midnight.tm_mday = static_cast<int>(date.d);
+    point.utc_s = static_cast<double>(timegm(&midnight)) + day_s;
+  }
   point.ele_m = gga.alt_d;
   point.hdop = gga.hdop_d;
   point.sat = gga.sat_count_i;

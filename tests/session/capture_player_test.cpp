@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -85,6 +86,8 @@ TEST(epoch_scanner, finds_each_epoch_start_in_any_piece_size) {
   const std::vector<case_t> cases{
       {"sentences", text, {{0, 43200, day_s}, {e1, 43201, day_s}, {e2, 43202, day_s}, {e3, 43203, day_s}}},
       {"bad checksum", bad_checksum + text_epochs[2], {{bad_checksum.size(), 43202, day_s}}},
+      {"bad hex digit", bad_checksum.substr(0, bad_checksum.size() - 2) + "G\n", {}},
+      {"bad times", line("$GPGGA,12x519,,,,,,,,,,,,,") + line("$GPGGA,123519.x,,,,,,,,,,,,,"), {}},
       {"frames", ubx, {{0, 5, week_s}, {140, 5.1, week_s}, {340, 604799.9, week_s}}},
       {"broken frame", broken + nav(0x02, 7000), {{100, 7, week_s}}}};
   for (const auto& c : cases)
@@ -99,7 +102,10 @@ TEST(epoch_scanner, resumes_at_a_sentence_or_a_whole_frame) {
     bool at_line_start;
     std::size_t expected;
   };
+  auto bad_ck_b = pvt;
+  bad_ck_b.back() ^= 1;
   const std::vector<case_t> cases{{"$GPGGA", true, 0},
+                                  {bad_ck_b + "\n$", false, bad_ck_b.size() + 1},
                                   {"GGA,1*00\n$GPRMC", false, 9},
                                   {"$GPGGA", false, 6},
                                   {"12\n34\n$", false, 6},
@@ -147,17 +153,59 @@ TEST_F(capture_player_test, delivers_epochs_at_their_time) {
   queue.advance(0.01);
   EXPECT_EQ(link.record.received, text_epochs[0] + text_epochs[1]);
   player.set_speed(10);
+  EXPECT_EQ(last_status(), "file " + path.filename().string() + " 10x 12:00:01");
   queue.advance(0.09);
   EXPECT_EQ(player.offset(), text_epochs[0].size() + text_epochs[1].size());
   queue.advance(0.01);
   EXPECT_EQ(player.time_text(), "12:00:02");
   player.pause();
+  EXPECT_EQ(last_status(), "file " + path.filename().string() + " paused");
   queue.advance(10);
   EXPECT_EQ(link.record.received, text_epochs[0] + text_epochs[1] + text_epochs[2]);
+  player.play();
   player.step();
+  EXPECT_FALSE(player.playing());
   EXPECT_EQ(link.record.received, joined(text_epochs));
   EXPECT_TRUE(player.ended());
   EXPECT_EQ(last_status(), "file " + path.filename().string() + " end");
+  player.close();
+  EXPECT_FALSE(player.is_open());
+  EXPECT_FALSE(player.open(path.string() + ".missing"));
+  EXPECT_FALSE(player.open(path.parent_path().string()));
+}
+
+// When each epoch arrives: across midnight the clock runs on; a jump back or far ahead plays at once.
+TEST_F(capture_player_test, paces_by_the_gaps_between_epochs) {
+  struct case_t {
+    std::vector<std::string> times;
+    double speed;
+    std::vector<double> due_s;  // after the first epoch, which plays at once
+  };
+  const std::vector<case_t> cases{{{"123519", "123520", "123522.5"}, 1, {1, 3.5}},
+                                  {{"235959", "000000", "000001"}, 2, {0.5, 1}},
+                                  {{"120000", "110000", "110001"}, 1, {0, 1}},
+                                  {{"120000", "120200", "120201"}, 0.5, {0, 2}}};
+  for (const auto& c : cases) {
+    std::string capture;
+    std::vector<std::size_t> starts;
+    for (const auto& time : c.times) {
+      starts.push_back(capture.size());
+      capture += line("$GPZDA," + time + ",23,11,2026,00,00");
+    }
+    open(capture);
+    player.set_speed(c.speed);
+    player.play();
+    queue.run_pending();
+    const double start = queue.now_s();
+    for (std::size_t i = 0; i < c.due_s.size(); ++i) {
+      if (c.due_s[i] > 0) {
+        queue.advance(start + c.due_s[i] - 0.001 - queue.now_s());
+        EXPECT_EQ(player.offset(), starts[i + 1]) << c.times[i + 1] << " came early";
+      }
+      queue.advance(start + c.due_s[i] - queue.now_s());
+      EXPECT_GT(player.offset(), starts[i + 1]) << c.times[i + 1] << " is late";
+    }
+  }
 }
 
 TEST_F(capture_player_test, plays_as_fast_as_possible_in_batches) {
@@ -193,6 +241,9 @@ TEST_F(capture_player_test, seeks_to_a_line_or_frame_start) {
     EXPECT_EQ(player.offset(), c.expected) << c.offset;
   }
   EXPECT_EQ(resets, static_cast<int>(cases.size()));
+  EXPECT_EQ(std::count_if(link.record.events.begin(), link.record.events.end(),
+                          [](const std::string& e) { return e.starts_with("up file "); }),
+            static_cast<long>(2 * cases.size()));
   open(ubx);
   EXPECT_EQ(player.time_at(150), "00:00:01");
   player.seek(150);

@@ -94,6 +94,7 @@ TEST_F(recorder_test, writes_every_chunk_as_received_within_a_second) {
   queue.advance(recorder_t::flush_interval_s);
   EXPECT_EQ(read_file(path).size(), 21U);
   recorder.stop();
+  queue.advance(recorder_t::flush_interval_s);
   EXPECT_FALSE(recorder.recording());
   EXPECT_EQ(console.lines.back(), "2026-11-23 22:40:00 +0000  recording stopped: 21 bytes in " + path.string());
 }

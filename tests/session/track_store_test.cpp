@@ -12,6 +12,7 @@
 #include "nmea/sentence.h"
 #include "support/link_feed.h"
 #include "support/recording_console.h"
+#include "support/records.h"
 #include "support/test_queue.h"
 
 namespace {
@@ -73,6 +74,21 @@ TEST(track_store, drops_the_oldest_beyond_its_capacity_and_counts_them) {
   track.clear();
   EXPECT_TRUE(track.points().empty());
   EXPECT_EQ(track.dropped(), 0U);
+}
+
+TEST(track_store, reads_the_fix_type_of_a_record) {
+  hub_t h;
+  track_store_t track(h.hub);
+  const std::vector<std::pair<std::uint8_t, fix_kind_t>> cases{
+      {2, fix_kind_t::two_d}, {3, fix_kind_t::three_d}, {4, fix_kind_t::three_d}, {5, fix_kind_t::unknown}};
+  auto record = valid_pvt();
+  for (const auto& [type, kind] : cases) {
+    record.fixType = type;
+    ++record.sec;
+    h.hub.gga.update_pvt(record);
+    track.sample();
+    EXPECT_EQ(track.points().back().fix, kind) << int{type};
+  }
 }
 
 TEST(track_store, names_each_fix_kind_as_gpx_does) {
