@@ -57,7 +57,7 @@ TEST_F(session_controller_test, plays_a_capture_from_the_file_menu_with_the_play
   EXPECT_EQ(hub.hub.gga.time.ss, 2);
   EXPECT_EQ(bar.status().text(), "file drive.nmea end");
   EXPECT_FALSE(bar.step_button().isEnabled());
-  const auto gpx = dir.filePath("track.gpx");
+  QString gpx = dir.filePath("track.gpx");
   session.choose_export = [&gpx] { return gpx; };
   window.action("Export track...")->trigger();
   QFile exported(gpx);
@@ -91,7 +91,7 @@ TEST_F(session_controller_test, a_dropped_file_plays_and_a_live_link_closes_it) 
 }
 
 TEST_F(session_controller_test, records_from_the_file_menu_with_a_red_dot_in_the_status_bar) {
-  const auto file = dir.filePath("rec.nmea");
+  QString file = dir.filePath("rec.nmea");
   session.choose_recording = [&file] { return file; };
   QAction* record = window.action("Record");
   record->trigger();
