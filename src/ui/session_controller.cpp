@@ -6,6 +6,10 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QUrl>
@@ -43,6 +47,7 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
       open_(window.action("Open capture...")),
       record_(window.action("Record")),
       export_(window.action("Export track...")),
+      record_options_(new QAction(tr("Record &options..."), &window)),
       redraw_(this, [this] { refresh(); }) {
   choose_capture = [this] {
     return QFileDialog::getOpenFileName(&window_, tr("Open capture"), QDir::homePath(),
@@ -55,6 +60,15 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
   choose_export = [this] {
     return QFileDialog::getSaveFileName(&window_, tr("Export track"), QDir::homePath() + "/track.gpx",
                                         tr("GPX (*.gpx);;GeoJSON (*.geojson)"));
+  };
+  choose_rotation = [this]() -> std::optional<QString> {
+    bool ok = false;
+    const auto text = QInputDialog::getText(
+        &window_, tr("Record options"),
+        tr("Start a new file after a size (100M, 512K, 2G) or on each whole number of hours of UTC (1h, 6h);\n"
+           "leave empty to record to one file. The names carry each file's UTC start time."),
+        QLineEdit::Normal, rotation_text_, &ok);
+    return ok ? std::optional<QString>(text.trimmed()) : std::nullopt;
   };
   cnc_.add_tap(recorder_);
   cnc_.add_tap(track_);
@@ -75,6 +89,9 @@ session_controller_t::session_controller_t(main_window_t& window, connection_t& 
     record(recorder_.recording() ? QString() : choose_recording());
     refresh();
   });
+  // Record options come after Record in the File menu.
+  if (QMenu* file = window_.menuBar()->actions().front()->menu()) file->insertAction(export_, record_options_);
+  QObject::connect(record_options_, &QAction::triggered, this, [this] { choose_record_options(); });
   export_->setEnabled(true);
   QObject::connect(export_, &QAction::triggered, this, [this] {
     const auto path = choose_export();
@@ -113,8 +130,26 @@ void session_controller_t::record(const QString& path) {
   if (path.isEmpty()) {
     recorder_.stop();
   } else {
-    recorder_.start(path.toStdString());
+    recorder_.start(path.toStdString(), rotation_);
   }
+}
+
+void session_controller_t::choose_record_options() {
+  const auto text = choose_rotation();
+  if (!text) return;
+  if (text->isEmpty()) {
+    rotation_ = {};
+    rotation_text_.clear();
+    return;
+  }
+  const auto rotation = parse_record_rotation(text->toStdString());
+  if (!rotation) {
+    QMessageBox::warning(&window_, tr("Record options"),
+                         tr("'%1' is neither a size such as 100M nor hours such as 1h.").arg(*text));
+    return;
+  }
+  rotation_ = *rotation;
+  rotation_text_ = *text;
 }
 
 // A live link wanted again ends the capture: two streams must not meet in one receive path.

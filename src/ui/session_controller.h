@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <optional>
 
 #include "session/capture_player.h"
 #include "session/recorder.h"
@@ -44,12 +45,18 @@ public:
   std::function<QString()> choose_capture;
   std::function<QString()> choose_recording;
   std::function<QString()> choose_export;
+  // The rotation as the user types it ("100M", "1h", empty for one file); nullopt when cancelled.
+  std::function<std::optional<QString>()> choose_rotation;
+
+  // Where File > Record starts a new file; none at first.
+  const record_rotation_t& rotation() const { return rotation_; }
 
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   void refresh();
+  void choose_record_options();
 
   main_window_t& window_;
   connection_t& cnc_;
@@ -60,5 +67,8 @@ private:
   QAction* open_;
   QAction* record_;
   QAction* export_;
+  QAction* record_options_;
+  record_rotation_t rotation_;
+  QString rotation_text_;  // as the user typed it
   redraw_t redraw_;
 };

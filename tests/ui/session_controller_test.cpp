@@ -5,8 +5,10 @@
 #include <QAction>
 #include <QComboBox>
 #include <QLabel>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QSlider>
+#include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 #include <fstream>
@@ -91,6 +93,19 @@ TEST_F(session_controller_test, a_dropped_file_plays_and_a_live_link_closes_it) 
 }
 
 TEST_F(session_controller_test, records_from_the_file_menu_with_a_red_dot_in_the_status_bar) {
+  // Record options: a bad text keeps what was chosen, an empty one records to one file.
+  const std::vector<std::pair<QString, record_rotation_t>> options{
+      {"6h", {0, 21600}}, {"6x", {0, 21600}}, {"", {}}, {"100M", {100ULL << 20U, 0}}};
+  for (const auto& [text, rotation] : options) {
+    session.choose_rotation = [&text] { return std::optional<QString>(text); };
+    QTimer::singleShot(0, [] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) box->accept();
+    });
+    window.action("Record options...")->trigger();
+    EXPECT_EQ(session.rotation(), rotation) << text.toStdString();
+  }
+  session.choose_rotation = [] { return std::optional<QString>(""); };
+  window.action("Record options...")->trigger();
   QString file = dir.filePath("rec.nmea");
   session.choose_recording = [&file] { return file; };
   QAction* record = window.action("Record");
