@@ -97,7 +97,7 @@ TEST_F(session_controller_test, records_from_the_file_menu_with_a_red_dot_in_the
   const std::vector<std::pair<QString, record_rotation_t>> options{
       {"6h", {0, 21600}}, {"6x", {0, 21600}}, {"", {}}, {"100M", {100ULL << 20U, 0}}};
   for (const auto& [text, rotation] : options) {
-    session.choose_rotation = [&text] { return std::optional<QString>(text); };
+    session.choose_rotation = [answer = text] { return std::optional<QString>(answer); };
     QTimer::singleShot(0, [] {
       if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) box->accept();
     });
