@@ -42,3 +42,15 @@ shot sky --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds
 shot sky-dark --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark
 "$bench" --map-screenshot "$out/map.png"
 echo "docs/screenshots/map.png"
+
+# The player bar: a minute of the simulator recorded with korvid-cli, opened as a capture and
+# played for a while, so that the track has grown.
+sim=$build/src/app/korvid-sim
+cli=$build/src/app/korvid-cli
+port=$(/usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+"$sim" --port "$port" --rate 10 --duration 70 >/dev/null 2>&1 &
+sleep 0.5
+"$cli" --connect "tcp://127.0.0.1:$port" --duration 60 --record "$home/drive.nmea" >/dev/null
+wait
+"$korvid" --screenshot "$out/player.png" --size 1100x720 --after 30 "$home/drive.nmea" >/dev/null
+echo "docs/screenshots/player.png"

@@ -42,6 +42,14 @@ const char* const cli_usage =
     "                  mountpoint)\n"
     "  --sourcetable ntrip://HOST[:PORT]\n"
     "                  print the caster's mountpoints, nearest first once a fix is known, and exit\n"
+    "  --record FILE   write every received byte to FILE exactly as it came\n"
+    "  --record-rotate SIZE|HOURS\n"
+    "                  with --record: start a new file after SIZE bytes (100M, 512K, 2G) or on\n"
+    "                  each whole HOURS of UTC (1h); the names carry the UTC start time\n"
+    "  --speed X       with --replay: play at the receiver's own pace times X (0.5, 1, 2, 10, ...),\n"
+    "                  or \"max\", as fast as the epochs can be delivered\n"
+    "  --gpx FILE      when the run ends, write the session's track and markers as GPX 1.1\n"
+    "  --geojson FILE  the same as GeoJSON (one LineString, the markers as Points)\n"
     "  --help          show this text\n";
 
 namespace {
@@ -118,6 +126,24 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       (stream ? options.corrections : options.sourcetable) = ntrip.address;
     } else if (arg == "--gga") {
       options.gga = true;
+    } else if (arg == "--record") {
+      if (!next(value)) return fail("--record needs a file name");
+      options.record_file = std::string(value);
+    } else if (arg == "--record-rotate") {
+      if (!next(value)) return fail("--record-rotate needs a size or a number of hours");
+      const auto rotation = parse_record_rotation(value);
+      if (!rotation)
+        return fail("--record-rotate takes a size such as 100M or hours such as 1h, not '" + std::string(value) + "'");
+      options.record_rotate = *rotation;
+    } else if (arg == "--speed") {
+      if (!next(value)) return fail("--speed needs a number or max");
+      const auto speed = value == "max" ? std::optional<double>(0.0) : parse_double(value);
+      if (!speed || !(*speed >= 0.0) || *speed > cli_max_speed || (*speed == 0.0 && value != "max"))
+        return fail("--speed takes a number above 0 up to 1000 or max, not '" + std::string(value) + "'");
+      options.speed = speed;
+    } else if (arg == "--gpx" || arg == "--geojson") {
+      if (!next(value)) return fail(std::string(arg) + " needs a file name");
+      (arg == "--gpx" ? options.gpx_file : options.geojson_file) = std::string(value);
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
@@ -133,6 +159,9 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     return fail("--sourcetable stands alone");
   const bool connect = tcp || ble || source || options.connect_saved || options.corrections || options.sourcetable;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
+  if (options.record_rotate.rotates() && options.record_file.empty()) return fail("--record-rotate goes with --record");
+  if (options.speed && (options.replay_file.empty() || options.replay_file == "-"))
+    return fail("--speed goes with --replay FILE, a capture file");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};

@@ -16,6 +16,7 @@ KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& conso
       corrections_settings(store),
       corrections(cnc, queue, console, [this](link_events_t& events) { return links.make_tcp(events); }),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      window(cfg, cnc, map_cfg, map, queue, meter) {
+      window(cfg, cnc, map_cfg, map, queue, meter),
+      session(*new session_controller_t(window, cnc, queue, console)) {
   add_corrections(window, corrections, corrections_settings);
 }

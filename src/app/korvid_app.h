@@ -14,6 +14,7 @@
 #include "platform/tile_map_widget.h"
 #include "ui/link_meter.h"
 #include "ui/main_window.h"
+#include "ui/session_controller.h"
 
 // The window's object graph, built in the order the screens rely on: the settings (restored at
 // once), the transports with the meter that counts their bytes, the hub, the map widget and the map
@@ -32,6 +33,7 @@ public:
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;
+  session_controller_t& session;  // owned by the window: recording and playing captures
 };
 
 // The user's cache folder for map tiles.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,10 @@
 #include "ntrip/corrections.h"
 #include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
+#include "platform/track_export.h"
+#include "session/capture_player.h"
+#include "session/recorder.h"
+#include "session/track_store.h"
 
 namespace {
 
@@ -77,6 +82,36 @@ int run_sourcetable(const cli_options_t& options, QCoreApplication& app, correct
   return corrections.table->empty() ? 1 : 0;
 }
 
+// A replay that exports a track delivers epoch by epoch, so that the track holds every one: as fast
+// as possible unless a speed is given. Otherwise it takes the plain replay path.
+bool paces(const cli_options_t& options) {
+  const bool exports = !options.gpx_file.empty() || !options.geojson_file.empty();
+  return options.speed || (exports && options.replay_file != "-");
+}
+
+// The capture at the receiver's own pace, through the hub as a link of its own; ends at its end.
+int paced_replay(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub) {
+  stop_signal_watch_t stop_watch(app);
+  capture_player_t player(queue, hub.source_events(), [&hub] { hub.reset(); });
+  if (!player.open(options.replay_file)) {
+    std::fprintf(stderr, "korvid-cli: cannot read '%s'\n", options.replay_file.c_str());
+    return usage_error;
+  }
+  const auto at_end = player.subscribe([&player, &app] {
+    if (player.ended()) QTimer::singleShot(0, &app, &QCoreApplication::quit);
+  });
+  QTimer snapshots;
+  if (options.json) {
+    QObject::connect(&snapshots, &QTimer::timeout, &app, [&hub] { print_result(hub, true); });
+    snapshots.start(static_cast<int>(options.interval_s * 1000));
+  }
+  player.set_speed(options.speed.value_or(capture_player_t::max_speed));
+  player.play();
+  if (!player.ended()) app.exec();
+  print_result(hub, options.json);
+  return 0;
+}
+
 int run_connected(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub,
                   console_t& console, corrections_t& corrections) {
   stop_signal_watch_t stop_watch(app);
@@ -109,6 +144,46 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
   print_result(hub, options.json, &corrections);
   return 0;
 }
+
+// For as long as this lives, the stream as received goes to the file given with --record and the
+// epochs' fixes to the track that --gpx and --geojson write when it ends.
+class cli_recording_t {
+public:
+  cli_recording_t(const cli_options_t& options, connection_t& hub, main_queue_t& queue, console_t& console)
+      : options_(options), hub_(hub), recorder_(queue, console), track_(hub) {
+    if (!options.gpx_file.empty() || !options.geojson_file.empty()) hub_.add_tap(track_);
+    if (options.record_file.empty()) return;
+    hub_.add_tap(recorder_);
+    recorder_.start(options.record_file, options.record_rotate);
+  }
+  ~cli_recording_t() {
+    hub_.remove_tap(recorder_);
+    hub_.remove_tap(track_);
+    recorder_.stop();
+  }
+  cli_recording_t(const cli_recording_t&) = delete;
+  cli_recording_t& operator=(const cli_recording_t&) = delete;
+
+  // False, having said why, when a track file could not be written.
+  bool export_track() {
+    track_.sample();
+    bool written = true;
+    for (const auto& path : {options_.gpx_file, options_.geojson_file}) {
+      if (path.empty()) continue;
+      const auto problem = ::export_track(QString::fromStdString(path), track_, hub_.gga.map_annotations);
+      if (problem.isEmpty()) continue;
+      std::fprintf(stderr, "korvid-cli: cannot write '%s': %s\n", path.c_str(), problem.toLocal8Bit().constData());
+      written = false;
+    }
+    return written;
+  }
+
+private:
+  const cli_options_t& options_;
+  connection_t& hub_;
+  recorder_t recorder_;
+  track_store_t track_;
+};
 
 }  // namespace
 
@@ -151,13 +226,20 @@ int main(int argc, char** argv) {
   corrections_t corrections(hub, queue, console, [&queue, &console](link_events_t& events) {
     return std::make_unique<tcp_client_t>(events, queue, console);
   });
+  std::optional<cli_recording_t> recording(std::in_place, options, hub, queue, console);
 
-  const int status = !options.replay_file.empty() ? replay(options, hub)
-                     : options.sourcetable        ? run_sourcetable(options, app, corrections)
-                                                  : run_connected(options, app, queue, hub, console, corrections);
+  int status = 0;
+  if (!options.replay_file.empty()) {
+    status = paces(options) ? paced_replay(options, app, queue, hub) : replay(options, hub);
+  } else {
+    status = options.sourcetable ? run_sourcetable(options, app, corrections)
+                                 : run_connected(options, app, queue, hub, console, corrections);
+  }
+  const bool exported = recording->export_track();
+  recording.reset();
   // Threads waiting for the main thread give up from here on; then the links are closed.
   queue.close();
   if (options.replay_file.empty()) hub.disconnect();
   corrections.disconnect();
-  return status;
+  return status == 0 && !exported ? 1 : status;
 }

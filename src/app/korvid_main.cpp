@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
   window.show();
   if (options.demo) session.connect(korvid->cfg, korvid->cnc);
   if (options.corrections) korvid->corrections.connect(*options.corrections, false);
+  if (!options.capture.empty()) korvid->session.open_capture(QString::fromStdString(options.capture));
   for (const sheet_id_t sheet : options.sheets) {
     if (sheet == sheet_id_t::details)
       window.sheets().toggle_fix_details();

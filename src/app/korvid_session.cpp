@@ -9,6 +9,7 @@
 #include "core/console.h"
 #include "link/connect_action.h"
 #include "platform/qt_main_queue.h"
+#include "session/capture_player.h"
 
 namespace {
 
@@ -62,7 +63,20 @@ int run_headless(int argc, char** argv, const window_options_t& options) {
   config_connection_t cfg(session.store(), console);
   program_links_t links(queue, console);
   connection_t hub(queue, console, links);
-  session.connect(cfg, hub);
+  // A capture given on the command line plays at the receiver's pace instead of the link, and
+  // the program ends with it.
+  capture_player_t player(queue, hub.source_events(), [&hub] { hub.reset(); });
+  const auto at_end = player.subscribe([&player, &app] {
+    if (player.ended()) QTimer::singleShot(0, &app, &QCoreApplication::quit);
+  });
+  if (options.capture.empty()) {
+    session.connect(cfg, hub);
+  } else if (player.open(options.capture)) {
+    player.play();
+  } else {
+    std::fprintf(stderr, "korvid: cannot read '%s'\n", options.capture.c_str());
+    return 1;
+  }
   QTimer ticks;
   QObject::connect(&ticks, &QTimer::timeout, &app, [&cfg, &hub] { print_summary(cfg, hub); });
   ticks.start(summary_ms);

@@ -30,7 +30,7 @@ std::optional<sheet_id_t> sheet_named(std::string_view name) {
 
 const char* const window_usage =
     "usage: korvid [--demo [--ubx] [--gnss LIST]] [--screenshot FILE [--after S]] [--size WxH]\n"
-    "              [--sheet log|details|settings|sky] [--dark]\n"
+    "              [--sheet log|details|settings|sky] [--dark] [CAPTURE]\n"
     "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
     "                     nothing is saved to your settings\n"
     "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
@@ -42,6 +42,7 @@ const char* const window_usage =
     "  --dark             draw with a dark palette\n"
     "  --corrections ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT\n"
     "                     stream an NTRIP mountpoint's corrections to the receiver from the start\n"
+    "  CAPTURE            play a recorded stream at the receiver's own pace, with the player bar\n"
     "Without a display korvid runs headless and prints a summary every second.\n";
 
 window_parse_t parse_window(std::span<const std::string_view> args) {
@@ -85,10 +86,13 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
       const auto ntrip = value(v) ? parse_ntrip_url(v, true) : ntrip_address_parse_t{{}, "needs an ntrip:// address"};
       if (!ntrip.address) return {{}, "--corrections " + ntrip.error};
       o.corrections = ntrip.address;
+    } else if (!a.empty() && a.front() != '-' && o.capture.empty()) {
+      o.capture = std::string(a);
     } else {
       return {{}, "unknown argument '" + std::string(a) + "'"};
     }
   }
+  if (!o.capture.empty() && o.demo) return {{}, "a capture plays without --demo"};
   if (o.ubx && !o.demo) return {{}, "--ubx goes with --demo"};
   if (o.gnss != 0 && !o.demo) return {{}, "--gnss goes with --demo"};
   return {o, {}};

@@ -6,6 +6,8 @@
 #include "link/connect_action.h"
 #include "link/connection.h"
 #include "ntrip/corrections.h"
+#include "session/capture_player.h"
+#include "session/recorder.h"
 #include "ui/link_meter.h"
 #include "ui/palette.h"
 
@@ -20,6 +22,14 @@ QLabel* field(const QString& name) {
 
 void show_text(QLabel& label, const QString& text) {
   if (label.text() != text) label.setText(text);
+}
+
+// "1.5 MB", "12.0 kB", "340 B".
+QString size_text(std::uint64_t bytes) {
+  constexpr double kilo = 1000.0, mega = kilo * kilo;
+  const auto b = static_cast<double>(bytes);
+  if (b >= mega) return QString::asprintf("%.1f MB", b / mega);
+  return b >= kilo ? QString::asprintf("%.1f kB", b / kilo) : QString::asprintf("%.0f B", b);
 }
 
 QString rate_of_bytes(double per_s) {
@@ -97,6 +107,31 @@ void link_status_bar_t::show_rtk() {
   set_text_colour(*rtk_, colour_of(corrections_->rtk_colour(), palette()));
 }
 
+void link_status_bar_t::show_session(recorder_t& recorder, const capture_player_t& player) {
+  recorder_ = &recorder;
+  player_ = &player;
+  recording_ = new QLabel;
+  recording_->setTextFormat(Qt::RichText);
+  recording_->setAccessibleName(tr("Recording"));
+  addPermanentWidget(recording_);
+  // The recorder tells of each flush, once a second while it records.
+  recording_changes_ = recorder.subscribe([this] {
+    QMetaObject::invokeMethod(
+        this, [this] { show_recording_text(); }, Qt::QueuedConnection);
+  });
+  show_recording_text();
+}
+
+void link_status_bar_t::show_recording_text() {
+  recording_->setVisible(recorder_->recording());
+  if (!recorder_->recording()) return;
+  const auto name = QString::fromStdString(recorder_->file()).section('/', -1);
+  const auto text = QString("<span style=\"color:#d32f2f\">\u25CF</span> %1 %2")
+                        .arg(name.toHtmlEscaped(), size_text(recorder_->size()));
+  if (recording_->text() != text) recording_->setText(text);
+  recording_->setToolTip(tr("Recording to %1").arg(QString::fromStdString(recorder_->file())));
+}
+
 // "TCP connected to 127.0.0.1:10110", "TCP 192.168.4.1:81: Connection refused, retrying",
 // "BLE scanning for Thingy:91 UART"; "offline" when no link is wanted.
 QString link_status_bar_t::state_text() const {
@@ -116,6 +151,7 @@ QString link_status_bar_t::state_text() const {
     else
       parts << tr("BLE connected to %1").arg(QString::fromStdString(cnc_.status_ble));
   }
+  if (player_ && player_->is_open()) parts << QString::fromStdString(player_->status_text());
   return parts.isEmpty() ? tr("offline") : parts.join(", ");
 }
 

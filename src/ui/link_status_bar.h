@@ -6,7 +6,11 @@
 #include <limits>
 #include <tuple>
 
+#include "core/observable.h"
+
 class QLabel;
+class capture_player_t;
+class recorder_t;
 class config_connection_t;
 class connection_t;
 class corrections_t;
@@ -32,6 +36,10 @@ public:
   const QLabel& errors() const { return *errors_; }
   const QLabel& fix_age() const { return *age_; }
   const QLabel& hint() const { return *hint_; }
+  // While the recorder records: a red dot, the file and its size. While a capture is open, its
+  // status is the link's state.
+  void show_session(recorder_t& recorder, const capture_player_t& player);
+  const QLabel* recording() const { return recording_; }
 
   // Adds the RTK indicator for a corrections source: "RTK fixed  age 0.8 s" while one is wanted.
   void show_corrections(const corrections_t& corrections);
@@ -66,4 +74,9 @@ private:
   const corrections_t* corrections_ = nullptr;
   QLabel* rtk_ = nullptr;
   void show_rtk();
+  void show_recording_text();
+  const recorder_t* recorder_ = nullptr;
+  const capture_player_t* player_ = nullptr;
+  QLabel* recording_ = nullptr;
+  subscription_t recording_changes_;
 };

@@ -40,6 +40,10 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
         .gga = true}},
       {{"--sourcetable", "ntrip://caster.example.org:2102"},
        {.chunk = 2047, .sourcetable = ntrip_address_t{.host = "caster.example.org", .port = 2102}}},
+      {{"--connect", "tcp://127.0.0.1:1", "--record", "r.nmea", "--record-rotate", "1h"},
+       {.host = "127.0.0.1", .port = 1, .chunk = 2047, .record_file = "r.nmea", .record_rotate = {0, 3600}}},
+      {{"--replay", "a", "--speed", "0.5"}, {.replay_file = "a", .chunk = 2047, .speed = 0.5}},
+      {{"--replay", "a", "--speed", "max"}, {.replay_file = "a", .chunk = 2047, .speed = 0.0}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -80,6 +84,12 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--corrections", "ntrip://127.0.0.1"}, "--corrections takes ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT"},
       {{"--connect", "tcp://127.0.0.1:81", "--gga"}, "--gga goes with --corrections"},
       {{"--sourcetable", "ntrip://h", "--corrections", "ntrip://h/M"}, "--sourcetable stands alone"},
+      {{"--connect", "saved", "--record-rotate", "1h"}, "--record-rotate goes with --record"},
+      {{"--connect", "saved", "--record", "r", "--record-rotate", "1d"}, "not '1d'"},
+      {{"--replay", "a", "--speed", "0"}, "above 0 up to 1000 or max, not '0'"},
+      {{"--replay", "a", "--speed", "1001"}, "not '1001'"},
+      {{"--replay", "-", "--speed", "2"}, "--speed goes with --replay FILE"},
+      {{"--connect", "saved", "--speed", "2"}, "--speed goes with --replay FILE"},
   };
   for (const auto& [args, says] : cases) {
     const auto r = parse_cli(args);

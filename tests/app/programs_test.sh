@@ -98,5 +98,36 @@ else
   echo "programs: gpsd and gpsfake are not installed; the gpsd link is not tried"
 fi
 
+# A live session recorded and replayed gives the same state but the link texts, as fast as possible
+# and paced by its epochs; a recording that cannot be written stops with its reason, the link goes on.
+port=$(free_port)
+"$bin/korvid-sim" --port "$port" --rate 10 --duration 8 > /dev/null 2>&1 &
+sim=$!
+sleep 0.3
+"$bin/korvid-cli" --connect "tcp://127.0.0.1:$port" --duration 2 --json --interval 100 --record "$out/rec.nmea" \
+  > "$out/live.txt"
+"$bin/korvid-cli" --connect "tcp://127.0.0.1:$port" --duration 1 --record /dev/full > "$out/full.txt"
+kill "$sim" 2> /dev/null; wait "$sim" 2> /dev/null
+"$bin/korvid-cli" --replay "$out/rec.nmea" --json > "$out/replay.txt"
+"$bin/korvid-cli" --replay "$out/rec.nmea" --speed max --json > "$out/paced.txt"
+same_state() {
+  /usr/bin/python3 - "$1" "$2" << 'EOF'
+import json, sys
+def state(path):
+    d = json.loads([l for l in open(path) if l.startswith("{")][-1])
+    d["hub"] = {k: v for k, v in d["hub"].items() if not k.startswith("status")}
+    return d
+a, b = state(sys.argv[1]), state(sys.argv[2])
+sys.exit(0 if a == b and a["gga"]["fix_i"] > 0 else 1)
+EOF
+}
+same_state "$out/live.txt" "$out/replay.txt" || fail "the replayed recording differs from the live session"
+same_state "$out/replay.txt" "$out/paced.txt" || fail "the paced replay differs from the replay"
+"$bin/korvid-cli" --replay "$out/rec.nmea" --gpx "$out/t.gpx" > /dev/null &&
+  xmllint --noout --schema "$(dirname "$0")/../data/gpx.xsd" "$out/t.gpx" 2> /dev/null &&
+  [ "$(grep -c '<trkpt' "$out/t.gpx")" -ge 15 ] || fail "the recording's GPX track: $(head -c 300 "$out/t.gpx")"
+grep -q 'recording stopped: /dev/full: No space left on device' "$out/full.txt" &&
+  grep -q 'connected to' "$out/full.txt" || fail "recording to /dev/full: $(cat "$out/full.txt")"
+
 [ "$failures" -eq 0 ] && echo "programs: all passed"
 exit "$failures"

@@ -20,6 +20,7 @@ TEST(window_options, reads_what_the_window_is_asked_to_do) {
   const auto c = parse_window(std::vector<std::string_view>{"--corrections", "ntrip://127.0.0.1/MNT"});
   ASSERT_TRUE(c.options) << c.error;
   EXPECT_EQ(c.options->corrections->mountpoint, "MNT");
+  EXPECT_EQ(parse_window(std::vector<std::string_view>{"--dark", "drive.ubx"}).options->capture, "drive.ubx");
 }
 
 TEST(window_options, a_bad_argument_names_the_problem) {
@@ -37,6 +38,8 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--corrections"}, "--corrections needs an ntrip:// address"},
       {{"--corrections", "ntrip://h"},
        "--corrections takes ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT with a mountpoint, not 'ntrip://h'"},
+      {{"a.nmea", "b.nmea"}, "unknown argument 'b.nmea'"},
+      {{"--demo", "a.nmea"}, "a capture plays without --demo"},
   };
   for (const auto& [args, error] : cases) {
     const auto p = parse_window(args);
