@@ -30,11 +30,11 @@ struct cli_options_t {
   std::optional<ntrip_address_t> corrections;  // --corrections ntrip://...: a mountpoint for the receiver
   bool gga = false;                            // --gga: send the receiver's position to the caster
   std::optional<ntrip_address_t> sourcetable;  // --sourcetable ntrip://HOST[:PORT]: print the table
-  std::string record_file;          // --record: the received stream goes to this file as it came
-  record_rotation_t record_rotate;  // --record-rotate: a new file after so many bytes or hours
-  std::optional<double> speed;      // --speed: replay at the receiver's pace times this; 0 as fast as possible
-  std::string gpx_file;             // --gpx: the session's track as GPX 1.1 when the run ends
-  std::string geojson_file;         // --geojson: the same as GeoJSON
+  std::string record_file;                     // --record: the received stream goes to this file as it came
+  record_rotation_t record_rotate;             // --record-rotate: a new file after so many bytes or hours
+  std::optional<double> speed;  // --speed: replay at the receiver's pace times this; 0 as fast as possible
+  std::string gpx_file;         // --gpx: the session's track as GPX 1.1 when the run ends
+  std::string geojson_file;     // --geojson: the same as GeoJSON
 
   bool operator==(const cli_options_t&) const = default;
 };
