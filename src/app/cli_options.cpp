@@ -1,5 +1,6 @@
 #include "app/cli_options.h"
 
+#include "command/typed_command.h"
 #include "link/host_address.h"
 #include "link/replay.h"
 #include "nmea/fields.h"
@@ -36,6 +37,13 @@ const char* const cli_usage =
     "  --interval S    with --json, seconds between snapshots (default 1)\n"
     "  --json          print the state as one JSON object per line; the last one at the end\n"
     "  --show-all      log every valid sentence, not only GGA\n"
+    "  --send CMD      send a command to the receiver once the link is up (repeatable, in order):\n"
+    "                  $SENTENCE (checksum added), ubx:CLASS,ID,PAYLOADHEX, hex:BYTES,\n"
+    "                  set:KEY=VALUE, get:KEY, del:KEY, rate:MS, msg:CLASS,ID,RATE\n"
+    "  --read-only     send the receiver nothing, whatever else asks to\n"
+    "  --serve :PORT   share every received byte with TCP clients on PORT (0: a free one)\n"
+    "  --allow-client-writes\n"
+    "                  with --serve: pass what the clients send on to the receiver\n"
     "  --help          show this text\n";
 
 namespace {
@@ -104,6 +112,19 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
       const auto n = parse_unsigned(value, cli_max_chunk);
       if (!n || *n < 1) return fail("--chunk must be a whole number from 1 to 65536, not '" + std::string(value) + "'");
       options.chunk = static_cast<std::size_t>(*n);
+    } else if (arg == "--send") {
+      if (!next(value)) return fail("--send needs a command");
+      if (const auto typed = parse_typed_command(value); !typed.command) return fail("--send " + typed.error);
+      options.sends.emplace_back(value);
+    } else if (arg == "--read-only") {
+      options.read_only = true;
+    } else if (arg == "--serve") {
+      const auto port = next(value) && value.starts_with(':') ? parse_unsigned(value.substr(1), 65535) : std::nullopt;
+      if (!port) return fail("--serve takes :PORT, a port from 0 to 65535");
+      options.serve = true;
+      options.serve_port = static_cast<std::uint16_t>(*port);
+    } else if (arg == "--allow-client-writes") {
+      options.allow_client_writes = true;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
@@ -116,6 +137,8 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
   if (options.connect_saved && (tcp || ble || source)) return fail("--connect saved stands alone");
   const bool connect = tcp || ble || source || options.connect_saved;
   if (!options.replay_file.empty() && connect) return fail("give either --replay or --connect, not both");
+  if (!connect && (!options.sends.empty() || options.serve)) return fail("--send and --serve need a --connect");
+  if (options.allow_client_writes && !options.serve) return fail("--allow-client-writes needs --serve");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "link/source_address.h"
 
@@ -25,6 +26,11 @@ struct cli_options_t {
   bool json = false;
   bool show_all = false;
   bool help = false;
+  std::vector<std::string> sends;  // --send: commands for the receiver, in order, once a link is up
+  bool read_only = false;          // send the receiver nothing
+  bool serve = false;              // --serve :PORT: share the received bytes with TCP clients
+  std::uint16_t serve_port = 0;    // 0: a free port, said on the console
+  bool allow_client_writes = false;
 
   bool operator==(const cli_options_t&) const = default;
 };

@@ -28,7 +28,8 @@ const char* const sim_usage =
     "  --pty                  serve on a new pseudo-terminal instead of TCP, as a serial receiver\n"
     "  --baud N               with --pty: answer only when the terminal is set to N baud\n"
     "  --udp HOST:PORT        send each epoch as a datagram to HOST:PORT instead of serving TCP\n"
-    "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n";
+    "  --duration S           stop after S seconds (default: at Ctrl-C or SIGTERM)\n"
+    "  --ignore-commands      answer no command a client sends (no ACK, no MON-VER)\n";
 
 namespace {
 
@@ -112,6 +113,8 @@ sim_parse_t parse_sim(std::span<const std::string_view> args) {
     } else if (arg == "--udp") {
       if (!parse_host_port(value(), options.udp_host, options.udp_port))
         return fail("--udp takes HOST:PORT, an IPv4 address or a bracketed IPv6 one");
+    } else if (arg == "--ignore-commands") {
+      options.ignore_commands = true;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }

@@ -19,6 +19,7 @@ struct sim_options_t {
   std::string udp_host;        // send datagrams to udp_host:udp_port instead of serving TCP
   std::uint16_t udp_port = 0;
   bool help = false;
+  bool ignore_commands = false;  // no answers to the clients' commands
 };
 
 // Either the options or a one-line message naming what was wrong.

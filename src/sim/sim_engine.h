@@ -42,6 +42,8 @@ public:
   // The bytes of the next epoch.
   std::string next_epoch();
   const sim_counts_t& counts() const { return counts_; }
+  // A new rate from the next epoch on; the simulated time runs on without a jump.
+  void set_epoch_s(double epoch_s);
 
 private:
   struct position_t {
@@ -61,5 +63,7 @@ private:
   sim_config_t config_;
   std::mt19937_64 rng_;
   std::uint64_t epoch_ = 0;
+  std::uint64_t rate_epoch_ = 0;  // the epoch at which epoch_s last changed
+  double rate_t_ = 0.0;           // and its time
   sim_counts_t counts_;
 };
