@@ -6,10 +6,11 @@
 #include <thread>
 
 #include "sim/sim_engine.h"
+#include "sim/sim_receiver.h"
 #include "sim/sim_server.h"
 
 // The demo's receiver: the simulator serving a walk at 10 Hz on a free port of 127.0.0.1, on a
-// thread of its own, until the demo ends.
+// thread of its own, until the demo ends. It answers configuration and MON-VER as korvid-sim does.
 class demo_sim_t {
 public:
   static constexpr double rate_hz = 10.0;
@@ -29,6 +30,7 @@ public:
 private:
   sim_engine_t engine_;
   sim_server_t server_;
+  sim_receiver_t receiver_;  // answers the console's commands as a receiver does
   std::atomic<bool> stop_{false};
   std::uint16_t port_ = 0;
   std::thread thread_;

@@ -3,6 +3,8 @@
 #include <QStandardPaths>
 
 #include "platform/tile_source.h"
+#include "ui/console_dock.h"
+#include "ui/link_status_bar.h"
 
 QString tile_cache_folder() {
   return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles";
@@ -13,4 +15,28 @@ KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& conso
       links(queue, console),
       cnc(queue, console, meter),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
-      window(cfg, cnc, map_cfg, map, queue, meter) {}
+      window(cfg, cnc, map_cfg, map, queue, meter),
+      commands(cnc, queue, console),
+      command_settings(store) {
+  add_console(queue, console);
+}
+
+// The console as a dock (Ctrl+5), sharing in the Connection menu, the receiver's identity in the
+// status bar's tooltip, and the read-only switch following the link the settings name.
+void KorvidApp::add_console(main_queue_t& queue, console_t& console) {
+  auto* dock = new console_dock_t(commands, command_settings, [this] {
+    return cfg.enable_ble().get() && !cfg.enable_bridge().get()
+               ? "ble://" + cfg.ble_name.get()
+               : "tcp://" + cfg.host.get() + ":" + std::to_string(cfg.port.get());
+  });
+  window.bind_sheet(sheet_id_t::console,
+                    window.add_dock("console", QObject::tr("Co&nsole"), dock, 5, Qt::BottomDockWidgetArea));
+  add_share_actions(window.connection_menu(), cnc, queue, console);
+  console_watch_.push_back(cfg.subscribe([dock] { dock->follow_link(); }));
+  console_watch_.push_back(commands.subscribe([this] {
+    // Notices come before the change is stored: read the identity on the next turn.
+    QMetaObject::invokeMethod(
+        &window, [this] { window.status().set_identity(QString::fromStdString(commands.identity.get())); },
+        Qt::QueuedConnection);
+  }));
+}

@@ -4,9 +4,11 @@
 
 #include "app/program_links.h"
 #include "core/console.h"
+#include "link/command_settings.h"
 #include "link/config_connection.h"
 #include "link/connection.h"
 #include "link/kv_store.h"
+#include "link/receiver_console.h"
 #include "map/map_view.h"
 #include "platform/qt_main_queue.h"
 #include "platform/tile_map_widget.h"
@@ -27,6 +29,13 @@ public:
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;
+  // The console dock's models: commands to the receiver and their settings.
+  receiver_console_t commands;
+  command_settings_t command_settings;
+
+private:
+  void add_console(main_queue_t& queue, console_t& console);
+  std::vector<subscription_t> console_watch_;
 };
 
 // The user's cache folder for map tiles.

@@ -48,6 +48,7 @@ void receiver_console_t::transmit(const typed_command_t& command) {
   }
   console_.print(console_.date() + "  sent " + command.text);
   hub_.log_sent(command.text);
+  note("sent " + command.text);
   tracker_.expect(command);
 }
 
@@ -56,5 +57,12 @@ void receiver_console_t::report(const answer_t& answer) {
   if (!answer.detail.empty()) line += ": " + answer.detail;
   if (answer.command == ubx_name(ubx_mon_ver) && answer.state == answer_state_t::answered) identity = answer.detail;
   console_.print(console_.date() + "  " + line);
-  answers.modify([&](string_ring_t& ring) { ring.push_back(line); });
+  note(line);
+}
+
+// The time of day, then the line: the screens show the date once, elsewhere.
+void receiver_console_t::note(const std::string& line) {
+  constexpr std::size_t time_at = 11, time_length = 8;  // "hh:mm:ss" in "2026-01-01 12:00:00 +0000"
+  answers.modify(
+      [&](string_ring_t& ring) { ring.push_back(console_.date().substr(time_at, time_length) + "  " + line); });
 }

@@ -38,12 +38,14 @@ public:
 
   // The receiver's MON-VER in one line; empty until it answered.
   published_t<std::string> identity{*this, {}};
-  // "CFG-VALSET CFG-RATE-MEAS=200  accepted", newest last.
+  // What was sent and what came back, newest last, each after its time of day:
+  // "12:00:00  sent CFG-VALSET CFG-RATE-MEAS=200", "12:00:01  CFG-VALSET CFG-RATE-MEAS=200  accepted".
   published_t<string_ring_t> answers{*this, string_ring_t(answer_limit)};
 
 private:
   void transmit(const typed_command_t& command);
   void report(const answer_t& answer);
+  void note(const std::string& line);
 
   connection_t& hub_;
   console_t& console_;

@@ -31,6 +31,8 @@ public:
   const QLabel& errors() const { return *errors_; }
   const QLabel& fix_age() const { return *age_; }
   const QLabel& hint() const { return *hint_; }
+  // The receiver's identity (MON-VER) as the state's tooltip; empty until it is known.
+  void set_identity(const QString& identity);
 
 private:
   QString state_text() const;
