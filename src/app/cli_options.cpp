@@ -8,7 +8,8 @@
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
     "       korvid-cli --connect ADDRESS|saved [--settings FILE] [--duration S]\n"
-    "                  [--interval S] [--json] [--show-all]\n"
+    "                  [--interval S] [--json] [--show-all] [--send CMD]... [--read-only]\n"
+    "                  [--serve :PORT [--allow-client-writes]]\n"
     "       korvid-cli --bridge --connect ble://NAME|serial://PATH --connect tcp://HOST:PORT [...]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"

@@ -32,6 +32,15 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
         .bridge = true,
         .port = 2101,
         .chunk = 2047}},
+      {{"--connect", "tcp://127.0.0.1:81", "--send", "rate:200", "--send", "$PUBX,00", "--read-only", "--serve", ":0",
+        "--allow-client-writes"},
+       {.host = "127.0.0.1",
+        .port = 81,
+        .chunk = 2047,
+        .sends = {"rate:200", "$PUBX,00"},
+        .read_only = true,
+        .serve = true,
+        .allow_client_writes = true}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -69,6 +78,10 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--connect", "ble://x", "--connect", "tcp://127.0.0.1:1"}, "--bridge goes with"},
       {{"--connect", "ble://"}, "needs the peripheral's name"},
       {{"--connect", "saved", "--connect", "ble://x"}, "--connect saved stands alone"},
+      {{"--connect", "tcp://127.0.0.1:81", "--send", "set:CFG-RATE=1"}, "--send set: unknown key 'CFG-RATE'"},
+      {{"--connect", "tcp://127.0.0.1:81", "--serve", "10110"}, "--serve takes :PORT"},
+      {{"--connect", "tcp://127.0.0.1:81", "--allow-client-writes"}, "--allow-client-writes needs --serve"},
+      {{"--replay", "a", "--send", "$PUBX,00"}, "--send and --serve need a --connect"},
   };
   for (const auto& [args, says] : cases) {
     const auto r = parse_cli(args);
