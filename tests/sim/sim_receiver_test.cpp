@@ -35,6 +35,8 @@ TEST(SimReceiver, AnswersAsAGeneration9Receiver) {
     const char* typed;
     frames answer;
   } cases[] = {
+      {"get:CFG-MSGOUT-NMEA_ID_GGA_UART1,CFG-MSGOUT-NMEA_ID_ZDA_USB,CFG-RATE-NAV",
+       {"CFG-VALGET 01 00 00 00 BB 00 91 20 01 DB 00 91 20 00 02 00 21 30 01 00", "ACK-ACK 06 8B"}},
       {"get:CFG-RATE-MEAS,CFG-SIGNAL-GPS_ENA",
        {"CFG-VALGET 01 00 00 00 01 00 21 30 E8 03 1F 00 31 10 01", "ACK-ACK 06 8B"}},
       {"set:CFG-RATE-MEAS=200,CFG-NAVSPG-DYNMODEL=4", {"ACK-ACK 06 8A"}},
@@ -46,7 +48,12 @@ TEST(SimReceiver, AnswersAsAGeneration9Receiver) {
       {"get:CFG-NAVSPG-DYNMODEL", {"CFG-VALGET 01 00 00 00 21 00 11 20 04", "ACK-ACK 06 8B"}},
       {"set:CFG-RATE-MEAS=10", {"ACK-NAK 06 8A"}},
       {"del:CFG-RATE-MEAS", {"ACK-ACK 06 8C"}},
+      {"del:0x10990001", {"ACK-NAK 06 8C"}},
+      {"ubx:06,8a,00010000", {"ACK-NAK 06 8A"}},
       {"rate:100", {"ACK-ACK 06 08"}},
+      {"rate:100,2", {"ACK-ACK 06 08"}},
+      {"set:CFG-RATE-MEAS=100", {"ACK-ACK 06 8A"}},
+      {"get:CFG-RATE-NAV", {"CFG-VALGET 01 00 00 00 02 00 21 30 02 00", "ACK-ACK 06 8B"}},
       {"ubx:06,08,6400", {"ACK-NAK 06 08"}},
       {"msg:01,07,1", {"ACK-ACK 06 01"}},
       {"ubx:06,3e", {"ACK-NAK 06 3E"}},
@@ -55,7 +62,7 @@ TEST(SimReceiver, AnswersAsAGeneration9Receiver) {
       {"$PUBX,00", {}},
   };
   for (const auto& c : cases) EXPECT_EQ(a.to(c.typed), c.answer) << c.typed;
-  EXPECT_EQ(a.periods, (std::vector<double>{0.2, 0.1}));
+  EXPECT_EQ(a.periods, (std::vector<double>{0.2, 0.1})) << "a period only when it changes";
 }
 
 }  // namespace
