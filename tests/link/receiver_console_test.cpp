@@ -51,6 +51,9 @@ TEST_F(console_test, SendsWhatWaitedForTheLinkAfterTheIdentityPollAndShowsEachAn
                                                  "12:00:00  CFG-RATE 200 ms, 1  refused"}));
   EXPECT_EQ(console.lines.back(), "2026-01-01 12:00:00 +0000  CFG-RATE 200 ms, 1  refused");
   EXPECT_EQ(hub.arr_rx->back(), "2026-01-01 12:00:00 +0000  sent CFG-RATE 200 ms, 1");
+  hub.disconnect();
+  EXPECT_EQ(commands.send("$PUBX,00"), "");
+  EXPECT_EQ(console.lines.back(), "2026-01-01 12:00:00 +0000  no link to send $PUBX,00*33");
 }
 
 TEST_F(console_test, AReadOnlyLinkIsSentNothingNotEvenTheIdentityPoll) {
