@@ -32,9 +32,12 @@ void KorvidApp::add_console(main_queue_t& queue, console_t& console) {
   window.bind_sheet(sheet_id_t::console,
                     window.add_dock("console", QObject::tr("Co&nsole"), dock, 5, Qt::BottomDockWidgetArea));
   add_share_actions(window.connection_menu(), cnc, queue, console);
-  console_watch_.push_back(cfg.subscribe([dock] { dock->follow_link(); }));
+  // Notices come before the change is stored: read the settings on the next turn.
+  console_watch_.push_back(cfg.subscribe([dock] {
+    QMetaObject::invokeMethod(
+        dock, [dock] { dock->follow_link(); }, Qt::QueuedConnection);
+  }));
   console_watch_.push_back(commands.subscribe([this] {
-    // Notices come before the change is stored: read the identity on the next turn.
     QMetaObject::invokeMethod(
         &window, [this] { window.status().set_identity(QString::fromStdString(commands.identity.get())); },
         Qt::QueuedConnection);

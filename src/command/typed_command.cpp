@@ -28,10 +28,11 @@ std::vector<std::string_view> split(std::string_view text) {
   return parts;
 }
 
-std::optional<std::uint8_t> hex_byte(std::string_view text) {
-  const auto v = parse_hex_u32(text);
-  if (!v || *v > 0xFF || text.size() > 2) return std::nullopt;
-  return static_cast<std::uint8_t>(*v);
+constexpr std::uint32_t unread = 0x100;  // above any byte: a number that was not there
+
+// One or two hex digits.
+std::uint32_t hex_byte(std::string_view text) {
+  return text.size() > 2 ? unread : parse_hex_u32(text).value_or(unread);
 }
 
 typed_parse_t nmea(std::string_view text) {
@@ -49,10 +50,12 @@ typed_parse_t ubx(std::string_view text) {
     return fail("ubx: needs CLASS,ID[,PAYLOAD] in hex, such as ubx:06,08,c80001000100");
   const auto cls = hex_byte(parts[0]);
   const auto id = hex_byte(parts[1]);
-  if (!cls || !id) return fail("ubx: class and id are two hex digits each, not '" + std::string(text) + "'");
+  if (cls == unread || id == unread)
+    return fail("ubx: class and id are two hex digits each, not '" + std::string(text) + "'");
   const auto payload = parts.size() == 3 ? parse_hex_bytes(parts[2]) : std::vector<std::uint8_t>{};
   if (!payload) return fail("ubx: the payload is pairs of hex digits, not '" + std::string(parts[2]) + "'");
-  return {ubx_command({*cls, *id}, *payload, hex_text(*payload)), {}};
+  return {ubx_command({static_cast<std::uint8_t>(cls), static_cast<std::uint8_t>(id)}, *payload, hex_text(*payload)),
+          {}};
 }
 
 // A whole UBX frame typed as hex waits for its answer as the same message built from parts would.
@@ -107,24 +110,26 @@ typed_parse_t keys_command(std::string_view verb, std::string_view text) {
 
 typed_parse_t rate(std::string_view text) {
   const auto parts = split(text);
-  const auto meas = parts.empty() ? std::nullopt : parse_unsigned(parts[0], 0xFFFF);
-  const auto nav = parts.size() == 2 ? parse_unsigned(parts[1], 0xFFFF) : std::optional<std::uint64_t>(1);
-  if (parts.size() > 2 || !meas || !nav || *meas == 0 || *nav == 0)
+  // 0 stands for a missing or unreadable number: neither may be 0.
+  const auto meas = parts.empty() ? 0 : parse_unsigned(parts[0], 0xFFFF).value_or(0);
+  const auto nav = parts.size() < 2 ? 1 : parse_unsigned(parts[1], 0xFFFF).value_or(0);
+  if (parts.size() > 2 || meas == 0 || nav == 0)
     return fail("rate: needs the measurement period in ms and optionally the navigation ratio, such as rate:200,1");
   const auto payload =
-      cfg_rate_payload(static_cast<std::uint16_t>(*meas), static_cast<std::uint16_t>(*nav), time_ref_gps);
-  return {ubx_command(ubx_cfg_rate, payload, std::to_string(*meas) + " ms, " + std::to_string(*nav)), {}};
+      cfg_rate_payload(static_cast<std::uint16_t>(meas), static_cast<std::uint16_t>(nav), time_ref_gps);
+  return {ubx_command(ubx_cfg_rate, payload, std::to_string(meas) + " ms, " + std::to_string(nav)), {}};
 }
 
 typed_parse_t msg(std::string_view text) {
   const auto parts = split(text);
-  const auto cls = parts.size() == 3 ? hex_byte(parts[0]) : std::nullopt;
-  const auto id = parts.size() == 3 ? hex_byte(parts[1]) : std::nullopt;
-  const auto r = parts.size() == 3 ? parse_unsigned(parts[2], 0xFF) : std::nullopt;
-  if (!cls || !id || !r) return fail("msg: needs CLASS,ID in hex and a rate, such as msg:01,07,1");
-  const ubx_id_t message{*cls, *id};
-  return {ubx_command(ubx_cfg_msg, cfg_msg_payload(message, static_cast<std::uint8_t>(*r)),
-                      ubx_name(message) + " " + std::to_string(*r)),
+  const auto cls = parts.size() == 3 ? hex_byte(parts[0]) : unread;
+  const auto id = parts.size() == 3 ? hex_byte(parts[1]) : unread;
+  const auto r = parts.size() == 3 ? parse_unsigned(parts[2], 0xFF).value_or(unread) : unread;
+  if (cls == unread || id == unread || r == unread)
+    return fail("msg: needs CLASS,ID in hex and a rate, such as msg:01,07,1");
+  const ubx_id_t message{static_cast<std::uint8_t>(cls), static_cast<std::uint8_t>(id)};
+  return {ubx_command(ubx_cfg_msg, cfg_msg_payload(message, static_cast<std::uint8_t>(r)),
+                      ubx_name(message) + " " + std::to_string(r)),
           {}};
 }
 
