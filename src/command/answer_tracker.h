@@ -44,7 +44,7 @@ private:
   struct pending_t {
     answer_t answer;
     ubx_id_t message;
-    answer_kind_t kind;
+    answer_kind_t kind = answer_kind_t::none;
   };
   void resolve(ubx_id_t message, answer_kind_t kind, answer_state_t state, const std::string& detail);
   void time_out(std::uint64_t ticket);

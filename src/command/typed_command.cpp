@@ -135,7 +135,7 @@ typed_parse_t msg(std::string_view text) {
 
 }  // namespace
 
-typed_command_t ubx_command(ubx_id_t message, const std::vector<std::uint8_t>& payload, std::string detail) {
+typed_command_t ubx_command(ubx_id_t message, const std::vector<std::uint8_t>& payload, const std::string& detail) {
   typed_command_t command;
   command.bytes = ubx_frame(message, payload);
   command.message = message;

@@ -36,4 +36,4 @@ struct typed_parse_t {
 typed_parse_t parse_typed_command(std::string_view text);
 
 // A command for a UBX message, with the answer its class calls for.
-typed_command_t ubx_command(ubx_id_t message, const std::vector<std::uint8_t>& payload, std::string detail);
+typed_command_t ubx_command(ubx_id_t message, const std::vector<std::uint8_t>& payload, const std::string& detail);

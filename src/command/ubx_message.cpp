@@ -14,7 +14,7 @@ constexpr std::size_t mon_ver_extension = 30;  // ... of each extension
 
 struct known_name_t {
   ubx_id_t message;
-  const char* name;
+  const char* name = nullptr;
 };
 constexpr std::array<known_name_t, 8> known_names{{{ubx_ack_nak, "ACK-NAK"},
                                                    {ubx_ack_ack, "ACK-ACK"},

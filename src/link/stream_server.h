@@ -20,10 +20,10 @@
 // clients send goes to the receiver only while writes are allowed (off by default).
 class stream_server_t final : public receive_tap_t {
 public:
-  static constexpr std::uint16_t default_port = 10110;           // registered for NMEA 0183 over TCP
-  static constexpr std::size_t client_queue_limit = 256 * 1024;  // bytes waiting for one client
-  static constexpr int client_send_buffer = 64 * 1024;           // bytes the kernel holds per client
-  static constexpr std::size_t read_size = 16 * 1024;            // bytes per read
+  static constexpr std::uint16_t default_port = 10110;                        // registered for NMEA 0183 over TCP
+  static constexpr std::size_t client_queue_limit = std::size_t{256} * 1024;  // bytes waiting for one client
+  static constexpr int client_send_buffer = 64 * 1024;                        // bytes the kernel holds per client
+  static constexpr std::size_t read_size = std::size_t{16} * 1024;            // bytes per read
 
   using write_t = std::function<void(std::span<const std::uint8_t>)>;
   // to_receiver runs on the main thread with the bytes of a client, when writes are allowed.

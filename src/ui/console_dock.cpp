@@ -98,7 +98,7 @@ console_dock_t::console_dock_t(receiver_console_t& console, command_settings_t& 
 
 QString console_dock_t::send(const QString& typed) {
   const auto text = typed.trimmed().toStdString();
-  const auto problem = QString::fromStdString(console_.send(text));
+  auto problem = QString::fromStdString(console_.send(text));
   error_->setText(problem);
   if (problem.isEmpty()) {
     typed_.push_back(text);

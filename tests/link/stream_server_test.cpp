@@ -42,6 +42,7 @@ struct share_fixture_t {
 // Reads what each client has now into its buffer.
 void read_available(const std::vector<int>& fds, std::vector<std::vector<std::uint8_t>>& got) {
   std::vector<pollfd> polled;
+  polled.reserve(fds.size());
   for (const int fd : fds) polled.push_back({fd, POLLIN, 0});
   if (::poll(polled.data(), polled.size(), 10) <= 0) return;
   std::uint8_t buffer[65536];
@@ -54,7 +55,7 @@ void read_available(const std::vector<int>& fds, std::vector<std::vector<std::ui
 
 TEST(StreamServer, FiftyClientsGetEveryByteInOrderAndOneThatNeverReadsIsDropped) {
   share_fixture_t f;
-  constexpr std::size_t readers = 49, chunk = 4096, total = 1024 * 1024;
+  constexpr std::size_t readers = 49, chunk = 4096, total = std::size_t{1024} * 1024;
   std::vector<int> fds;
   for (std::size_t i = 0; i < readers; ++i) fds.push_back(connect_client(f.server.port()));
   const int stalled = connect_client(f.server.port(), 4096);
