@@ -82,6 +82,7 @@ TEST(TypedCommand, NamesWhatIsWrong) {
       {"hex:", "hex: needs pairs of hex digits, such as hex:B5620A0400000E34"},
       {"set:CFG-RATE-FAST=1", "set: unknown key 'CFG-RATE-FAST'"},
       {"set:0x00210001=1", "set: unknown key '0x00210001'"},
+      {"set:0x3021000G=1", "set: unknown key '0x3021000G'"},
       {"set:CFG-RATE-MEAS", "set: CFG-RATE-MEAS needs =VALUE"},
       {"set:CFG-RATE-MEAS=65536", "set: CFG-RATE-MEAS takes a whole number from 0 to 65535, not '65536'"},
       {"set:CFG-SIGNAL-GPS_ENA=2", "set: CFG-SIGNAL-GPS_ENA takes a whole number from 0 to 1, not '2'"},
@@ -111,6 +112,15 @@ TEST(ConfigKeys, ReadsTheItemsOfAValgetAnswerAndRefusesATruncatedOne) {
   EXPECT_FALSE(items_of(std::span(answer).first(answer.size() - 1)));
   EXPECT_FALSE(items_of(std::span(answer).first(3)));
   EXPECT_EQ(keys_of(ubx_cfg_valset, answer), (std::vector<std::uint32_t>{0x30210001, 0x10310025}));
+  auto with_stray = answer;
+  with_stray.insert(with_stray.end(), {0x01, 0x00});  // half a key
+  EXPECT_FALSE(items_of(with_stray));
+  const std::vector<std::uint8_t> poll{0, 0, 0, 0, 0x01, 0x00, 0x21, 0x30, 0x25, 0x00, 0x31, 0x10};
+  EXPECT_EQ(keys_of(ubx_cfg_valget, poll), (std::vector<std::uint32_t>{0x30210001, 0x10310025}));
+  EXPECT_FALSE(keys_of(ubx_cfg_valget, std::span(poll).first(poll.size() - 1)));
+  // Sizes by the key's size bits: 8 bytes for 5, none for 0, 6 and 7.
+  EXPECT_EQ(key_value_size(0x50000001), 8u);
+  for (const std::uint32_t id : {0x00000001u, 0x60000001u, 0x70000001u}) EXPECT_EQ(key_value_size(id), 0u) << id;
 }
 
 TEST(MonVer, RoundTripsTheIdentityAndRefusesAPartialExtension) {
