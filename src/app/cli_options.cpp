@@ -1,5 +1,6 @@
 #include "app/cli_options.h"
 
+#include "command/typed_command.h"
 #include "link/host_address.h"
 #include "link/replay.h"
 #include "nmea/fields.h"
@@ -7,7 +8,8 @@
 const char* const cli_usage =
     "Usage: korvid-cli --replay FILE [--chunk N] [--json] [--show-all]\n"
     "       korvid-cli --connect ADDRESS|saved [--settings FILE] [--duration S]\n"
-    "                  [--interval S] [--json] [--show-all]\n"
+    "                  [--interval S] [--json] [--show-all] [--send CMD]... [--read-only]\n"
+    "                  [--serve :PORT [--allow-client-writes]]\n"
     "       korvid-cli --bridge --connect ble://NAME|serial://PATH --connect tcp://HOST:PORT [...]\n"
     "\n"
     "Runs Korvid's receive path and decoders without a window.\n"
@@ -50,6 +52,13 @@ const char* const cli_usage =
     "                  or \"max\", as fast as the epochs can be delivered\n"
     "  --gpx FILE      when the run ends, write the session's track and markers as GPX 1.1\n"
     "  --geojson FILE  the same as GeoJSON (one LineString, the markers as Points)\n"
+    "  --send CMD      send a command to the receiver once the link is up (repeatable, in order):\n"
+    "                  $SENTENCE (checksum added), ubx:CLASS,ID,PAYLOADHEX, hex:BYTES,\n"
+    "                  set:KEY=VALUE, get:KEY, del:KEY, rate:MS, msg:CLASS,ID,RATE\n"
+    "  --read-only     send the receiver nothing, whatever else asks to\n"
+    "  --serve :PORT   share every received byte with TCP clients on PORT (0: a free one)\n"
+    "  --allow-client-writes\n"
+    "                  with --serve: pass what the clients send on to the receiver\n"
     "  --help          show this text\n";
 
 namespace {
@@ -144,6 +153,19 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
     } else if (arg == "--gpx" || arg == "--geojson") {
       if (!next(value)) return fail(std::string(arg) + " needs a file name");
       (arg == "--gpx" ? options.gpx_file : options.geojson_file) = std::string(value);
+    } else if (arg == "--send") {
+      if (!next(value)) return fail("--send needs a command");
+      if (const auto typed = parse_typed_command(value); !typed.command) return fail("--send " + typed.error);
+      options.sends.emplace_back(value);
+    } else if (arg == "--read-only") {
+      options.read_only = true;
+    } else if (arg == "--serve") {
+      const auto port = next(value) && value.starts_with(':') ? parse_unsigned(value.substr(1), 65535) : std::nullopt;
+      if (!port) return fail("--serve takes :PORT, a port from 0 to 65535");
+      options.serve = true;
+      options.serve_port = static_cast<std::uint16_t>(*port);
+    } else if (arg == "--allow-client-writes") {
+      options.allow_client_writes = true;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }
@@ -162,6 +184,8 @@ cli_parse_t parse_cli(std::span<const std::string_view> args) {
   if (options.record_rotate.rotates() && options.record_file.empty()) return fail("--record-rotate goes with --record");
   if (options.speed && (options.replay_file.empty() || options.replay_file == "-"))
     return fail("--speed goes with --replay FILE, a capture file");
+  if (!connect && (!options.sends.empty() || options.serve)) return fail("--send and --serve need a --connect");
+  if (options.allow_client_writes && !options.serve) return fail("--allow-client-writes needs --serve");
   if (options.replay_file.empty() && !connect)
     return fail("nothing to do: give --replay FILE or --connect tcp://HOST:PORT");
   return {options, {}};

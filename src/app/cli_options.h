@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "link/source_address.h"
 #include "ntrip/ntrip_address.h"
@@ -35,6 +36,11 @@ struct cli_options_t {
   std::optional<double> speed;  // --speed: replay at the receiver's pace times this; 0 as fast as possible
   std::string gpx_file;         // --gpx: the session's track as GPX 1.1 when the run ends
   std::string geojson_file;     // --geojson: the same as GeoJSON
+  std::vector<std::string> sends;  // --send: commands for the receiver, in order, once a link is up
+  bool read_only = false;          // send the receiver nothing
+  bool serve = false;              // --serve :PORT: share the received bytes with TCP clients
+  std::uint16_t serve_port = 0;    // 0: a free port, said on the console
+  bool allow_client_writes = false;
 
   bool operator==(const cli_options_t&) const = default;
 };

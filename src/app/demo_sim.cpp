@@ -21,10 +21,14 @@ sim_server_config_t demo_server() {
 
 }  // namespace
 
-demo_sim_t::demo_sim_t(bool ubx, std::uint8_t gnss) : engine_(demo_receiver(ubx, gnss)), server_(demo_server()) {
+demo_sim_t::demo_sim_t(bool ubx, std::uint8_t gnss)
+    : engine_(demo_receiver(ubx, gnss)), server_(demo_server()), receiver_(1.0 / rate_hz, ubx, [this](double period_s) {
+        engine_.set_epoch_s(period_s);
+        server_.set_period_s(period_s);
+      }) {
   if (!server_.listen()) return;
   port_ = server_.port();
-  thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_, {&rtcm_}); });
+  thread_ = std::thread([this] { server_.run([this] { return engine_.next_epoch(); }, stop_, {&rtcm_, &receiver_}); });
 }
 
 demo_sim_t::~demo_sim_t() {

@@ -7,11 +7,12 @@
 
 #include "app/sim_rtcm_input.h"
 #include "sim/sim_engine.h"
+#include "sim/sim_receiver.h"
 #include "sim/sim_server.h"
 
 // The demo's receiver: the simulator serving a walk at 10 Hz on a free port of 127.0.0.1, on a
 // thread of its own, until the demo ends. It takes RTCM corrections as an RTK receiver does, going
-// to RTK float and fixed while they arrive.
+// to RTK float and fixed while they arrive, and answers configuration and MON-VER as korvid-sim does.
 class demo_sim_t {
 public:
   static constexpr double rate_hz = 10.0;
@@ -32,6 +33,7 @@ private:
   sim_engine_t engine_;
   sim_server_t server_;
   sim_rtcm_input_t rtcm_{engine_};
+  sim_receiver_t receiver_;  // answers the console's commands as a receiver does
   std::atomic<bool> stop_{false};
   std::uint16_t port_ = 0;
   std::thread thread_;

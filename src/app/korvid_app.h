@@ -4,9 +4,11 @@
 
 #include "app/program_links.h"
 #include "core/console.h"
+#include "link/command_settings.h"
 #include "link/config_connection.h"
 #include "link/connection.h"
 #include "link/kv_store.h"
+#include "link/receiver_console.h"
 #include "map/map_view.h"
 #include "ntrip/corrections.h"
 #include "ntrip/corrections_settings.h"
@@ -34,6 +36,13 @@ public:
   map_cfg_t map_cfg;
   main_window_t window;
   session_controller_t& session;  // owned by the window: recording and playing captures
+  // The console dock's models: commands to the receiver and their settings.
+  receiver_console_t commands;
+  command_settings_t command_settings;
+
+private:
+  void add_console(main_queue_t& queue, console_t& console);
+  std::vector<subscription_t> console_watch_;
 };
 
 // The user's cache folder for map tiles.

@@ -1,6 +1,8 @@
 #include <QCoreApplication>
 #include <QTimer>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -19,9 +21,11 @@
 #include "link/connect_action.h"
 #include "link/connection.h"
 #include "link/offline_links.h"
+#include "link/receiver_console.h"
 #include "link/replay.h"
 #include "link/tcp_client.h"
 #include "ntrip/corrections.h"
+#include "link/stream_server.h"
 #include "platform/qsettings_store.h"
 #include "platform/qt_main_queue.h"
 #include "platform/track_export.h"
@@ -112,6 +116,36 @@ int paced_replay(const cli_options_t& options, QCoreApplication& app, main_queue
   return 0;
 }
 
+// The console for --send and --read-only: the commands go in order once a link is up, after a
+// MON-VER poll, and each answer is a dated line. Without either nothing is sent at all.
+std::unique_ptr<receiver_console_t> start_commands(const cli_options_t& options, connection_t& hub, main_queue_t& queue,
+                                                   console_t& console) {
+  if (options.sends.empty() && !options.read_only) return nullptr;
+  auto commands = std::make_unique<receiver_console_t>(hub, queue, console);
+  commands->set_read_only(options.read_only);
+  for (const auto& typed : options.sends) commands->send(typed);
+  return commands;
+}
+
+// --serve: the received bytes for TCP clients; theirs go to the receiver only when allowed.
+std::unique_ptr<stream_server_t> start_sharing(const cli_options_t& options, connection_t& hub, main_queue_t& queue,
+                                               console_t& console) {
+  if (!options.serve) return nullptr;
+  const bool writes = options.allow_client_writes && !options.read_only;
+  auto server = std::make_unique<stream_server_t>(
+      queue, console, [&hub](std::span<const std::uint8_t> bytes) { hub.send_to_receiver(bytes); });
+  if (!server->listen(options.serve_port)) {
+    console.print(console.date() + "  share: cannot listen on port " + std::to_string(options.serve_port) + ": " +
+                  std::strerror(errno));
+    return nullptr;
+  }
+  server->set_allow_writes(writes);
+  hub.add_tap(*server);
+  console.print(console.date() + "  sharing the stream on port " + std::to_string(server->port()) +
+                (writes ? ", clients may write to the receiver" : ""));
+  return server;
+}
+
 int run_connected(const cli_options_t& options, QCoreApplication& app, main_queue_t& queue, connection_t& hub,
                   console_t& console, corrections_t& corrections) {
   stop_signal_watch_t stop_watch(app);
@@ -126,6 +160,8 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
   if (options.duration_s > 0)
     QTimer::singleShot(static_cast<int>(options.duration_s * 1000), Qt::PreciseTimer, &app, &QCoreApplication::quit);
 
+  const auto commands = start_commands(options, hub, queue, console);
+  const auto sharing = start_sharing(options, hub, queue, console);
   std::unique_ptr<qsettings_store_t> store;
   std::unique_ptr<config_connection_t> settings;
   if (options.connect_saved) {
@@ -141,6 +177,7 @@ int run_connected(const cli_options_t& options, QCoreApplication& app, main_queu
   }
   if (options.corrections) corrections.connect(*options.corrections, options.gga);
   app.exec();
+  if (sharing) hub.remove_tap(*sharing);
   print_result(hub, options.json, &corrections);
   return 0;
 }

@@ -17,6 +17,7 @@
 #include "sim/rtcm_encoder.h"
 #include "sim/sim_pacer.h"
 #include "sim/sim_pty.h"
+#include "sim/sim_receiver.h"
 #include "sim/sim_udp.h"
 
 namespace {
@@ -53,7 +54,8 @@ void print_counts(const sim_server_t* server, const capture_lines_t* capture, co
 }
 
 // The stream on a pseudo-terminal, as a receiver on a serial port: a program opens the printed path.
-int serve_pty(const sim_options_t& options, const std::function<std::string()>& next_piece) {
+int serve_pty(const sim_options_t& options, const std::function<std::string()>& next_piece, double& period_s,
+              sim_input_t* commands) {
   sim_pty_t pty(options.baud, options.receiver.seed);
   if (!pty.open()) {
     std::fprintf(stderr, "korvid-sim: cannot create a pseudo-terminal: %s\n", std::strerror(errno));
@@ -61,9 +63,11 @@ int serve_pty(const sim_options_t& options, const std::function<std::string()>& 
   }
   std::printf("korvid-sim: serving on %s\n", pty.slave_path().c_str());
   std::fflush(stdout);
-  run_paced(
-      options.server.period_s, options.server.duration_s, next_piece,
-      [&](const std::string& piece) { pty.send(piece); }, stop_requested);
+  const auto answer = [&] {
+    if (const auto bytes = pty.receive(); !bytes.empty() && commands) pty.send(commands->received(bytes));
+  };
+  run_paced([&] { return period_s; }, options.server.duration_s, next_piece,
+            [&](const std::string& piece) { pty.send(piece); }, answer, stop_requested);
   return 0;
 }
 
@@ -139,13 +143,23 @@ int main(int argc, char** argv) {
   const std::function<std::string()> next_piece = [&] { return replay ? lines.next() : engine.next_epoch(); };
   std::signal(SIGINT, request_stop);
   std::signal(SIGTERM, request_stop);
+  // The receiver's configuration port: a new measurement period paces the stream and the epochs.
+  sim_server_t server(options.server);
+  double pty_period_s = options.server.period_s;
+  sim_receiver_t receiver(options.server.period_s, options.receiver.ubx, [&](double period_s) {
+    engine.set_epoch_s(period_s);
+    server.set_period_s(period_s);
+    pty_period_s = period_s;
+  });
+  std::vector<sim_input_t*> inputs;
+  if (!options.ignore_commands) inputs.push_back(&receiver);
   if (options.pty || !options.udp_host.empty()) {
-    const int status = options.pty ? serve_pty(options, next_piece) : send_udp(options, next_piece);
+    const int status = options.pty ? serve_pty(options, next_piece, pty_period_s, inputs.empty() ? nullptr : inputs[0])
+                                   : send_udp(options, next_piece);
     if (status == 0) print_counts(nullptr, replay ? &lines : nullptr, engine.counts());
     return status;
   }
 
-  sim_server_t server(options.server);
   if (!server.listen()) {
     std::fprintf(stderr, "korvid-sim: cannot listen on 127.0.0.1:%u: %s\n", options.server.port, std::strerror(errno));
     return 1;
@@ -153,7 +167,8 @@ int main(int argc, char** argv) {
   std::printf("korvid-sim: serving on 127.0.0.1:%u\n", server.port());
   std::fflush(stdout);
   sim_rtcm_input_t rtcm(engine);
-  server.run(next_piece, stop_requested, {&rtcm});
+  inputs.push_back(&rtcm);
+  server.run(next_piece, stop_requested, inputs);
   print_counts(&server, replay ? &lines : nullptr, engine.counts());
   print_received(rtcm);
   return 0;

@@ -32,7 +32,8 @@ const char* const sim_usage =
     "  --rtk                  the fix goes to RTK float, then fixed, while clients send RTCM 3\n"
     "                         corrections, and back when they stop for 10 s\n"
     "  --rtcm-out FILE        write an RTCM 3 correction stream (1005, 1077, 1087, 1097, 1127, 1230\n"
-    "                         each epoch) of --duration epochs (default 10) to FILE and stop\n";
+    "                         each epoch) of --duration epochs (default 10) to FILE and stop\n"
+    "  --ignore-commands      answer no command a client sends (no ACK, no MON-VER)\n";
 
 namespace {
 
@@ -121,6 +122,8 @@ sim_parse_t parse_sim(std::span<const std::string_view> args) {
     } else if (arg == "--rtcm-out") {
       options.rtcm_file = std::string(value());
       if (options.rtcm_file.empty()) return fail("--rtcm-out needs a file name");
+    } else if (arg == "--ignore-commands") {
+      options.ignore_commands = true;
     } else {
       return fail("unknown option '" + std::string(arg) + "'");
     }

@@ -20,6 +20,7 @@ struct sim_options_t {
   std::uint16_t udp_port = 0;
   bool help = false;
   std::string rtcm_file;  // write a correction stream of `duration` epochs (10 without) here and stop
+  bool ignore_commands = false;  // no answers to the clients' commands
 };
 
 // Either the options or a one-line message naming what was wrong.

@@ -23,6 +23,7 @@ std::optional<sheet_id_t> sheet_named(std::string_view name) {
   if (name == "details") return sheet_id_t::details;
   if (name == "settings") return sheet_id_t::settings;
   if (name == "sky") return sheet_id_t::sky;
+  if (name == "console") return sheet_id_t::console;
   return std::nullopt;
 }
 
@@ -30,7 +31,7 @@ std::optional<sheet_id_t> sheet_named(std::string_view name) {
 
 const char* const window_usage =
     "usage: korvid [--demo [--ubx] [--gnss LIST]] [--screenshot FILE [--after S]] [--size WxH]\n"
-    "              [--sheet log|details|settings|sky] [--dark] [CAPTURE]\n"
+    "              [--sheet log|details|settings|sky|console] [--dark] [CAPTURE]\n"
     "  --demo             start the built-in receiver simulator on 127.0.0.1 and connect to it;\n"
     "                     nothing is saved to your settings\n"
     "  --ubx              the demo's receiver sends u-blox UBX frames instead of NMEA sentences\n"
@@ -38,7 +39,7 @@ const char* const window_usage =
     "  --screenshot FILE  render the window to a PNG after --after seconds (default 3) and exit\n"
     "  --size WxH         the window's size (default 1100x760)\n"
     "  --sheet NAME       open the log, the satellites and details, the satellites of every system\n"
-    "                     (sky), or the connection settings (may be given more than once)\n"
+    "                     (sky), the connection settings, or the console (may be given more than once)\n"
     "  --dark             draw with a dark palette\n"
     "  --corrections ntrip://[USER[:PASS]@]HOST[:PORT]/MOUNT\n"
     "                     stream an NTRIP mountpoint's corrections to the receiver from the start\n"
@@ -76,7 +77,7 @@ window_parse_t parse_window(std::span<const std::string_view> args) {
         return {{}, "--size needs WIDTHxHEIGHT, each 200 to 8192"};
     } else if (a == "--sheet") {
       const auto sheet = value(v) ? sheet_named(v) : std::nullopt;
-      if (!sheet) return {{}, "--sheet needs log, details, settings or sky"};
+      if (!sheet) return {{}, "--sheet needs log, details, settings, sky or console"};
       o.sheets.push_back(*sheet);
     } else if (a == "--gnss") {
       const auto systems = value(v) ? parse_gnss_list(v) : std::nullopt;

@@ -134,6 +134,7 @@ void connection_t::link_up(side_t& side, const std::string& peer) {
   clear_log();
   side.status = peer;
   side.colour = colour_t::secondary;
+  for (auto* tap : taps_) tap->link_up();
 }
 
 void connection_t::link_down(side_t& side, const std::string& peer, std::int32_t error) {

@@ -60,6 +60,8 @@ public:
   // wants one of them, else to TCP; a TCP link beside one of them is the bridge's peer, not the
   // receiver. False when no link is wanted; dropped by the link while it is not up.
   bool send_to_receiver(std::span<const std::uint8_t> bytes);
+  // A command sent to the receiver, in the log beside what it sends, dated and marked as sent.
+  void log_sent(std::string_view text) { log_append(console_.date() + "  sent " + std::string(text)); }
 
   // Where each transport reports. A replay feeds the TCP link's receive path without connecting.
   link_events_t& tcp_events() { return tcp_side_; }

@@ -9,4 +9,6 @@ class receive_tap_t {
 public:
   virtual ~receive_tap_t() = default;
   virtual void received(std::span<const std::uint8_t> bytes) = 0;
+  // A link came up: a new connection to the receiver (or to the bridge's peer).
+  virtual void link_up() {}
 };

@@ -125,8 +125,14 @@ void sim_engine_t::add_frame(std::string& out, std::span<const std::uint8_t> ima
   }
 }
 
+void sim_engine_t::set_epoch_s(double epoch_s) {
+  rate_t_ += static_cast<double>(epoch_ - rate_epoch_) * config_.epoch_s;
+  rate_epoch_ = epoch_;
+  config_.epoch_s = epoch_s;
+}
+
 std::string sim_engine_t::next_epoch() {
-  const double t = static_cast<double>(epoch_++) * config_.epoch_s;
+  const double t = rate_t_ + static_cast<double>(epoch_++ - rate_epoch_) * config_.epoch_s;
   now_s_ = t;
   std::string out;
   if (config_.ubx) {

@@ -49,6 +49,8 @@ public:
   const sim_counts_t& counts() const { return counts_; }
   // Corrections reached the receiver during the current epoch.
   void corrections_arrived() { rtk_.corrections_at(now_s_); }
+  // A new rate from the next epoch on; the simulated time runs on without a jump.
+  void set_epoch_s(double epoch_s);
 
 private:
   struct position_t {
@@ -68,6 +70,8 @@ private:
   sim_config_t config_;
   std::mt19937_64 rng_;
   std::uint64_t epoch_ = 0;
+  std::uint64_t rate_epoch_ = 0;  // the epoch at which epoch_s last changed
+  double rate_t_ = 0.0;           // and its time
   sim_counts_t counts_;
   sim_rtk_t rtk_;
   double now_s_ = 0.0;  // the time of the epoch sent last

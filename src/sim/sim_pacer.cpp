@@ -6,6 +6,12 @@
 
 void run_paced(double period_s, double duration_s, const std::function<std::string()>& next_piece,
                const std::function<void(const std::string&)>& send, const std::atomic<bool>& stop) {
+  run_paced([period_s] { return period_s; }, duration_s, next_piece, send, [] {}, stop);
+}
+
+void run_paced(const std::function<double()>& period_s, double duration_s,
+               const std::function<std::string()>& next_piece, const std::function<void(const std::string&)>& send,
+               const std::function<void()>& idle, const std::atomic<bool>& stop) {
   using clock = std::chrono::steady_clock;
   const auto start = clock::now();
   double next_send = 0.0;
@@ -14,9 +20,10 @@ void run_paced(double period_s, double duration_s, const std::function<std::stri
     if (duration_s > 0 && now >= duration_s) return;
     if (now >= next_send) {
       send(next_piece());
-      next_send += period_s;
+      next_send += period_s();
       continue;
     }
+    idle();
     std::this_thread::sleep_for(std::chrono::duration<double>(std::min(next_send - now, stop_poll_s)));
   }
 }

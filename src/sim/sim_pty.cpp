@@ -42,6 +42,17 @@ void sim_pty_t::send(std::string_view piece) {
   [[maybe_unused]] const auto written = ::write(master_, bytes.data(), bytes.size());
 }
 
+std::string sim_pty_t::receive() {
+  std::string bytes;
+  char buffer[4096];
+  while (master_ != -1) {
+    const auto n = ::read(master_, buffer, sizeof buffer);
+    if (n <= 0) break;
+    bytes.append(buffer, static_cast<std::size_t>(n));
+  }
+  return bytes;
+}
+
 void sim_pty_t::close() {
   if (master_ != -1) ::close(master_);
   if (slave_ != -1) ::close(slave_);

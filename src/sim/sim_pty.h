@@ -22,6 +22,8 @@ public:
   const std::string& slave_path() const { return slave_path_; }
   // Writes the piece, or noise at a wrong speed; what the terminal cannot take now is dropped.
   void send(std::string_view piece);
+  // What a program wrote to the slave since the last call; empty when nothing came.
+  std::string receive();
   // Closes both ends: a reader of the slave sees its device removed.
   void close();
 

@@ -29,6 +29,8 @@ public:
   // Binds and listens; false with errno set when the port cannot be had.
   bool listen();
   std::uint16_t port() const { return port_; }
+  // A new period from the next piece on, as a receiver told a new rate; called from run's inputs.
+  void set_period_s(double period_s) { config_.period_s = period_s; }
   // Sends next_piece() to every client each period. Returns when done or stopped. Bytes from a
   // client go to each input in turn; their answers go to every client at once.
   void run(const std::function<std::string()>& next_piece, const std::atomic<bool>& stop,

@@ -166,3 +166,7 @@ QString link_status_bar_t::hint_text(bool enabled, double now) const {
   if (cnc_.gga.fix_i == 0) return tr("no fix yet: %1 satellites in view").arg(cnc_.gsv.satellites_in_view.get());
   return {};
 }
+
+void link_status_bar_t::set_identity(const QString& identity) {
+  state_->setToolTip(identity.isEmpty() ? QString() : tr("Receiver: %1").arg(identity));
+}

@@ -44,6 +44,8 @@ public:
   // Adds the RTK indicator for a corrections source: "RTK fixed  age 0.8 s" while one is wanted.
   void show_corrections(const corrections_t& corrections);
   const QLabel* rtk() const { return rtk_; }
+  // The receiver's identity (MON-VER) as the state's tooltip; empty until it is known.
+  void set_identity(const QString& identity);
 
 private:
   QString state_text() const;

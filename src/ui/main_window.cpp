@@ -252,8 +252,10 @@ void main_window_t::refresh() {
   for (const auto& check : kind_checks_) check();
   imagery_->setChecked(map_cfg_.mode_sat);
   dark_->setChecked(dark());
-  for (const sheet_id_t sheet : {sheet_id_t::log, sheet_id_t::satellites, sheet_id_t::sky, sheet_id_t::details}) {
+  for (const sheet_id_t sheet :
+       {sheet_id_t::log, sheet_id_t::satellites, sheet_id_t::sky, sheet_id_t::details, sheet_id_t::console}) {
     QDockWidget* d = dock(sheet);
+    if (d == nullptr) continue;  // a panel that the program did not add
     if (d->toggleViewAction()->isChecked() == sheets_.shown(sheet)) continue;
     d->setVisible(sheets_.shown(sheet));
     if (sheets_.shown(sheet)) d->raise();

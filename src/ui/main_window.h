@@ -38,6 +38,8 @@ public:
   // name identifies it in the saved layout. Other panels plug in with one call each.
   QDockWidget* add_dock(const QString& name, const QString& title, QWidget* content, int key,
                         Qt::DockWidgetArea area = Qt::RightDockWidgetArea);
+  // Makes a dock added from outside one of the panels that open_sheets_t opens and closes.
+  void bind_sheet(sheet_id_t sheet, QDockWidget* dock) { bind(sheet, dock); }
   // Adds a kind of link to the Connection menu: chosen tells whether the settings use it, choose
   // switches the settings to it.
   void add_link_kind(const QString& title, std::function<bool()> chosen, std::function<void()> choose);
@@ -48,8 +50,8 @@ public:
   QDockWidget* dock(sheet_id_t sheet) const;
   QDialog& settings_dialog() const { return *settings_; }
   config_connection_view& settings_view() const { return *settings_view_; }
-  // The Connection menu, for sources that add their own entries.
-  QMenu* connection_menu() const { return connection_menu_; }
+  // The Connection menu, for entries that other parts of the program add.
+  QMenu& connection_menu() const { return *connection_menu_; }
   // The action of a menu entry by its text without "&", for tests and the end-to-end run.
   QAction* action(const QString& text) const;
 
@@ -84,6 +86,6 @@ private:
   QAction* imagery_ = nullptr;
   QAction* dark_ = nullptr;
   std::vector<std::function<void()>> kind_checks_;
-  std::array<QDockWidget*, 5> docks_{};  // by sheet_id_t; none for the settings
+  std::array<QDockWidget*, 6> docks_{};  // by sheet_id_t; none for the settings
   redraw_t redraw_;
 };

@@ -8,7 +8,7 @@
 class connection_t;
 
 // The panels beside the map (docks) and the connection settings (a dialog).
-enum class sheet_id_t { log, satellites, details, settings, sky };
+enum class sheet_id_t { log, satellites, details, settings, sky, console };
 
 // Which panels are open. Every change notifies first, as a published field does. The hub learns
 // whether the log is open, because it keeps a longer log while someone reads it.
@@ -27,5 +27,5 @@ private:
   static std::size_t index(sheet_id_t sheet) { return static_cast<std::size_t>(sheet); }
 
   connection_t& cnc_;
-  std::array<bool, 5> shown_{};
+  std::array<bool, 6> shown_{};
 };

@@ -44,6 +44,15 @@ TEST(cli_options, reads_what_it_is_asked_to_do) {
        {.host = "127.0.0.1", .port = 1, .chunk = 2047, .record_file = "r.nmea", .record_rotate = {0, 3600}}},
       {{"--replay", "a", "--speed", "0.5"}, {.replay_file = "a", .chunk = 2047, .speed = 0.5}},
       {{"--replay", "a", "--speed", "max"}, {.replay_file = "a", .chunk = 2047, .speed = 0.0}},
+      {{"--connect", "tcp://127.0.0.1:81", "--send", "rate:200", "--send", "$PUBX,00", "--read-only", "--serve", ":0",
+        "--allow-client-writes"},
+       {.host = "127.0.0.1",
+        .port = 81,
+        .chunk = 2047,
+        .sends = {"rate:200", "$PUBX,00"},
+        .read_only = true,
+        .serve = true,
+        .allow_client_writes = true}},
   };
   for (const auto& [args, options] : cases) {
     const auto r = parse_cli(args);
@@ -90,6 +99,10 @@ TEST(cli_options, names_what_is_wrong) {
       {{"--replay", "a", "--speed", "1001"}, "not '1001'"},
       {{"--replay", "-", "--speed", "2"}, "--speed goes with --replay FILE"},
       {{"--connect", "saved", "--speed", "2"}, "--speed goes with --replay FILE"},
+      {{"--connect", "tcp://127.0.0.1:81", "--send", "set:CFG-RATE=1"}, "--send set: unknown key 'CFG-RATE'"},
+      {{"--connect", "tcp://127.0.0.1:81", "--serve", "10110"}, "--serve takes :PORT"},
+      {{"--connect", "tcp://127.0.0.1:81", "--allow-client-writes"}, "--allow-client-writes needs --serve"},
+      {{"--replay", "a", "--send", "$PUBX,00"}, "--send and --serve need a --connect"},
   };
   for (const auto& [args, says] : cases) {
     const auto r = parse_cli(args);

@@ -30,7 +30,7 @@ TEST(window_options, a_bad_argument_names_the_problem) {
       {{"--after", "-1"}, "--after needs seconds from 0 to 3600"},
       {{"--after", "nan"}, "--after needs seconds from 0 to 3600"},
       {{"--screenshot"}, "--screenshot needs a file name"},
-      {{"--sheet", "map"}, "--sheet needs log, details, settings or sky"},
+      {{"--sheet", "map"}, "--sheet needs log, details, settings, sky or console"},
       {{"--demo", "--gnss", "gps,sbas"}, "--gnss needs a list of gps, glo, gal, bds and qzss"},
       {{"--gnss", "gps"}, "--gnss goes with --demo"},
       {{"--ubx"}, "--ubx goes with --demo"},
