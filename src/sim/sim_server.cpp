@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace {
 
@@ -95,7 +96,8 @@ void sim_server_t::run(const std::function<std::string()>& next_piece, const std
     polled.assign(1, pollfd{listener_, POLLIN, 0});
     for (const auto& c : clients_) polled.push_back(pollfd{c.fd, POLLIN, 0});
     const double wait_s = std::max(0.0, std::min(next_send - seconds_since(start), 0.05));
-    if (::poll(polled.data(), polled.size(), static_cast<int>(wait_s * 1000)) <= 0) continue;
+    // Rounded up: a wait cut to 0 ms would spin through the last fraction of a millisecond.
+    if (::poll(polled.data(), polled.size(), static_cast<int>(std::ceil(wait_s * 1000))) <= 0) continue;
     read_clients(polled, inputs);
     if ((polled[0].revents & POLLIN) != 0) {
       const int fd = ::accept(listener_, nullptr, nullptr);
