@@ -2,6 +2,7 @@
 
 #include <QStandardPaths>
 
+#include "platform/qt_device_position.h"
 #include "platform/tile_source.h"
 
 QString tile_cache_folder() {
@@ -12,5 +13,6 @@ KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& conso
     : cfg(store, console),
       links(queue, console),
       cnc(queue, console, meter),
-      map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder())),
+      map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder(),
+                                 std::make_unique<qt_device_position_t>())),
       window(cfg, cnc, map_cfg, map, queue, meter) {}
