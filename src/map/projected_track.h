@@ -28,7 +28,7 @@ std::optional<track_change_t> track_change(const std::vector<geo_coordinate_t>& 
 // the new head is projected, however long the track.
 class projected_track_t {
 public:
-  static constexpr std::size_t run_points = 64;   // segments per run
+  static constexpr std::size_t run_points = 32;   // segments per run
   static constexpr std::size_t max_added = 8;     // new points before the shared ones
   static constexpr std::size_t max_replaced = 2;  // moved heads
 
