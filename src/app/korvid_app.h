@@ -9,6 +9,7 @@
 #include "link/kv_store.h"
 #include "map/map_view.h"
 #include "platform/qt_main_queue.h"
+#include "platform/serial_ports.h"
 #include "platform/tile_map_widget.h"
 #include "ui/link_meter.h"
 #include "ui/main_window.h"
@@ -27,6 +28,7 @@ public:
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;
+  qt_serial_ports_t serial_ports;  // listed in the settings dialog
 };
 
 // The user's cache folder for map tiles.
