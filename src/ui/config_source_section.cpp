@@ -40,7 +40,6 @@ QWidget* config_connection_view::build_source_section() {
 
   auto* ports_row = new QHBoxLayout;
   ports_ = new QComboBox;
-  ports_->setPlaceholderText("no serial port found");
   ports_->setAccessibleName("Serial ports");
   ports_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   ports_->setMinimumContentsLength(24);
@@ -93,10 +92,12 @@ void config_connection_view::set_port_list(const serial_port_list_t* ports) {
 
 void config_connection_view::refresh_ports() {
   ports_->clear();
-  if (!port_source_) return;
-  for (const auto& port : port_source_->ports())
-    ports_->addItem(port_text(port), QString::fromStdString("serial://" + port.stable_path()));
+  if (port_source_) {
+    for (const auto& port : port_source_->ports())
+      ports_->addItem(port_text(port), QString::fromStdString("serial://" + port.stable_path()));
+  }
   ports_->setCurrentIndex(-1);
+  ports_->setPlaceholderText(ports_->count() == 0 ? "no serial port found" : "choose a serial port");
 }
 
 // The address in red with what is wrong with it below, until it reads.

@@ -118,8 +118,10 @@ struct listed_ports_t final : serial_port_list_t {
 TEST_F(config_connection_view_test, a_port_from_the_list_is_remembered_by_its_by_id_name_and_connected_alone) {
   listed_ports_t machine;
   machine.listed = {{"/dev/ttyS0", "", "", ""}};
+  EXPECT_EQ(sheet().port_list()->placeholderText(), "no serial port found");
   sheet().set_port_list(&machine);
   EXPECT_EQ(sheet().port_list()->count(), 1);
+  EXPECT_EQ(sheet().port_list()->placeholderText(), "choose a serial port");
   machine.listed.push_back(
       {"/dev/ttyACM0", "/dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00", "1546:01a8", "u-blox GNSS receiver"});
   sheet().refresh_ports_button()->click();

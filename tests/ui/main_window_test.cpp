@@ -76,9 +76,25 @@ TEST_F(main_window_test, menus_and_keys_reach_the_docks_the_dialog_and_the_link)
   run();
   EXPECT_TRUE(hub.hub.ble_enabled() && !hub.hub.tcp_enabled()) << "a wanted link moves to the new kind";
   EXPECT_TRUE(window.action("Bluetooth LE")->isChecked() && !window.action("TCP")->isChecked());
+
+  // Serial, UDP and gpsd: each takes its newest address (a common one the first time) at once.
+  cfg.save_source("udp://:5000");
+  cfg.save_source("serial:///dev/serial/by-id/usb-receiver-if00");
+  const std::tuple<const char*, std::string> sources[] = {{"Serial port", "/dev/serial/by-id/usb-receiver-if00"},
+                                                          {"UDP", ""},
+                                                          {"gpsd", ""}};
+  for (const auto& [kind, path] : sources) {
+    window.action(kind)->trigger();
+    run();
+    ASSERT_NE(hub.links.source, nullptr) << kind;
+    EXPECT_EQ(hub.links.source->where.path, path) << kind;
+    EXPECT_TRUE(hub.hub.source_enabled() && !hub.hub.ble_enabled()) << kind;
+    EXPECT_TRUE(window.action(kind)->isChecked() && !window.action("Bluetooth LE")->isChecked()) << kind;
+  }
+  EXPECT_EQ(hub.links.source->where.text(), "gpsd://127.0.0.1:2947");
   QTest::keySequence(&window, QKeySequence(Qt::CTRL | Qt::Key_K));
   run();
-  EXPECT_TRUE(!hub.hub.ble_enabled() && window.action("Connect"));
+  EXPECT_TRUE(!hub.hub.source_enabled() && window.action("Connect"));
 }
 
 // Each second the bar samples the counters; each hint stands until the link shows what it lacks.
