@@ -60,6 +60,8 @@ TEST(projected_track, a_grown_track_has_the_points_and_runs_of_one_projected_ane
   }
   ASSERT_EQ(grown.runs().size(), anew.runs().size());
   EXPECT_TRUE(grown.whole());
+  newer.front().latitude = NAN;
+  EXPECT_FALSE(projected_track_t(newer, before, *change).whole()) << "a new point that cannot be placed";
 }
 
 TEST(projected_track, runs_bound_their_points_with_the_one_they_share_with_the_next) {
