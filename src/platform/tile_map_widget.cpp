@@ -499,12 +499,9 @@ void tile_map_widget_t::paint_polyline(QPainter& p, const projected_track_t& tra
         if (a != last) flush();  // coming into view: the stroke starts at the edge
         if (polyline_.isEmpty()) polyline_.append(a);
         polyline_.append(b);
-        if (b != s) {
-          flush();  // going out of view
-        } else if (polyline_.size() >= stroke_length) {
-          flush();
-          polyline_.append(s);
-        }
+        // Going out of view, or a stroke long enough: the next segment starts a new one at its
+        // first point.
+        if (b != s || polyline_.size() >= stroke_length) flush();
       }
       last = s;
     }
