@@ -155,6 +155,10 @@ TEST_F(config_test, source_addresses_are_kept_normalised_and_a_kind_takes_its_ne
     EXPECT_EQ(c->history_source->size(), 3u) << "no entry twice";
   }
   EXPECT_TRUE(c->enable_source());
+  std::vector<std::string> many;
+  for (int port = 1; port <= 12; ++port) many.push_back("udp://:" + std::to_string(port));
+  store.set_strings("history_source", many);
+  EXPECT_EQ(start()->history_source->size(), config_connection_t::history_count) << "ten are kept";
   c->delete_config();
   c = start();
   c->choose_source_kind(kind::gpsd);

@@ -118,6 +118,11 @@ struct listed_ports_t final : serial_port_list_t {
 TEST_F(config_connection_view_test, a_port_from_the_list_is_remembered_by_its_by_id_name_and_connected_alone) {
   listed_ports_t machine;
   machine.listed = {{"/dev/ttyS0", "", "", ""}};
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{sheet().port_list(), sheet().refresh_ports_button(), sheet().source_field(),
+                                       sheet().source_connect_button(), sheet().source_history()})
+    EXPECT_TRUE(control->isVisibleTo(&sheet())) << control->metaObject()->className();
+  EXPECT_FALSE(sheet().source_field()->accessibleName().isEmpty() || sheet().port_list()->accessibleName().isEmpty());
   EXPECT_EQ(sheet().port_list()->placeholderText(), "no serial port found");
   sheet().set_port_list(&machine);
   EXPECT_EQ(sheet().port_list()->count(), 1);
@@ -158,6 +163,14 @@ TEST_F(config_connection_view_test, a_port_from_the_list_is_remembered_by_its_by
   run();
   EXPECT_FALSE(cfg.enable_source()) << "TCP's Connect turns the serial link off";
   EXPECT_TRUE(hub.hub.tcp_enabled() && !hub.hub.source_enabled());
+
+  view.sheets().show(sheet_id_t::settings, true);
+  run();
+  type(sheet().source_field(), "gpsd://localhost");
+  QTest::keyClick(sheet().source_field(), Qt::Key_Return);
+  run();
+  EXPECT_EQ(sheet().source_field()->text(), "gpsd://localhost:2947") << "the address as it is kept";
+  EXPECT_EQ(hub.links.source->where.host, "localhost");
 }
 
 // A dialog 300 points high scrolls: its fields keep their height instead of vanishing.
