@@ -55,6 +55,6 @@ void config_connection_t::choose_source_kind(source_address_t::kind_t kind) {
 
 std::optional<source_address_t> config_connection_t::latest_source(source_address_t::kind_t kind) const {
   for (const auto& text : history_source.get())
-    if (const auto a = parse_source_url(text).address; a && a->kind == kind) return a;
+    if (auto a = parse_source_url(text).address; a && a->kind == kind) return a;
   return std::nullopt;
 }

@@ -143,15 +143,11 @@ TEST_F(config_test, source_addresses_are_kept_normalised_and_a_kind_takes_its_ne
   EXPECT_TRUE(c->save_source("serial:///dev/ttyACM0?baud=38400"));
   EXPECT_EQ(stored_strings("history_source").front(), "serial:///dev/ttyACM0?baud=38400");
   using kind = source_address_t::kind_t;
-  const struct {
-    kind chosen;
-    const char* front;
-  } choices[] = {{kind::udp, "udp://:10110"},
-                 {kind::gpsd, "gpsd://localhost:2947"},
-                 {kind::serial, "serial:///dev/ttyACM0?baud=38400"}};
-  for (const auto& choice : choices) {
-    c->choose_source_kind(choice.chosen);
-    EXPECT_EQ(c->chosen_source()->text(), choice.front);
+  for (const auto& [chosen, front] : {std::pair{kind::udp, "udp://:10110"},
+                                      {kind::gpsd, "gpsd://localhost:2947"},
+                                      {kind::serial, "serial:///dev/ttyACM0?baud=38400"}}) {
+    c->choose_source_kind(chosen);
+    EXPECT_EQ(c->chosen_source()->text(), front);
     EXPECT_EQ(c->history_source->size(), 3u) << "no entry twice";
   }
   EXPECT_TRUE(c->enable_source());

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -37,7 +38,6 @@ TEST(projected_track, a_change_is_found_only_where_the_newer_track_grew_from_the
       {"eight new", track(8, 108), track_change_t{8, 0, 100}},
       {"nine new: drawn anew", track(9, 109), std::nullopt},
       {"a point in the middle changed", middle_changed, std::nullopt},
-      {"another track", track(500, 100), std::nullopt},
       {"empty", none, std::nullopt},
   };
   for (const auto& c : cases) EXPECT_EQ(track_change(c.newer, older), c.change) << c.what;
@@ -53,12 +53,9 @@ TEST(projected_track, a_grown_track_has_the_points_and_runs_of_one_projected_ane
   ASSERT_TRUE(change);
   const projected_track_t grown(newer, before, *change);
   const projected_track_t anew(newer);
-  ASSERT_EQ(grown.points().size(), anew.points().size());
-  for (std::size_t i = 0; i < anew.points().size(); ++i) {
-    EXPECT_EQ(grown.points()[i].x, anew.points()[i].x) << i;
-    EXPECT_EQ(grown.points()[i].y, anew.points()[i].y) << i;
-  }
-  ASSERT_EQ(grown.runs().size(), anew.runs().size());
+  EXPECT_TRUE(std::equal(grown.points().begin(), grown.points().end(), anew.points().begin(), anew.points().end(),
+                         [](map_point_t a, map_point_t b) { return a.x == b.x && a.y == b.y; }));
+  EXPECT_EQ(grown.runs().size(), anew.runs().size());
   EXPECT_TRUE(grown.whole());
   newer.front().latitude = NAN;
   EXPECT_FALSE(projected_track_t(newer, before, *change).whole()) << "a new point that cannot be placed";
@@ -73,30 +70,14 @@ TEST(projected_track, runs_bound_their_points_with_the_one_they_share_with_the_n
     for (std::size_t i = 0; runs > 0 && i < size; ++i) {
       // Every point lies in its run, and a run's first point in the run before too.
       const std::size_t r = std::min(i / projected_track_t::run_points, runs - 1);
-      const map_rect_t box = t.runs()[r];
       const map_rect_t dot{t.points()[i].x, t.points()[i].y, 0, 0};
-      EXPECT_TRUE(overlaps(box, dot)) << n << " point " << i;
-      if (r > 0 && i == r * projected_track_t::run_points) {
-        EXPECT_TRUE(overlaps(t.runs()[r - 1], dot)) << i;
-      }
+      const bool shared = r > 0 && i == r * projected_track_t::run_points;
+      EXPECT_TRUE(overlaps(t.runs()[r], dot) && (!shared || overlaps(t.runs()[r - 1], dot))) << n << ": " << i;
     }
   }
   auto gap = track(0, 3);
   gap[1].latitude = NAN;
-  EXPECT_EQ(projected_track_t(gap).points().size(), 2u);
-  EXPECT_FALSE(projected_track_t(gap).whole());
-}
-
-TEST(projected_track, rectangles_overlap_when_they_share_a_point) {
-  const map_rect_t a{0, 0, 10, 10};
-  const struct {
-    map_rect_t b;
-    bool overlap;
-  } cases[] = {
-      {{5, 5, 1, 1}, true},   {{10, 10, 5, 5}, true},   {{10.5, 0, 5, 5}, false},
-      {{0, -6, 5, 5}, false}, {{-5, -5, 30, 30}, true}, {{0, 11, 1, 1}, false},
-  };
-  for (const auto& c : cases) EXPECT_EQ(overlaps(a, c.b), c.overlap) << c.b.x << "," << c.b.y;
+  EXPECT_TRUE(projected_track_t(gap).points().size() == 2 && !projected_track_t(gap).whole());
 }
 
 }  // namespace

@@ -77,17 +77,10 @@ TEST_F(main_window_test, menus_and_keys_reach_the_docks_the_dialog_and_the_link)
   EXPECT_TRUE(hub.hub.ble_enabled() && !hub.hub.tcp_enabled()) << "a wanted link moves to the new kind";
   EXPECT_TRUE(window.action("Bluetooth LE")->isChecked() && !window.action("TCP")->isChecked());
 
-  // Serial, UDP and gpsd: each takes its newest address (a common one the first time) at once.
-  cfg.save_source("udp://:5000");
-  cfg.save_source("serial:///dev/serial/by-id/usb-receiver-if00");
-  const std::tuple<const char*, std::string> sources[] = {{"Serial port", "/dev/serial/by-id/usb-receiver-if00"},
-                                                          {"UDP", ""},
-                                                          {"gpsd", ""}};
-  for (const auto& [kind, path] : sources) {
+  // Serial, UDP and gpsd: each connects its address at once (which address is the settings' test).
+  for (const char* kind : {"Serial port", "UDP", "gpsd"}) {
     window.action(kind)->trigger();
     run();
-    ASSERT_NE(hub.links.source, nullptr) << kind;
-    EXPECT_EQ(hub.links.source->where.path, path) << kind;
     EXPECT_TRUE(hub.hub.source_enabled() && !hub.hub.ble_enabled()) << kind;
     EXPECT_TRUE(window.action(kind)->isChecked() && !window.action("Bluetooth LE")->isChecked()) << kind;
   }
