@@ -37,7 +37,7 @@ shot docks --size 1400x900 --after 25 --sheet details --sheet log
 shot details --size 1100x900 --after 8 --sheet details
 shot log --size 1100x720 --after 6 --sheet log
 shot log-binary --size 1100x720 --after 6 --sheet log --ubx
-shot settings --size 640x520 --after 4 --sheet settings
+shot settings --size 640x620 --after 4 --sheet settings
 shot console --size 1100x720 --after 6 --sheet console
 shot sky --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds
 shot sky-dark --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark
@@ -55,3 +55,46 @@ sleep 0.5
 wait
 "$korvid" --screenshot "$out/player.png" --size 1100x720 --after 30 "$home/drive.nmea" >/dev/null
 echo "docs/screenshots/player.png"
+# The window on a serial receiver: korvid-sim on a pseudo-terminal at 38400 baud, the settings
+# pointing at it, connected with Ctrl+K on an X server (Xvfb, driven by xdotool; skipped where
+# either is missing), then the settings dialog.
+if command -v Xvfb > /dev/null && command -v xdotool > /dev/null; then
+  sim=$build/src/app/korvid-sim
+  "$sim" --pty --baud 38400 --rate 5 --speed 6 --duration 120 > "$home/sim.out" 2>&1 &
+  sim_pid=$!
+  for _ in $(seq 50); do grep -q 'serving on' "$home/sim.out" && break; sleep 0.1; done
+  pts=$(grep -o '/dev/pts/[0-9]*' "$home/sim.out")
+  cat >>"$XDG_CONFIG_HOME/Korvid/korvid.conf" <<INI
+[General]
+enable_source=true
+history_source="[\"serial://$pts\"]"
+INI
+  for n in $(seq 120 219); do
+    [ -e "/tmp/.X$n-lock" ] || [ -e "/tmp/.X11-unix/X$n" ] && continue
+    Xvfb ":$n" -screen 0 1400x1000x24 -nolisten tcp > /dev/null 2>&1 &
+    xvfb=$!
+    sleep 1
+    kill -0 "$xvfb" 2> /dev/null && break
+  done
+  serial_shot() {
+    local name=$1 after=$2 size=$3 dialog=$4
+    DISPLAY=":$n" QT_QPA_PLATFORM=xcb "$korvid" --screenshot "$out/$name.png" --after "$after" --size "$size" \
+      > /dev/null 2>&1 &
+    local app=$!
+    local window
+    window=$(DISPLAY=":$n" timeout 10 xdotool search --sync --name '^Korvid' | head -n 1)
+    DISPLAY=":$n" xdotool windowfocus --sync "$window" key ctrl+k 2> /dev/null
+    if [ "$dialog" = yes ]; then
+      sleep 3
+      DISPLAY=":$n" xdotool key ctrl+comma 2> /dev/null
+    fi
+    wait "$app"
+    echo "docs/screenshots/$name.png"
+  }
+  serial_shot serial 30 1100x720 no
+  serial_shot settings-serial 8 660x640 yes
+  kill "$xvfb" "$sim_pid" 2> /dev/null || true
+  wait "$xvfb" "$sim_pid" 2> /dev/null || true
+else
+  echo "docs/screenshots/serial.png and settings-serial.png need Xvfb and xdotool" >&2
+fi

@@ -139,6 +139,50 @@ BENCHMARK(BM_map_paint_whole_track)->Unit(benchmark::kMillisecond)->MeasureProce
 
 BENCHMARK(BM_map_paint_without_overlays)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 
+// One fix on a 10 000-point track, as the coordinator hands it to the map 10 times a second: a new
+// position dot and a new track whose head moved (every other fix) or grew by a point while the
+// oldest left, the old overlays taken out, and the repaint the event loop does. range(0): the
+// whole track in view (1) or 1 km (0).
+void BM_map_fix(benchmark::State& state) {
+  map_scene_t scene(1920, 1080);
+  auto track = walk(track_points + 1);
+  std::vector<geo_coordinate_t> shown(track.begin() + 1, track.end());
+  if (state.range(0) != 0) scene.map->set_region(track.front(), 8000.0, 8000.0, false);
+  for (int round = 0; round < 50; ++round) {  // every tile in view asked for and answered
+    scene.map->grab();
+    QTest::qWait(20);
+    if (scene.map->loader().in_flight() == 0 && round > 3) break;
+  }
+  std::size_t fixes = 0;
+  for (auto _ : state) {
+    if (++fixes % 2 == 0) {
+      shown.front().latitude += 1e-6;
+    } else {
+      shown.insert(shown.begin(), {shown.front().latitude + 4e-5, shown.front().longitude});
+      shown.pop_back();
+    }
+    auto line = std::make_shared<map_overlay_t>();
+    line->kind = map_overlay_t::kind_t::polyline;
+    line->points = shown;
+    auto dot = std::make_shared<map_overlay_t>();
+    dot->kind = map_overlay_t::kind_t::circle;
+    dot->centre = shown.front();
+    dot->radius_m = 14.0;
+    const auto old = scene.map->overlays();
+    scene.map->add_overlays({dot, line});
+    scene.map->remove_overlays(old);
+    QCoreApplication::processEvents();
+  }
+  state.counters["track_points"] = static_cast<double>(shown.size());
+}
+BENCHMARK(BM_map_fix)
+    ->ArgName("whole_track")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+
 // One full refresh of the main window: a change notice, the refresh of every row, the map's update
 // with new overlays (the clock is moved past the overlay interval each time), and the repaint.
 void BM_window_refresh(benchmark::State& state) {

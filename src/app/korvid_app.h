@@ -13,6 +13,7 @@
 #include "ntrip/corrections.h"
 #include "ntrip/corrections_settings.h"
 #include "platform/qt_main_queue.h"
+#include "platform/serial_ports.h"
 #include "platform/tile_map_widget.h"
 #include "ui/link_meter.h"
 #include "ui/main_window.h"
@@ -32,6 +33,7 @@ public:
   connection_t cnc;
   corrections_settings_t corrections_settings;
   corrections_t corrections;
+  qt_serial_ports_t serial_ports;  // listed in the settings dialog
   tile_map_widget_t& map;  // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;

@@ -80,6 +80,7 @@ void config_connection_t::load() {
   } else {
     save_port(default_port);
   }
+  load_source();
 }
 
 std::string config_connection_t::save_ble_name(const std::string& name) {
@@ -161,7 +162,8 @@ void config_connection_t::set_enable_ble(bool on) {
 
 void config_connection_t::delete_config() {
   reset_histories();
-  for (const auto key : {key_enable_bridge, key_enable_ble, key_history_ble_name, key_history_host, key_history_port})
+  for (const auto key : {key_enable_bridge, key_enable_ble, key_history_ble_name, key_history_host, key_history_port,
+                         key_enable_source, key_history_source})
     store_.remove(key);
   console_.print("delete_config");
 }

@@ -10,6 +10,7 @@
 #include "core/observable.h"
 #include "link/defaults.h"
 #include "link/kv_store.h"
+#include "link/source_address.h"
 
 // The connection settings: which link to use (TCP, Bluetooth LE, or both as a bridge), the BLE
 // peripheral name, the TCP host and port, a most-recently-used history of each, and whether what
@@ -62,13 +63,34 @@ public:
   published_t<bool> host_valid{*this, true};
   published_t<bool> port_valid{*this, true};
 
+  // A serial port, UDP or gpsd (link/source_address.h) instead of TCP and Bluetooth, and the
+  // addresses used, newest first: a serial port under its by-id name, so that a receiver plugged
+  // into another socket is found again. The switch and the history persist.
+  static constexpr std::string_view key_enable_source = "enable_source";
+  static constexpr std::string_view key_history_source = "history_source";
+  const published_t<bool>& enable_source() const { return enable_source_; }
+  void set_enable_source(bool on);
+  // Puts the address, normalised, first in its history and stores the history; nothing when it is
+  // no source address.
+  std::optional<source_address_t> save_source(const std::string& address);
+  // The address to connect: the newest in the history.
+  std::optional<source_address_t> chosen_source() const;
+  // The newest address of a kind in the history, if any.
+  std::optional<source_address_t> latest_source(source_address_t::kind_t kind) const;
+  // Turns the switch on with the newest address of the kind first, or a common one where there is
+  // none: serial:///dev/ttyACM0, udp://:10110, gpsd://127.0.0.1:2947.
+  void choose_source_kind(source_address_t::kind_t kind);
+  published_t<std::vector<std::string>> history_source{*this, {}};
+
 private:
   void load();
+  void load_source();
 
   kv_store_t& store_;
   console_t& console_;
   published_t<bool> enable_bridge_{*this, false};
   published_t<bool> enable_ble_{*this, true};
+  published_t<bool> enable_source_{*this, false};
   std::optional<std::string> host_bind_;
   std::optional<std::string> port_bind_;
 };

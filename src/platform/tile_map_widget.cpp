@@ -1,6 +1,5 @@
 #include "platform/tile_map_widget.h"
 
-#include <QGeoPositionInfoSource>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
@@ -26,16 +25,17 @@ const QColor location_blue(0, 122, 255);
 
 }  // namespace
 
-tile_map_widget_t::tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent)
-    : QWidget(parent),
-      sources_(std::move(sources)),
+tile_map_widget_t::tile_map_widget_t(tile_sources_t sources, const QString& cache_dir,
+                                     std::unique_ptr<device_position_t> device)
+    : sources_(std::move(sources)),
       loader_(
           cache_dir,
           [this] {
             ++tiles_arrived_;
             update();
           },
-          this) {
+          this),
+      position_source_(std::move(device)) {
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -78,32 +78,20 @@ void tile_map_widget_t::set_shows_scale(bool on) {
 }
 
 void tile_map_widget_t::set_shows_user_location(bool on) {
+  if (on == shows_user_location_) return;
   shows_user_location_ = on;
-  if (on && !position_source_) {
-    position_source_ = QGeoPositionInfoSource::createDefaultSource(this);
-    if (position_source_) {
-      QObject::connect(position_source_, &QGeoPositionInfoSource::positionUpdated, this,
-                       [this](const QGeoPositionInfo& info) {
-                         const auto c = info.coordinate();
-                         if (c.isValid()) set_device_location(geo_coordinate_t{c.latitude(), c.longitude()});
-                       });
-    }
-  }
   if (position_source_) {
     if (on)
-      position_source_->startUpdates();
+      position_source_->start([this](geo_coordinate_t c) { set_device_location(c); });
     else
-      position_source_->stopUpdates();
+      position_source_->stop();
   }
   update();
 }
 
 std::optional<geo_coordinate_t> tile_map_widget_t::device_location() const {
-  if (position_source_) {
-    const auto c = position_source_->lastKnownPosition().coordinate();
-    if (c.isValid()) return geo_coordinate_t{c.latitude(), c.longitude()};
-  }
-  return device_;
+  if (device_) return device_;
+  return position_source_ ? position_source_->last_known() : std::nullopt;
 }
 
 void tile_map_widget_t::set_device_location(std::optional<geo_coordinate_t> c) {
@@ -204,15 +192,28 @@ void tile_map_widget_t::set_map_type(map_type_t type) {
   update();
 }
 
+// A marker added or removed repaints its pin; a removal that finds nothing repaints nothing (the
+// coordinator hands back every marker it drops, shown or not, at every fix).
 void tile_map_widget_t::add_annotation(const annotation_ref_t& a) {
   markers_.push_back(a);
-  update();
+  update(pin_area(*a));
 }
 
 void tile_map_widget_t::remove_annotation(const annotation_ref_t& a) {
-  std::erase(markers_, a);
-  hovered_ = -1;
-  update();
+  if (std::erase(markers_, a) == 0) return;
+  if (hovered_ != -1) {
+    hovered_ = -1;  // the numbers shift: the title bubble goes
+    update();
+    return;
+  }
+  update(pin_area(*a));
+}
+
+QRect tile_map_widget_t::pin_area(const point_annotation_t& a) const {
+  if (!placeable(a.coordinate)) return {};
+  const QPointF tip = camera_.to_screen(map_point_for(a.coordinate), size());
+  return QRectF(std::round(tip.x() - pin_width / 2.0), std::round(tip.y() - pin_height + 1.0), pin_width, pin_height)
+      .toAlignedRect();
 }
 
 void tile_map_widget_t::remove_annotations(const std::vector<annotation_ref_t>& all) {
@@ -226,41 +227,57 @@ std::vector<overlay_ref_t> tile_map_widget_t::overlays() const {
 }
 
 // At 10 fixes a second the position dot and the head of the track change and nothing else: only
-// the area they touch is repainted, not the whole map with its tiles.
+// the area they touch is repainted, not the whole map with its tiles, and nothing at all when the
+// new overlays draw what the old ones drew. A track that grew from the one before takes its map
+// points from it.
 void tile_map_widget_t::add_overlays(const std::vector<overlay_ref_t>& o) {
-  QRectF area;
+  QRegion area;
   for (const auto& overlay : o) {
     projected_t projected;
-    projected.points.reserve(overlay->points.size());
-    for (const auto& c : overlay->points)
-      if (placeable(c)) projected.points.push_back(map_point_for(c));
     projected.centre = map_point_for(overlay->centre);
     if (overlay->kind == map_overlay_t::kind_t::circle) {
-      area |= circle_area(*overlay, projected);
+      const auto same = std::find_if(overlays_.begin(), overlays_.end(), [&](const overlay_ref_t& x) {
+        return x->kind == map_overlay_t::kind_t::circle && x->centre == overlay->centre &&
+               x->radius_m == overlay->radius_m && !projected_[x.get()].superseded;
+      });
+      if (same != overlays_.end())
+        projected_[same->get()].superseded = true;
+      else
+        area += circle_area(*overlay, projected).toAlignedRect();
     } else {
       const auto older = std::find_if(overlays_.rbegin(), overlays_.rend(), [](const overlay_ref_t& x) {
         return x->kind == map_overlay_t::kind_t::polyline;
       });
-      area |= older == overlays_.rend() ? QRectF(rect()) : track_change_area(projected, projected_[older->get()]);
+      std::optional<track_change_t> change;
+      if (older != overlays_.rend() && projected_[older->get()].track.whole())
+        change = track_change(overlay->points, (*older)->points);
+      if (change) {
+        projected_t& before = projected_[older->get()];
+        projected.track = projected_track_t(overlay->points, before.track, *change);
+        before.superseded = true;
+        area += track_change_area(projected.track, before.track, *change);
+      } else {
+        projected.track = projected_track_t(overlay->points);
+        area = rect();
+      }
     }
     projected_.emplace(overlay.get(), std::move(projected));
     overlays_.push_back(overlay);
   }
-  update(area.toAlignedRect());
+  update(area);
 }
 
 void tile_map_widget_t::remove_overlays(const std::vector<overlay_ref_t>& o) {
-  QRectF area;
+  QRegion area;
   for (const auto& overlay : o) {
     const auto found = projected_.constFind(overlay.get());
     if (found == projected_.cend() || std::erase(overlays_, overlay) == 0) continue;
-    if (overlay->kind == map_overlay_t::kind_t::circle)
-      area |= circle_area(*overlay, *found);
-    else if (!found->superseded)
-      area = rect();
+    // A superseded overlay's pixels are drawn as they were by the newer one.
+    if (!found->superseded)
+      area += overlay->kind == map_overlay_t::kind_t::circle ? circle_area(*overlay, *found).toAlignedRect() : rect();
     projected_.remove(overlay.get());
   }
-  update(area.toAlignedRect());
+  update(area);
 }
 
 QRectF tile_map_widget_t::circle_area(const map_overlay_t& circle, const projected_t& projected) const {
@@ -281,20 +298,16 @@ QRectF tile_map_widget_t::points_area(const std::vector<map_point_t>& points, st
   return area;
 }
 
-// The newer track is the older one with points put before its head (newest first) and perhaps its
-// oldest dropped: the new head segments and the dropped tail change. Anything else repaints all.
-QRectF tile_map_widget_t::track_change_area(const projected_t& newer, projected_t& older) const {
-  constexpr std::size_t max_new_points = 8;
-  const auto same = [](const map_point_t& a, const map_point_t& b) { return a.x == b.x && a.y == b.y; };
-  const auto& n = newer.points;
-  const auto& o = older.points;
-  if (o.empty() || n.empty()) return rect();
-  std::size_t added = 0;
-  while (added < n.size() && added <= max_new_points && !same(n[added], o.front())) ++added;
-  const std::size_t kept = n.size() - added;
-  if (added > max_new_points || kept == 0 || kept > o.size() || !same(n.back(), o[kept - 1])) return rect();
-  older.superseded = true;
-  return points_area(n, 0, added + 1) | points_area(o, kept - 1, o.size());
+// The segments that a change of the track adds or takes away: the new head's, the moved head's and
+// the dropped tail's.
+QRegion tile_map_widget_t::track_change_area(const projected_track_t& newer, const projected_track_t& older,
+                                             const track_change_t& change) const {
+  QRegion area;
+  if (change.added > 0) area += points_area(newer.points(), 0, change.added + 1).toAlignedRect();
+  if (change.replaced > 0) area += points_area(older.points(), 0, change.replaced + 1).toAlignedRect();
+  const std::size_t end = change.replaced + change.kept;
+  if (end < older.points().size()) area += points_area(older.points(), end - 1, older.points().size()).toAlignedRect();
+  return area;
 }
 
 // --- Painting ---------------------------------------------------------------------------------
@@ -304,9 +317,9 @@ void tile_map_widget_t::paintEvent(QPaintEvent* event) {
   paint_background(p);
   p.setRenderHint(QPainter::Antialiasing);
   // The track under the markers, the position dot over them: a pin never hides the position.
-  paint_overlays(p, map_overlay_t::kind_t::polyline);
-  paint_markers(p);
-  paint_overlays(p, map_overlay_t::kind_t::circle);
+  paint_overlays(p, map_overlay_t::kind_t::polyline, event->rect());
+  paint_markers(p, event->rect());
+  paint_overlays(p, map_overlay_t::kind_t::circle, event->rect());
   paint_device(p);
   paint_decorations(p, event->rect());
 }
@@ -413,7 +426,7 @@ bool tile_map_widget_t::paint_ancestor(QPainter& p, int layer, int z, int x, int
   return false;
 }
 
-void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind) {
+void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind, const QRect& exposed) {
   const QSizeF frame = size();
   for (const auto& overlay : overlays_) {
     if (overlay->kind != kind) continue;
@@ -429,7 +442,7 @@ void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind) 
     p.setPen(pen);
     if (overlay->kind == map_overlay_t::kind_t::polyline) {
       p.setBrush(Qt::NoBrush);
-      paint_polyline(p, found->points, pen.widthF());
+      paint_polyline(p, found->track, pen.widthF(), exposed);
     } else {
       if (!placeable(overlay->centre) || !std::isfinite(overlay->radius_m)) continue;
       const double radius = overlay->radius_m / metres_per_map_point(overlay->centre.latitude) / camera_.scale;
@@ -439,47 +452,59 @@ void tile_map_widget_t::paint_overlays(QPainter& p, map_overlay_t::kind_t kind) 
   }
 }
 
-void tile_map_widget_t::paint_polyline(QPainter& p, const std::vector<map_point_t>& points, double width) {
+void tile_map_widget_t::paint_polyline(QPainter& p, const projected_track_t& track, double width,
+                                       const QRect& exposed) {
   // The projection to map points is cached with the overlay; here only a shift and a scale per
-  // point. Points less than a screen point from the last one kept are skipped, segments are cut
-  // to the widget (zoomed in, one segment can reach far beyond it, and the rasteriser's work grows
-  // with the length it is given), and the rest goes to the stroker in short runs: one long
-  // self-crossing path costs the rasteriser far more than many short ones.
-  constexpr int run_length = 64;
+  // point, and only for the runs of points whose bounds reach the repainted area: a repaint of the
+  // track's head walks a few runs, not the whole track. Points less than a screen point from the
+  // last one kept are skipped, segments are cut to the repainted area (zoomed in, one segment can
+  // reach far beyond it, and the rasteriser's work grows with the length it is given), and the
+  // rest goes to the stroker in short runs: one long self-crossing path costs the rasteriser far
+  // more than many short ones.
+  constexpr int stroke_length = 64;
   constexpr double min_step = 1.0;  // screen points
   const QSizeF frame = size();
-  const QRectF view = QRectF(QPointF(0, 0), frame).adjusted(-width, -width, width, width);
+  const QRectF view = QRectF(exposed).adjusted(-width, -width, width, width);
+  const map_point_t corner = camera_.to_map(view.topLeft(), frame);
+  const map_rect_t reach{corner.x, corner.y, view.width() * camera_.scale, view.height() * camera_.scale};
   auto flush = [&] {
     if (polyline_.size() >= 2) p.drawPolyline(polyline_);
     polyline_.clear();
   };
   polyline_.clear();
+  const auto& points = track.points();
+  const auto& runs = track.runs();
   bool have_last = false;
   QPointF last;
-  for (const auto& m : points) {
-    const QPointF s = camera_.to_screen(m, frame);
-    if (!have_last) {
-      last = s;
-      have_last = true;
+  for (std::size_t r = 0; r < runs.size(); ++r) {
+    if (!overlaps(runs[r], reach)) {
+      flush();
+      have_last = false;
       continue;
     }
-    if (std::abs(s.x() - last.x()) + std::abs(s.y() - last.y()) < min_step) continue;
-    QPointF a = last;
-    QPointF b = s;
-    if (!clip_segment(view, a, b)) {
-      flush();
-    } else {
-      if (a != last) flush();  // coming into view: the run starts at the edge
-      if (polyline_.isEmpty()) polyline_.append(a);
-      polyline_.append(b);
-      if (b != s) {
-        flush();  // going out of view
-      } else if (polyline_.size() >= run_length) {
-        flush();
-        polyline_.append(s);
-      }
+    const std::size_t first = r * projected_track_t::run_points;
+    const std::size_t end = std::min(first + projected_track_t::run_points + 1, points.size());
+    if (!have_last) {
+      last = camera_.to_screen(points[first], frame);
+      have_last = true;
     }
-    last = s;
+    for (std::size_t i = first + 1; i < end; ++i) {
+      const QPointF s = camera_.to_screen(points[i], frame);
+      if (std::abs(s.x() - last.x()) + std::abs(s.y() - last.y()) < min_step) continue;
+      QPointF a = last;
+      QPointF b = s;
+      if (!clip_segment(view, a, b)) {
+        flush();
+      } else {
+        if (a != last) flush();  // coming into view: the stroke starts at the edge
+        if (polyline_.isEmpty()) polyline_.append(a);
+        polyline_.append(b);
+        // Going out of view, or a stroke long enough: the next segment starts a new one at its
+        // first point.
+        if (b != s || polyline_.size() >= stroke_length) flush();
+      }
+      last = s;
+    }
   }
   flush();
 }
@@ -507,16 +532,12 @@ const QPixmap& tile_map_widget_t::pin_image() {
   return pin_;
 }
 
-void tile_map_widget_t::paint_markers(QPainter& p) {
+void tile_map_widget_t::paint_markers(QPainter& p, const QRect& exposed) {
   const QSizeF frame = size();
   const QPixmap& pin = pin_image();
-  for (std::size_t i = 0; i < markers_.size(); ++i) {
-    const auto& m = markers_[i];
-    if (!placeable(m->coordinate)) continue;
-    const QPointF tip = camera_.to_screen(map_point_for(m->coordinate), frame);
-    if (tip.x() < -pin_width || tip.y() < -2 || tip.x() > width() + pin_width || tip.y() > height() + pin_height)
-      continue;
-    p.drawPixmap(QPointF(std::round(tip.x() - pin_width / 2.0), std::round(tip.y() - pin_height + 1.0)), pin);
+  for (const auto& m : markers_) {
+    const QRect area = pin_area(*m);
+    if (exposed.intersects(area)) p.drawPixmap(area.topLeft(), pin);
   }
   if (hovered_ >= 0 && hovered_ < static_cast<int>(markers_.size())) {
     const auto& m = markers_[static_cast<std::size_t>(hovered_)];

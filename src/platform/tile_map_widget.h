@@ -3,7 +3,6 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QPixmap>
-#include <QPointer>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <QWidget>
@@ -11,12 +10,12 @@
 #include <optional>
 #include <vector>
 
+#include "map/device_position.h"
 #include "map/map_widget_api.h"
+#include "map/projected_track.h"
 #include "platform/map_camera.h"
 #include "platform/tile_loader.h"
 #include "platform/tile_source.h"
-
-class QGeoPositionInfoSource;
 
 // The program's slippy map: Web Mercator tiles under the markers, the position circle and the
 // track. The user drags to pan, zooms with the wheel, a pinch, a double-click or the + and - keys;
@@ -29,8 +28,10 @@ public:
   static constexpr double max_zoom = 21.0;        // tiles of the deepest level are scaled beyond it
   static constexpr double pin_hit_radius = 10.0;  // screen points around a marker's tip
 
-  // sources: the tile servers; cache_dir: the on-disk tile cache.
-  tile_map_widget_t(tile_sources_t sources, const QString& cache_dir, QWidget* parent = nullptr);
+  // sources: the tile servers; cache_dir: the on-disk tile cache; device: where the computer is,
+  // when the platform can say.
+  tile_map_widget_t(tile_sources_t sources, const QString& cache_dir,
+                    std::unique_ptr<device_position_t> device = nullptr);
   ~tile_map_widget_t() override;
 
   // The tile servers, for their attributions.
@@ -59,7 +60,8 @@ public:
   void remove_overlays(const std::vector<overlay_ref_t>& o) override;
 
   bool shows_user_location() const { return shows_user_location_; }
-  // The device's last known position, when the platform has a position source.
+  // The device's last known position: the latest the position source reported, else what it knew
+  // before.
   std::optional<geo_coordinate_t> device_location() const;
   // Where the device is drawn; set by the position source, or by a test.
   void set_device_location(std::optional<geo_coordinate_t> c);
@@ -81,14 +83,16 @@ protected:
 
 private:
   struct projected_t {
-    std::vector<map_point_t> points;  // the overlay's coordinates as map points, computed once
+    projected_track_t track;  // a polyline's coordinates as map points, computed once
     map_point_t centre;
-    bool superseded = false;  // a newer track holds all its points still shown: removing it repaints nothing
+    bool superseded = false;  // a newer overlay draws all of this one still shown: removing it repaints nothing
   };
 
   // The screen area an overlay change touches, or the whole widget where it cannot tell.
   QRectF circle_area(const map_overlay_t& circle, const projected_t& projected) const;
-  QRectF track_change_area(const projected_t& newer, projected_t& older) const;
+  QRegion track_change_area(const projected_track_t& newer, const projected_track_t& older,
+                            const track_change_t& change) const;
+  QRect pin_area(const point_annotation_t& a) const;
   QRectF points_area(const std::vector<map_point_t>& points, std::size_t first, std::size_t last) const;
 
   void move_to(map_camera_t target, bool animated);
@@ -103,9 +107,9 @@ private:
   void paint_layer(class QPainter& p, int layer, const tile_source_t& source);
   bool paint_ancestor(class QPainter& p, int layer, int z, int x, int y, const QRectF& target);
   void paint_grid(class QPainter& p);
-  void paint_overlays(class QPainter& p, map_overlay_t::kind_t kind);
-  void paint_polyline(class QPainter& p, const std::vector<map_point_t>& points, double width);
-  void paint_markers(class QPainter& p);
+  void paint_overlays(class QPainter& p, map_overlay_t::kind_t kind, const QRect& exposed);
+  void paint_polyline(class QPainter& p, const projected_track_t& track, double width, const QRect& exposed);
+  void paint_markers(class QPainter& p, const QRect& exposed);
   const QPixmap& pin_image();
   void paint_device(class QPainter& p);
   void paint_decorations(class QPainter& p, const QRect& exposed);
@@ -156,6 +160,6 @@ private:
   QPixmap pin_;
   int hovered_ = -1;
 
-  QPointer<QGeoPositionInfoSource> position_source_;
+  std::unique_ptr<device_position_t> position_source_;
   std::optional<geo_coordinate_t> device_;
 };

@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "link/config_connection.h"
+#include "link/connect_action.h"
 #include "link/connection.h"
 #include "ui/content_view.h"
 #include "ui/font_size.h"
@@ -102,6 +103,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   ip_row->addWidget(host_history_);
   ip_row->addWidget(port_history_);
   layout->addWidget(ip);
+  layout->addWidget(build_source_section());
 
   layout->addWidget(delete_, 0, Qt::AlignLeft);
   layout->addWidget(status_);
@@ -141,6 +143,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
   });
   QObject::connect(bridge_, &QPushButton::clicked, this, [this] {
     selection_changed();
+    cfg_.set_enable_source(false);
     cfg_.set_enable_bridge(!cfg_.enable_bridge());
     parent_.sheets().show(sheet_id_t::settings, false);
     cnc_.disconnect();
@@ -159,6 +162,7 @@ config_connection_view::config_connection_view(ContentView& parent, config_conne
 // Connect in a section: that link alone, anew, and the sheet closes.
 void config_connection_view::connect_by(bool ble) {
   selection_changed();
+  cfg_.set_enable_source(false);
   cfg_.set_enable_ble(ble);
   parent_.sheets().show(sheet_id_t::settings, false);
   cnc_.disconnect();
@@ -172,6 +176,11 @@ void config_connection_view::revert_ip() {
 
 void config_connection_view::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
+  refresh_ports();
+  if (source_->text().isEmpty() && !cfg_.history_source->empty()) {
+    source_->setText(QString::fromStdString(cfg_.history_source->front()));
+    show_source_validity();
+  }
   refresh();
 }
 
@@ -215,6 +224,12 @@ void config_connection_view::refresh() {
   fill(ble_history_, names, [this](const QString& e) { cfg_.ble_name = e.toStdString(); });
   fill(host_history_, hosts, [this](const QString& e) { cfg_.set_host_bind(e.toStdString()); });
   fill(port_history_, ports, [this](const QString& e) { cfg_.set_port_bind(e.toStdString()); });
+  QStringList sources;
+  for (const auto& a : cfg_.history_source.get()) sources << QString::fromStdString(a);
+  fill(source_history_, sources, [this](const QString& e) {
+    source_->setText(e);
+    show_source_validity();
+  });
 
   // The status line: the links in use, or "offline".
   QStringList parts;
@@ -231,13 +246,18 @@ void config_connection_view::refresh() {
                  .arg(colour_of(ble.radio_colour(), theme).name(QColor::HexArgb),
                       QString::fromStdString(ble.radio_status()).toHtmlEscaped());
   }
+  if (cnc_.source_enabled() && cnc_.source())
+    parts << QString("<span style='color:%1'>%2</span>")
+                 .arg(colour_of(cnc_.sta_fg_source, theme).name(QColor::HexArgb),
+                      QString::fromStdString(cnc_.source()->address().text() + "  " + cnc_.status_source.get())
+                          .toHtmlEscaped());
   if (parts.isEmpty())
     parts << QString("<span style='color:%1'>offline</span>")
                  .arg(colour_of(colour_t::tertiary, theme).name(QColor::HexArgb));
   status_->setText(parts.join("&nbsp;&nbsp;&nbsp;"));
 
   bridge_->setChecked(cfg_.enable_bridge());
-  disconnect_->setVisible(cnc_.tcp_enabled() || cnc_.ble_enabled());
+  disconnect_->setVisible(any_link_enabled(cnc_));
 }
 
 void config_connection_view::add_section(QWidget* section) {

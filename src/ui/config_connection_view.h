@@ -7,14 +7,18 @@
 class ContentView;
 class config_connection_t;
 class connection_t;
+class serial_port_list_t;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QToolButton;
 
 // The connection settings sheet: the BLE peripheral's name, the TCP server's address and port,
-// each with its history and a Revert; Connect for either link, Bridge for both, Disconnect, and
-// the status of the links. Closing it by any means puts back a host or port typed wrongly.
+// each with its history and a Revert; the address of a serial port, UDP or gpsd link with its
+// history and the machine's serial ports to choose from; Connect for each link, Bridge for BLE and
+// TCP, Disconnect, and the status of the links. Closing it by any means puts back a host or port
+// typed wrongly.
 class config_connection_view final : public QWidget {
 public:
   static constexpr double size_padding_v = 16.0;
@@ -39,6 +43,15 @@ public:
   QLabel* status_line() const { return status_; }
   // Adds a section of another source (corrections) below the links, above the status line.
   void add_section(QWidget* section);
+  QComboBox* port_list() const { return ports_; }
+  QPushButton* refresh_ports_button() const { return refresh_ports_; }
+  QLineEdit* source_field() const { return source_; }
+  QPushButton* source_connect_button() const { return source_connect_; }
+  QToolButton* source_history() const { return source_history_; }
+  QLabel* source_error() const { return source_error_; }
+
+  // Where the serial ports are listed from; without one the list stays empty.
+  void set_port_list(const serial_port_list_t* ports);
 
 protected:
   void showEvent(QShowEvent* event) override;
@@ -48,6 +61,10 @@ private:
   void refresh();
   void connect_by(bool ble);
   void revert_ip();
+  QWidget* build_source_section();
+  void refresh_ports();
+  void show_source_validity();
+  void connect_source();
 
   ContentView& parent_;
   config_connection_t& cfg_;
@@ -68,4 +85,11 @@ private:
   QPushButton* close_;
   QPushButton* bridge_;
   QPushButton* disconnect_;
+  const serial_port_list_t* port_source_ = nullptr;
+  QComboBox* ports_ = nullptr;
+  QPushButton* refresh_ports_ = nullptr;
+  QLineEdit* source_ = nullptr;
+  QPushButton* source_connect_ = nullptr;
+  QToolButton* source_history_ = nullptr;
+  QLabel* source_error_ = nullptr;
 };

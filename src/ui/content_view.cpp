@@ -192,8 +192,12 @@ void ContentView::refresh() {
   const std::string crc = cnc_.crc_error_text();
   if (!crc.empty()) status.push_back({QString::fromStdString(crc), colour_t::secondary, status_font});
   const auto used = used_links(cfg_);
-  if (used.tcp) status.push_back({QString::fromStdString(cnc_.status_tcp), cnc_.sta_fg_tcp, status_font});
-  if (used.ble) status.push_back({QString::fromStdString(cnc_.status_ble), cnc_.sta_fg_ble, status_font});
+  if (cfg_.enable_source()) {
+    status.push_back({QString::fromStdString(cnc_.status_source), cnc_.sta_fg_source, status_font});
+  } else {
+    if (used.tcp) status.push_back({QString::fromStdString(cnc_.status_tcp), cnc_.sta_fg_tcp, status_font});
+    if (used.ble) status.push_back({QString::fromStdString(cnc_.status_ble), cnc_.sta_fg_ble, status_font});
+  }
   status_->set_runs(std::move(status));
   status_->setToolTip(cnc_.ble_enabled() ? QString::fromStdString(cnc_.ble().radio_status()) : QString());
 

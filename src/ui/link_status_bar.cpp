@@ -66,7 +66,7 @@ void link_status_bar_t::tick() {
   // The hub restarts its counters when a link comes up or the log is cleared.
   const std::uint64_t good = cnc_.msg_good >= good_ ? cnc_.msg_good - good_ : cnc_.msg_good;
   const std::uint64_t received = bytes - bytes_;
-  const bool enabled = cnc_.tcp_enabled() || cnc_.ble_enabled();
+  const bool enabled = any_link_enabled(cnc_);
   if (enabled && !enabled_) enabled_at_ = now;
   if (received > 0) data_at_ = now;
   if (good > 0) good_at_ = now;
@@ -151,6 +151,8 @@ QString link_status_bar_t::state_text() const {
     else
       parts << tr("BLE connected to %1").arg(QString::fromStdString(cnc_.status_ble));
   }
+  if (cnc_.source_enabled() && cnc_.source())
+    parts << QString::fromStdString(cnc_.source()->address().text() + ": " + cnc_.status_source.get());
   if (player_ && player_->is_open()) parts << QString::fromStdString(player_->status_text());
   return parts.isEmpty() ? tr("offline") : parts.join(", ");
 }

@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "link/config_connection.h"
+#include "link/connect_action.h"
 #include "link/connection.h"
 #include "map/map_view.h"
 #include "platform/tile_map_widget.h"
@@ -107,20 +108,35 @@ main_window_t::main_window_t(config_connection_t& cfg, connection_t& cnc, map_cf
           {QKeySequence(Qt::CTRL | Qt::Key_1), QKeySequence(Qt::CTRL | Qt::Key_L), QKeySequence(Qt::Key_QuoteLeft)});
 
   add_link_kind(
-      tr("&TCP"), [this] { return !cfg_.enable_bridge() && !cfg_.enable_ble(); },
+      tr("&TCP"), [this] { return !cfg_.enable_source() && !cfg_.enable_bridge() && !cfg_.enable_ble(); },
       [this] {
+        cfg_.set_enable_source(false);
         cfg_.set_enable_bridge(false);
         cfg_.set_enable_ble(false);
       });
   add_link_kind(
-      tr("&Bluetooth LE"), [this] { return !cfg_.enable_bridge() && cfg_.enable_ble(); },
+      tr("&Bluetooth LE"), [this] { return !cfg_.enable_source() && !cfg_.enable_bridge() && cfg_.enable_ble(); },
       [this] {
+        cfg_.set_enable_source(false);
         cfg_.set_enable_bridge(false);
         cfg_.set_enable_ble(true);
       });
   add_link_kind(
-      tr("B&ridge Bluetooth LE and TCP"), [this] { return cfg_.enable_bridge().get(); },
-      [this] { cfg_.set_enable_bridge(true); });
+      tr("B&ridge Bluetooth LE and TCP"), [this] { return !cfg_.enable_source() && cfg_.enable_bridge(); },
+      [this] {
+        cfg_.set_enable_source(false);
+        cfg_.set_enable_bridge(true);
+      });
+  using source_kind = source_address_t::kind_t;
+  for (const auto& [title, kind] : {std::pair{tr("&Serial port"), source_kind::serial},
+                                    std::pair{tr("&UDP"), source_kind::udp}, std::pair{tr("&gpsd"), source_kind::gpsd}})
+    add_link_kind(
+        title,
+        [this, kind = kind] {
+          const auto chosen = cfg_.chosen_source();
+          return cfg_.enable_source() && chosen && chosen->kind == kind;
+        },
+        [this, kind = kind] { cfg_.choose_source_kind(kind); });
 
   redraw_.watch(cfg_);
   redraw_.watch(cnc_);
@@ -204,7 +220,7 @@ void main_window_t::add_link_kind(const QString& title, std::function<bool()> ch
   QObject::connect(kind, &QAction::triggered, this, [this, choose = std::move(choose)] {
     choose();
     // A link already wanted moves to the new kind at once.
-    if (cnc_.tcp_enabled() || cnc_.ble_enabled()) {
+    if (any_link_enabled(cnc_)) {
       cnc_.disconnect();
       content_->connect_or_disconnect();
     }
@@ -247,7 +263,7 @@ void main_window_t::changeEvent(QEvent* event) {
 }
 
 void main_window_t::refresh() {
-  const bool linked = cnc_.tcp_enabled() || cnc_.ble_enabled();
+  const bool linked = any_link_enabled(cnc_);
   connect_->setText(linked ? tr("Dis&connect") : tr("&Connect"));
   for (const auto& check : kind_checks_) check();
   imagery_->setChecked(map_cfg_.mode_sat);

@@ -118,15 +118,47 @@ TEST_F(config_test, delete_config_then_a_restart_gives_the_defaults) {
     const auto c = start();
     c->set_enable_bridge(true);
     c->save_host("192.168.4.1");
+    c->save_source("udp://:10110");
     c->delete_config();
     EXPECT_EQ(console.lines.back(), "delete_config");
     EXPECT_TRUE(c->enable_bridge()) << "current values keep until the next start";
-    for (const char* key : {"enable_bridge", "enable_ble", "history_ble_name", "history_host", "history_port"})
+    for (const char* key : {"enable_bridge", "enable_ble", "history_ble_name", "history_host", "history_port",
+                            "enable_source", "history_source"})
       EXPECT_EQ(store.get(key).kind, kv_value_t::kind_t::absent) << key;
   }
   const auto c = start();
   EXPECT_FALSE(c->enable_bridge());
   EXPECT_EQ(c->history_host.get(), config_connection_t::default_hosts);
+}
+
+// Serial, UDP and gpsd addresses: stored ones read as typed ones (normalised, the unreadable and
+// repeated dropped); a kind chosen from the menu takes its newest address, or a common one.
+TEST_F(config_test, source_addresses_are_kept_normalised_and_a_kind_takes_its_newest) {
+  store.set_strings("history_source", {"gpsd://localhost", "serial:dev/tty", "udp://:10110", "gpsd://localhost:2947"});
+  auto c = start();
+  EXPECT_EQ(c->history_source.get(), (strings_t{"gpsd://localhost:2947", "udp://:10110"}));
+  EXPECT_FALSE(c->enable_source());
+
+  EXPECT_FALSE(c->save_source("udp://:0"));
+  EXPECT_TRUE(c->save_source("serial:///dev/ttyACM0?baud=38400"));
+  EXPECT_EQ(stored_strings("history_source").front(), "serial:///dev/ttyACM0?baud=38400");
+  using kind = source_address_t::kind_t;
+  for (const auto& [chosen, front] : {std::pair{kind::udp, "udp://:10110"},
+                                      {kind::gpsd, "gpsd://localhost:2947"},
+                                      {kind::serial, "serial:///dev/ttyACM0?baud=38400"}}) {
+    c->choose_source_kind(chosen);
+    EXPECT_EQ(c->chosen_source()->text(), front);
+    EXPECT_EQ(c->history_source->size(), 3u) << "no entry twice";
+  }
+  EXPECT_TRUE(c->enable_source());
+  std::vector<std::string> many;
+  for (int port = 1; port <= 12; ++port) many.push_back("udp://:" + std::to_string(port));
+  store.set_strings("history_source", many);
+  EXPECT_EQ(start()->history_source->size(), config_connection_t::history_count) << "ten are kept";
+  c->delete_config();
+  c = start();
+  c->choose_source_kind(kind::gpsd);
+  EXPECT_EQ(c->chosen_source()->text(), "gpsd://127.0.0.1:2947") << "a common address where none was used";
 }
 
 }  // namespace

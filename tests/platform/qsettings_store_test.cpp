@@ -11,7 +11,8 @@ namespace {
 
 // What a first start restores.
 const char* const defaults =
-    "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\nhistory_port=1\n";
+    "enable_bridge=0\nenable_ble=1\nble_name=Thingy:91 UART\nhost=127.0.0.1\nport=81\nhistory_host=6\nhistory_port=1\n"
+    "enable_source=0\nsource=\n";
 
 // Runs the probe in a process of its own and returns what it printed.
 std::string probe(const QString& mode, const QString& file) {
@@ -28,7 +29,8 @@ TEST(qsettings_store, values_written_by_one_process_are_read_by_the_next) {
   probe("save", file);
   EXPECT_EQ(probe("show", file),
             "enable_bridge=1\nenable_ble=0\nble_name=nrf52840dk UART\nhost=192.168.4.1\nport=10110\nhistory_host=6\n"
-            "history_port=2\n");
+            "history_port=2\nenable_source=1\nsource=serial:///dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00\n")
+      << "a history of one address is still a list";
 }
 
 TEST(qsettings_store, a_file_that_cannot_hold_the_settings_is_named) {

@@ -19,11 +19,15 @@ int main(int argc, char** argv) {
     settings.save_ble_name("nrf52840dk UART");
     settings.save_host("192.168.4.1");
     settings.save_port(10110);
+    settings.save_source("serial:///dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00");
+    settings.set_enable_source(true);
     return 0;
   }
   std::printf("enable_bridge=%d\nenable_ble=%d\nble_name=%s\nhost=%s\nport=%u\nhistory_host=%zu\nhistory_port=%zu\n",
               settings.enable_bridge().get(), settings.enable_ble().get(), settings.ble_name->c_str(),
               settings.host->c_str(), settings.port.get(), settings.history_host->size(),
               settings.history_port->size());
+  const auto source = settings.chosen_source();
+  std::printf("enable_source=%d\nsource=%s\n", settings.enable_source().get(), source ? source->text().c_str() : "");
   return 0;
 }

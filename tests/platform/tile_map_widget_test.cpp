@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,42 @@ const QColor system_red(255, 59, 48);
 
 overlay_ref_t polyline(std::vector<geo_coordinate_t> points) {
   return std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::polyline, {}, 0.0, std::move(points)});
+}
+
+// The paint events that reach a widget, as one region.
+struct paint_areas_t final : QObject {
+  bool eventFilter(QObject*, QEvent* e) override {
+    if (e->type() == QEvent::Paint) region += static_cast<QPaintEvent*>(e)->region();
+    return false;
+  }
+  QRegion region;
+};
+
+// A spiral walk of n points 10 m apart around a centre, laps widening by 10 m, newest first.
+std::vector<geo_coordinate_t> spiral(geo_coordinate_t centre, int n) {
+  std::vector<geo_coordinate_t> points;
+  double angle = 0.0;
+  for (int i = 0; i < n; ++i) {
+    const double radius = 30.0 + 10.0 * angle / (2 * 3.14159265358979);
+    angle += 10.0 / radius;
+    points.insert(points.begin(), {centre.latitude + radius * std::cos(angle) / meters_per_lat,
+                                   centre.longitude + radius * std::sin(angle) / meters_per_lon / 0.66});
+  }
+  return points;
+}
+
+// The share of pixels in an area that differ clearly between two images (not by the antialiasing
+// where the stroker's runs meet), outside a region left out.
+double differing(const QImage& a, const QImage& b, const QRect& area, const QRegion& left_out = {}) {
+  int count = 0;
+  for (int y = area.top(); y <= area.bottom(); ++y)
+    for (int x = area.left(); x <= area.right(); ++x) {
+      const QColor p(a.pixel(x, y)), q(b.pixel(x, y));
+      if (std::abs(p.red() - q.red()) + std::abs(p.green() - q.green()) + std::abs(p.blue() - q.blue()) > 96 &&
+          !left_out.contains(QPoint(x, y)))
+        ++count;
+    }
+  return static_cast<double>(count) / (area.width() * area.height());
 }
 
 class tile_map_widget_test : public ::testing::Test {
@@ -139,6 +176,74 @@ TEST_F(tile_map_widget_test, segments_reaching_far_beyond_the_view_are_drawn_whe
     EXPECT_EQ(QColor(seen.pixel(at.toPoint())), system_red) << at.x() << "," << at.y();
   }
   EXPECT_NE(QColor(seen.pixel(QPoint(static_cast<int>(centre.x()) + 40, static_cast<int>(centre.y())))), system_red);
+}
+
+// The coordinator puts in a new position dot and track at each fix and takes the old ones out: the
+// repaint covers what changed (nothing when nothing did), and a paint of any part of the map draws
+// there what a whole paint draws, however few of the track's points it walks.
+TEST_F(tile_map_widget_test, a_fix_repaints_what_changed_and_a_part_paints_as_the_whole) {
+  server.offline = true;  // the grid alone: no tile arrives later to repaint all
+  const geo_coordinate_t centre{48.85, 2.35};
+  map->set_region(centre, 400.0, 400.0, false);
+  auto fix = [&](const std::vector<geo_coordinate_t>& track) {
+    const auto old = map->overlays();
+    map->add_overlays(
+        {std::make_shared<map_overlay_t>(map_overlay_t{map_overlay_t::kind_t::circle, track.front(), 3.0, {}}),
+         polyline(track)});
+    map->remove_overlays(old);
+  };
+  auto track = spiral(centre, 600);  // laps out to 140 m: all in view
+  fix(track);
+  const QImage whole = settled();
+
+  auto moved = track;
+  moved.front().latitude += 2.0 / meters_per_lat;
+  auto grown = spiral(centre, 601);
+  grown.pop_back();
+  auto jumped = grown;  // a point 40 m on: its segment reaches beyond the position dot
+  jumped.insert(jumped.begin(), {grown.front().latitude + 40.0 / meters_per_lat, grown.front().longitude});
+  const auto pin = std::make_shared<point_annotation_t>(point_annotation_t{"12:00:00", "", track[300]});
+  const auto unknown = std::make_shared<point_annotation_t>(point_annotation_t{"12:00:01", "", track[400]});
+  const struct {
+    const char* what;
+    std::function<void()> change;
+    int most;  // screen points repainted
+  } changes[] = {
+      {"the same fix", [&] { fix(track); }, 0},
+      {"the head moved 2 m", [&] { fix(moved); }, 40 * 40},
+      {"a new point, the oldest dropped", [&] { fix(grown); }, 2 * 40 * 40},
+      {"a point 40 m on", [&] { fix(jumped); }, 2 * 70 * 70},
+      {"a marker added", [&] { map->add_annotation(pin); }, 30 * 30},
+      {"a marker not shown removed", [&] { map->remove_annotation(unknown); }, 0},
+      {"a marker removed", [&] { map->remove_annotation(pin); }, 30 * 30},
+  };
+  QImage before = map->grab().toImage();
+  paint_areas_t paints;
+  map->installEventFilter(&paints);
+  for (const auto& c : changes) {
+    paints.region = {};
+    c.change();
+    // The repaint comes with the platform's next frame; a change that needs none waits the bound.
+    (void)QTest::qWaitFor([&] { return !paints.region.isEmpty(); }, 100);
+    const QRegion repainted = paints.region;
+    int area = 0;
+    for (const QRect& r : repainted) area += r.width() * r.height();
+    EXPECT_LE(area, c.most) << c.what;
+    const QImage after = map->grab().toImage();
+    EXPECT_EQ(differing(after, before, map->rect(), repainted), 0.0) << c.what << ": a change not repainted";
+    before = after;
+  }
+  map->removeEventFilter(&paints);
+
+  fix(track);
+  ASSERT_EQ(differing(settled(), whole, map->rect()), 0.0);
+  for (const QRect part :
+       {QRect(0, 0, 100, 100), QRect(230, 230, 50, 50), QRect(300, 100, 40, 300), QRect(0, 480, 512, 32)}) {
+    QImage partial(map->size(), QImage::Format_RGB32);
+    partial.fill(Qt::black);
+    map->render(&partial, part.topLeft(), QRegion(part));
+    EXPECT_LT(differing(partial, whole, part), 0.01) << part.x() << "," << part.y();
+  }
 }
 
 TEST_F(tile_map_widget_test, offline_shows_the_grid_with_the_overlays_and_does_not_retry_in_a_loop) {

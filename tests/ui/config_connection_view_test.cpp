@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -9,6 +10,7 @@
 #include <QTest>
 #include <QToolButton>
 
+#include "link/serial_port_list.h"
 #include "main_screen.h"
 #include "ui/palette.h"
 
@@ -104,6 +106,60 @@ TEST_F(config_connection_view_test, bridge_drops_both_links_and_reconnects_in_th
   sheet().disconnect_button()->click();
   run();
   EXPECT_TRUE(!sheet().disconnect_button()->isVisible() && sheet().status_line()->text().contains("offline"));
+}
+
+struct listed_ports_t final : serial_port_list_t {
+  std::vector<serial_port_info_t> ports() const override { return listed; }
+  std::vector<serial_port_info_t> listed;
+};
+
+// A receiver on a serial port: picked from the list by what the user recognises, remembered by its
+// by-id name, connected alone; a typed address that does not read is red and says why.
+TEST_F(config_connection_view_test, a_port_from_the_list_is_remembered_by_its_by_id_name_and_connected_alone) {
+  listed_ports_t machine;
+  machine.listed = {{"/dev/ttyS0", "", "", ""}};
+  for (QWidget* control :
+       std::initializer_list<QWidget*>{sheet().port_list(), sheet().refresh_ports_button(), sheet().source_field(),
+                                       sheet().source_connect_button(), sheet().source_history()})
+    EXPECT_TRUE(control->isVisibleTo(&sheet())) << control->metaObject()->className();
+  EXPECT_FALSE(sheet().source_field()->accessibleName().isEmpty() || sheet().port_list()->accessibleName().isEmpty());
+  EXPECT_EQ(sheet().port_list()->placeholderText(), "no serial port found");
+  sheet().set_port_list(&machine);
+  EXPECT_EQ(sheet().port_list()->count(), 1);
+  EXPECT_EQ(sheet().port_list()->placeholderText(), "choose a serial port");
+  machine.listed.push_back(
+      {"/dev/ttyACM0", "/dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00", "1546:01a8", "u-blox GNSS receiver"});
+  sheet().refresh_ports_button()->click();
+  ASSERT_EQ(sheet().port_list()->count(), 2);
+  EXPECT_EQ(sheet().port_list()->itemText(1),
+            "/dev/ttyACM0  usb-u-blox_AG_GNSS_receiver-if00  1546:01a8  u-blox GNSS receiver");
+
+  for (const auto& [typed, valid] :
+       {std::pair{"serial:dev/ttyACM0", false}, {"udp://:99999", false}, {"gpsd://localhost", true}}) {
+    type(sheet().source_field(), typed);
+    EXPECT_EQ(text_of(sheet().source_field()), colour(valid ? colour_t::primary : colour_t::red)) << typed;
+    EXPECT_EQ(sheet().source_error()->isVisible(), !valid) << typed;
+    EXPECT_EQ(sheet().source_connect_button()->isEnabled(), valid) << typed;
+  }
+
+  sheet().port_list()->activated(1);
+  EXPECT_EQ(sheet().source_field()->text(), "serial:///dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00");
+  sheet().source_connect_button()->click();
+  run();
+  EXPECT_EQ(cfg.history_source.get().front(), "serial:///dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00");
+  EXPECT_TRUE(cfg.enable_source());
+  EXPECT_FALSE(window.settings_dialog().isVisible());
+  ASSERT_NE(hub.links.source, nullptr);
+  EXPECT_EQ(hub.links.source->where.path, "/dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00");
+  EXPECT_TRUE(hub.hub.source_enabled() && !hub.hub.tcp_enabled() && !hub.hub.ble_enabled()) << "the serial link alone";
+
+  view.sheets().show(sheet_id_t::settings, true);
+  run();
+  EXPECT_TRUE(sheet().status_line()->text().contains("serial:///dev/serial/by-id/usb-u-blox_AG_GNSS_receiver-if00"));
+  sheet().ip_connect_button()->click();
+  run();
+  EXPECT_FALSE(cfg.enable_source()) << "TCP's Connect turns the serial link off";
+  EXPECT_TRUE(hub.hub.tcp_enabled() && !hub.hub.source_enabled());
 }
 
 // A dialog 300 points high scrolls: its fields keep their height instead of vanishing.

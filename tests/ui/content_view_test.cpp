@@ -128,6 +128,22 @@ TEST_F(content_view_test, buttons_over_the_map_act_on_the_map_settings) {
   EXPECT_EQ(location(), std::pair(true, QString("location_fill")));
 }
 
+// The platform knows where the computer is before the user asks for it: the map opens there, and
+// turning the location on follows the platform's reports.
+TEST(content_view, the_map_opens_on_the_device_location_and_follows_it_when_shown) {
+  const geo_coordinate_t sydney{-33.8568, 151.2153};
+  main_screen_t screen(1000, 760, sydney);
+  screen.run();
+  EXPECT_NEAR(screen.map.camera().centre.x, map_point_for(sydney).x, 1.0);
+  EXPECT_NEAR(screen.map.camera().centre.y, map_point_for(sydney).y, 1.0);
+  const geo_coordinate_t moved{-33.86, 151.21};
+  screen.device->move(moved);
+  EXPECT_EQ(screen.map.device_location(), sydney) << "not followed while the location is off";
+  screen.view.map_panel()->location_button()->click();
+  screen.device->move(moved);
+  EXPECT_EQ(screen.map.device_location(), moved);
+}
+
 TEST_F(content_view_test, a_burst_of_notices_costs_one_refresh_and_none_without_a_change) {
   hub.receive(gga);
   run();  // the map is placed: the one-off writes of the placement are done

@@ -76,9 +76,18 @@ TEST_F(main_window_test, menus_and_keys_reach_the_docks_the_dialog_and_the_link)
   run();
   EXPECT_TRUE(hub.hub.ble_enabled() && !hub.hub.tcp_enabled()) << "a wanted link moves to the new kind";
   EXPECT_TRUE(window.action("Bluetooth LE")->isChecked() && !window.action("TCP")->isChecked());
+
+  // Serial, UDP and gpsd: each connects its address at once (which address is the settings' test).
+  for (const char* kind : {"Serial port", "UDP", "gpsd"}) {
+    window.action(kind)->trigger();
+    run();
+    EXPECT_TRUE(hub.hub.source_enabled() && !hub.hub.ble_enabled()) << kind;
+    EXPECT_TRUE(window.action(kind)->isChecked() && !window.action("Bluetooth LE")->isChecked()) << kind;
+  }
+  EXPECT_EQ(hub.links.source->where.text(), "gpsd://127.0.0.1:2947");
   QTest::keySequence(&window, QKeySequence(Qt::CTRL | Qt::Key_K));
   run();
-  EXPECT_TRUE(!hub.hub.ble_enabled() && window.action("Connect"));
+  EXPECT_TRUE(!hub.hub.source_enabled() && window.action("Connect"));
 }
 
 // Each second the bar samples the counters; each hint stands until the link shows what it lacks.
