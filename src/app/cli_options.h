@@ -33,9 +33,9 @@ struct cli_options_t {
   std::optional<ntrip_address_t> sourcetable;  // --sourcetable ntrip://HOST[:PORT]: print the table
   std::string record_file;                     // --record: the received stream goes to this file as it came
   record_rotation_t record_rotate;             // --record-rotate: a new file after so many bytes or hours
-  std::optional<double> speed;  // --speed: replay at the receiver's pace times this; 0 as fast as possible
-  std::string gpx_file;         // --gpx: the session's track as GPX 1.1 when the run ends
-  std::string geojson_file;     // --geojson: the same as GeoJSON
+  std::optional<double> speed;     // --speed: replay at the receiver's pace times this; 0 as fast as possible
+  std::string gpx_file;            // --gpx: the session's track as GPX 1.1 when the run ends
+  std::string geojson_file;        // --geojson: the same as GeoJSON
   std::vector<std::string> sends;  // --send: commands for the receiver, in order, once a link is up
   bool read_only = false;          // send the receiver nothing
   bool serve = false;              // --serve :PORT: share the received bytes with TCP clients

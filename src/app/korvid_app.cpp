@@ -4,10 +4,10 @@
 
 #include "platform/qt_device_position.h"
 #include "platform/tile_source.h"
-#include "ui/corrections_window.h"
-#include "ui/console_dock.h"
-#include "ui/link_status_bar.h"
 #include "ui/config_connection_view.h"
+#include "ui/console_dock.h"
+#include "ui/corrections_window.h"
+#include "ui/link_status_bar.h"
 
 QString tile_cache_folder() {
   return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/tiles";

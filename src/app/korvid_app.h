@@ -34,7 +34,7 @@ public:
   corrections_settings_t corrections_settings;
   corrections_t corrections;
   qt_serial_ports_t serial_ports;  // listed in the settings dialog
-  tile_map_widget_t& map;  // owned by the window, which places it in its map panel
+  tile_map_widget_t& map;          // owned by the window, which places it in its map panel
   map_cfg_t map_cfg;
   main_window_t window;
   session_controller_t& session;  // owned by the window: recording and playing captures

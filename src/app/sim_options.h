@@ -19,7 +19,7 @@ struct sim_options_t {
   std::string udp_host;        // send datagrams to udp_host:udp_port instead of serving TCP
   std::uint16_t udp_port = 0;
   bool help = false;
-  std::string rtcm_file;  // write a correction stream of `duration` epochs (10 without) here and stop
+  std::string rtcm_file;         // write a correction stream of `duration` epochs (10 without) here and stop
   bool ignore_commands = false;  // no answers to the clients' commands
 };
 

@@ -23,7 +23,7 @@ struct window_options_t {
   bool dark = false;               // a dark palette (for screenshots of the dark theme)
   bool help = false;
   std::optional<ntrip_address_t> corrections;  // stream this mountpoint to the receiver from the start
-  std::string capture;  // a capture to play at start
+  std::string capture;                         // a capture to play at start
 };
 
 struct window_parse_t {

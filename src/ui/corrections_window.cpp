@@ -15,9 +15,9 @@ corrections_view_t& add_corrections(main_window_t& window, corrections_t& correc
   window.settings_view().add_section(view);
   window.status().show_corrections(corrections);
   window.connection_menu().addAction(QObject::tr("Co&rrections (NTRIP)..."),
-                                      QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K), &window, [&window, view] {
-                                        window.sheets().show(sheet_id_t::settings, true);
-                                        view->address_field()->setFocus();
-                                      });
+                                     QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K), &window, [&window, view] {
+                                       window.sheets().show(sheet_id_t::settings, true);
+                                       view->address_field()->setFocus();
+                                     });
   return *view;
 }
