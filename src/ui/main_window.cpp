@@ -60,7 +60,9 @@ const desktop_look_t& desktop_look() {
 }
 
 QString about_text(const tile_sources_t& sources) {
-  QString text = QObject::tr("<h3>Korvid %1</h3><p>A desktop monitor for GNSS receivers on serial and USB ports, TCP, UDP, gpsd and Bluetooth LE.</p>")
+  QString text = QObject::tr(
+                     "<h3>Korvid %1</h3><p>A desktop monitor for GNSS receivers on serial and USB ports, TCP, UDP, "
+                     "gpsd and Bluetooth LE.</p>")
                      .arg(QApplication::applicationVersion().toHtmlEscaped());
   text += QObject::tr("<p>Built with Qt %1, used under the GNU LGPL version 3.</p><p>Map tiles:</p><ul>")
               .arg(QString::fromLatin1(qVersion()));
