@@ -4,7 +4,10 @@ receiver_console_t::receiver_console_t(connection_t& hub, main_queue_t& queue, c
     : hub_(hub),
       console_(console),
       tracker_(queue, [this](const answer_t& answer) { report(answer); }),
-      scanner_([this](ubx_id_t message, std::span<const std::uint8_t> payload) { tracker_.frame(message, payload); }) {
+      scanner_([this](ubx_id_t message, std::span<const std::uint8_t> payload) {
+        tracker_.frame(message, payload);
+        poll_identity_when_due();
+      }) {
   hub_.add_tap(*this);
 }
 
@@ -35,13 +38,23 @@ void receiver_console_t::link_up() {
   up_ = true;
   scanner_.reset();
   identity = {};
-  if (read_only_) return;
-  if (poll_identity_) transmit(ubx_command(ubx_mon_ver, {}, {}));
+  identity_due_ = poll_identity_;
   for (const auto& command : waiting_for_link_) transmit(command);
   waiting_for_link_.clear();
 }
 
+// A UBX answer in a stream of sentences makes the receive path take the link for binary until
+// 2048 bytes have passed without a record, which pauses the decoding of sentences. So the identity
+// is asked for only once the receiver speaks UBX itself, or with the user's first command, whose
+// answer comes in UBX anyway.
+void receiver_console_t::poll_identity_when_due() {
+  if (!identity_due_ || read_only_ || !up_) return;
+  identity_due_ = false;
+  transmit(ubx_command(ubx_mon_ver, {}, {}));
+}
+
 void receiver_console_t::transmit(const typed_command_t& command) {
+  poll_identity_when_due();
   if (!hub_.send_to_receiver(command.bytes)) {
     console_.print(console_.date() + "  no link to send " + command.text);
     return;

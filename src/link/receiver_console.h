@@ -16,9 +16,10 @@
 
 // Talks to the receiver: sends what the user types, marks it as sent in the log and on the
 // console, and reads the answers from the received stream (each command waits up to 2 s for
-// ACK-ACK, ACK-NAK or the polled message). When a link comes up it polls MON-VER for the
-// receiver's identity. A read-only link is sent nothing at all, for a receiver shared with others.
-// Commands typed before the first link is up wait for it and go in order. Runs on the main thread.
+// ACK-ACK, ACK-NAK or the polled message). Once a link is up it polls MON-VER for the receiver's
+// identity, as soon as the receiver speaks UBX or the user sends a first command. A read-only link is sent nothing at
+// all, for a receiver shared with others. Commands typed before the first link is up wait for it and go in order. Runs
+// on the main thread.
 class receiver_console_t final : public observable_t, public receive_tap_t {
 public:
   static constexpr std::size_t answer_limit = 50;  // answers kept for the screens
@@ -30,7 +31,7 @@ public:
   std::string send(std::string_view typed);
   void set_read_only(bool read_only) { read_only_ = read_only; }
   bool read_only() const { return read_only_; }
-  // Whether a link coming up is asked for MON-VER (on unless turned off).
+  // Whether a link that is up is asked for MON-VER (on unless turned off).
   void set_poll_identity(bool poll) { poll_identity_ = poll; }
 
   void received(std::span<const std::uint8_t> bytes) override;
@@ -46,6 +47,7 @@ private:
   void transmit(const typed_command_t& command);
   void report(const answer_t& answer);
   void note(const std::string& line);
+  void poll_identity_when_due();
 
   connection_t& hub_;
   console_t& console_;
@@ -54,5 +56,6 @@ private:
   bool read_only_ = false;
   bool poll_identity_ = true;
   bool up_ = false;
+  bool identity_due_ = false;  // the link that is up has not been asked for MON-VER yet
   std::vector<typed_command_t> waiting_for_link_;
 };

@@ -4,6 +4,7 @@
 
 #include "command/hex_text.h"
 #include "support/fake_links.h"
+#include "support/link_feed.h"
 #include "support/recording_console.h"
 #include "support/test_queue.h"
 
@@ -56,10 +57,20 @@ TEST_F(console_test, SendsWhatWaitedForTheLinkAfterTheIdentityPollAndShowsEachAn
   EXPECT_EQ(console.lines.back(), "2026-01-01 12:00:00 +0000  no link to send $PUBX,00*33");
 }
 
+TEST_F(console_test, ASilentUserOfAReceiverOfSentencesSendsNothingUntilItSpeaksUbx) {
+  up();
+  feed_line(hub.tcp_events(), "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47");
+  EXPECT_TRUE(links.tcp->sent.empty());
+  answer(ubx_ack_ack, {0x06, 0x8A});
+  answer(ubx_ack_ack, {0x06, 0x8A});
+  EXPECT_EQ(sent(), std::vector<std::string>{"B5 62 0A 04 00 00 0E 34"}) << "asked once";
+}
+
 TEST_F(console_test, AReadOnlyLinkIsSentNothingNotEvenTheIdentityPoll) {
   commands.set_read_only(true);
   up();
   EXPECT_EQ(commands.send("$PUBX,00"), "the link is read-only: nothing is sent");
+  answer(ubx_ack_ack, {0x06, 0x8A});
   EXPECT_TRUE(links.tcp->sent.empty());
   EXPECT_EQ(console.lines.back(), "2026-01-01 12:00:00 +0000  read-only link: not sent $PUBX,00*33");
 }
