@@ -37,7 +37,7 @@ shot docks --size 1400x900 --after 25 --sheet details --sheet log
 shot details --size 1100x900 --after 8 --sheet details
 shot log --size 1100x720 --after 6 --sheet log
 shot log-binary --size 1100x720 --after 6 --sheet log --ubx
-shot settings --size 640x620 --after 4 --sheet settings
+shot settings --size 640x760 --after 4 --sheet settings
 shot console --size 1100x720 --after 6 --sheet console --ubx
 shot sky --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds
 shot sky-dark --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark

@@ -30,8 +30,8 @@
 
 namespace {
 
-constexpr int settings_width = 640;  // the dialog's first size, screen points
-constexpr int settings_height = 520;
+constexpr int settings_width = 640;   // the dialog's first size, screen points
+constexpr int settings_height = 640;  // the links, the source address and the corrections without scrolling
 
 // A panel's content at the top of a scroll area, so that a small dock or dialog scrolls it instead
 // of squeezing it.
