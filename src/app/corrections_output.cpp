@@ -10,12 +10,6 @@ namespace {
 
 constexpr double absent = std::numeric_limits<double>::quiet_NaN();  // written as null
 
-template <class T>
-void put(json_writer_t& w, std::string_view key, const T& value) {
-  w.key(key);
-  w.value(value);
-}
-
 void write_base(json_writer_t& w, const corrections_t& c) {
   w.key("base");
   const auto base = c.base();
@@ -24,11 +18,11 @@ void write_base(json_writer_t& w, const corrections_t& c) {
     return;
   }
   w.begin_object();
-  put(w, "station_id", static_cast<std::uint64_t>(c.stats().station()->id));
-  put(w, "lat", base->coordinate.latitude);
-  put(w, "lon", base->coordinate.longitude);
-  put(w, "height_m", base->height_m);
-  put(w, "distance_m", c.base_distance_m().value_or(absent));
+  w.put("station_id", static_cast<std::uint64_t>(c.stats().station()->id));
+  w.put("lat", base->coordinate.latitude);
+  w.put("lon", base->coordinate.longitude);
+  w.put("height_m", base->height_m);
+  w.put("distance_m", c.base_distance_m().value_or(absent));
   w.end_object();
 }
 
@@ -37,29 +31,29 @@ void write_base(json_writer_t& w, const corrections_t& c) {
 void write_corrections(json_writer_t& w, const corrections_t& c) {
   w.key("corrections");
   w.begin_object();
-  put(w, "address", c.address().text());
-  put(w, "status", c.status.get());
-  put(w, "enabled", c.enabled());
-  put(w, "bytes", c.stats().bytes());
-  put(w, "bytes_per_s", c.bytes_per_s());
-  put(w, "frames", c.stats().frames());
-  put(w, "bad_frames", c.stats().bad_frames());
+  w.put("address", c.address().text());
+  w.put("status", c.status.get());
+  w.put("enabled", c.enabled());
+  w.put("bytes", c.stats().bytes());
+  w.put("bytes_per_s", c.bytes_per_s());
+  w.put("frames", c.stats().frames());
+  w.put("bad_frames", c.stats().bad_frames());
   w.key("types");
   w.begin_array();
   for (const auto& [type, count] : c.stats().types()) {
     w.begin_object();
-    put(w, "type", static_cast<std::uint64_t>(type));
-    put(w, "count", count.count);
-    put(w, "interval_s", count.interval_s);
+    w.put("type", static_cast<std::uint64_t>(type));
+    w.put("count", count.count);
+    w.put("interval_s", count.interval_s);
     w.end_object();
   }
   w.end_array();
-  put(w, "age_s", c.age_s().value_or(absent));
-  put(w, "stale", c.stale());
+  w.put("age_s", c.age_s().value_or(absent));
+  w.put("stale", c.stale());
   write_base(w, c);
-  put(w, "rtk", rtk_text(c.rtk()));
-  put(w, "send_gga", c.send_gga());
-  put(w, "gga_sent", c.gga_sent());
+  w.put("rtk", rtk_text(c.rtk()));
+  w.put("send_gga", c.send_gga());
+  w.put("gga_sent", c.gga_sent());
   w.end_object();
 }
 

@@ -22,6 +22,13 @@ public:
   void value(int number) { value(static_cast<std::int64_t>(number)); }
   void value(double number);
 
+  // A member of the object being written: its key, then its value.
+  template <class T>
+  void put(std::string_view name, const T& v) {
+    key(name);
+    value(v);
+  }
+
   const std::string& text() const { return out_; }
 
 private:
