@@ -54,6 +54,7 @@ ble_link_t& connection_t::ble() {
 
 void connection_t::connect_tcp(const std::string& host, std::uint16_t port) {
   ++tcp_request_;
+  source_side_up_ = false;
   attempt_tcp(host, port);
 }
 
@@ -70,6 +71,7 @@ void connection_t::attempt_tcp(const std::string& host, std::uint16_t port) {
 }
 
 void connection_t::connect_ble(const std::string& name) {
+  source_side_up_ = false;
   status_ble = "BLE scanning...";
   sta_fg_ble = colour_t::green;
   ble().connect(name);
@@ -102,6 +104,7 @@ void connection_t::disconnect() {
   console_.print(console_.date() + "  Disconnecting");
   ++tcp_request_;
   ++source_request_;
+  source_side_up_ = false;
   if (tcp_client_) tcp_client_->stop();
   if (ble_) ble_->stop();
   if (source_) source_->stop();
@@ -131,6 +134,7 @@ void connection_t::clear_log() {
 void connection_t::link_up(side_t& side, const std::string& peer) {
   console_.print(console_.date() + "  connected to " + peer);
   side.splitter.reset();
+  if (&side == &source_side_) source_side_up_ = true;
   clear_log();
   side.status = peer;
   side.colour = colour_t::secondary;

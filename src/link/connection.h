@@ -78,6 +78,10 @@ public:
   // The source link last asked for; nullptr before the first.
   const source_link_t* source() const { return source_.get(); }
 
+  // The source side came up since the last disconnect or TCP or Bluetooth connect: its status is
+  // the one to show, also for a capture that plays through it without a source link.
+  bool source_side_up() const { return source_side_up_; }
+
   // The data handled last was a binary chunk (UBX), not text lines.
   bool binary() const { return binary_; }
   // The flags of the last NAV-PVT record (differential and carrier solution), 0 before one.
@@ -168,6 +172,7 @@ private:
   std::unique_ptr<source_link_t> source_;
   std::uint64_t source_request_ = 0;  // the same for the source link
   bool binary_ = false;
+  bool source_side_up_ = false;
   bool log_shown_ = false;  // the screens show the log: it keeps log_limit_shown entries
   std::vector<receive_tap_t*> taps_;
   std::vector<subscription_t> any_cancellable_;

@@ -192,7 +192,7 @@ void ContentView::refresh() {
   const std::string crc = cnc_.crc_error_text();
   if (!crc.empty()) status.push_back({QString::fromStdString(crc), colour_t::secondary, status_font});
   const auto used = used_links(cfg_);
-  if (cfg_.enable_source()) {
+  if (cfg_.enable_source() || cnc_.source_side_up()) {
     status.push_back({QString::fromStdString(cnc_.status_source), cnc_.sta_fg_source, status_font});
   } else {
     if (used.tcp) status.push_back({QString::fromStdString(cnc_.status_tcp), cnc_.sta_fg_tcp, status_font});

@@ -271,6 +271,7 @@ TEST_F(hub_test, a_source_link_is_shown_retried_and_bridged_like_tcp) {
   hub.source_events().link_up("/dev/ttyACM0 at 38400 baud");
   EXPECT_EQ(std::pair(hub.status_source.get(), hub.sta_fg_source.get()),
             std::pair(std::string("/dev/ttyACM0 at 38400 baud"), colour_t::secondary));
+  EXPECT_TRUE(hub.source_side_up());
   hub.tcp_client().connect("127.0.0.1", 2101);
   links.tcp->is_valid = true;
   const bytes_t fix = {'$', 'A', '\n'}, correction = {0xD3, 0x00};

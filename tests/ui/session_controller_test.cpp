@@ -86,6 +86,7 @@ TEST_F(session_controller_test, a_dropped_file_plays_and_a_live_link_closes_it) 
   EXPECT_TRUE(session.player().is_open());
   window.status().tick();
   EXPECT_EQ(window.status().state().text(), "file drive.nmea 1x 12:00:00");
+  EXPECT_EQ(window.content().status_button()->joined(), "file drive.nmea 1x 12:00:00");
   hub.hub.connect_tcp("127.0.0.1", 10110);
   run();
   EXPECT_FALSE(session.player().is_open());
