@@ -196,7 +196,7 @@ void BM_window_refresh(benchmark::State& state) {
   const QString url = write_synthetic_tiles(dir.path(), centre, 15, 16, 4);
   auto& map = *new tile_map_widget_t({{url, 17, "synthetic tiles"}, {}, {}}, dir.path() + "/cache");
   map_cfg_t map_cfg;
-  link_meter_t meter(links);
+  link_meter_t meter(hub);
   main_window_t window(cfg, hub, map_cfg, map, queue, meter);
   window.resize(1920, 1080);
   window.show();

@@ -16,7 +16,7 @@ QString tile_cache_folder() {
 KorvidApp::KorvidApp(kv_store_t& store, qt_main_queue_t& queue, console_t& console)
     : cfg(store, console),
       links(queue, console),
-      cnc(queue, console, meter),
+      cnc(queue, console, links),
       corrections_settings(store),
       corrections(cnc, queue, console, [this](link_events_t& events) { return links.make_tcp(events); }),
       map(*new tile_map_widget_t(configured_tile_sources(), tile_cache_folder(),

@@ -20,7 +20,7 @@
 #include "ui/session_controller.h"
 
 // The window's object graph, built in the order the screens rely on: the settings (restored at
-// once), the transports with the meter that counts their bytes, the hub, the map widget and the map
+// once), the transports, the hub with the meter that counts its bytes, the map widget and the map
 // settings, then the window that shares them. The corrections source sits beside the hub, which
 // takes its stream to the receiver. Everything lives until the program ends.
 class KorvidApp {
@@ -29,8 +29,8 @@ public:
 
   config_connection_t cfg;
   program_links_t links;
-  link_meter_t meter{links};
   connection_t cnc;
+  link_meter_t meter{cnc};
   corrections_settings_t corrections_settings;
   corrections_t corrections;
   qt_serial_ports_t serial_ports;  // listed in the settings dialog

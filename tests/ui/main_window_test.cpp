@@ -122,7 +122,7 @@ TEST_F(main_window_test, status_bar_shows_rates_errors_fix_age_and_the_hint_for_
   feed_line(*hub.links.tcp_events, no_fix.substr(0, no_fix.size() - 1) + "0");
   hub.queue.advance(2.0);
   EXPECT_EQ(texts(),
-            "TCP connected to 127.0.0.1:81 | no fix yet: 7 satellites in view | 368 B/s  10 sentences/s | "
+            "TCP connected to 127.0.0.1:81 | no fix yet: 7 satellites in view | 385 B/s  10 sentences/s | "
             "checksum errors 1 | no fix");
   feed_line(*hub.links.tcp_events, with_checksum("$GPGGA,123520,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,"));
   hub.queue.advance(1.0);

@@ -21,8 +21,8 @@ struct view_hub_t {
   test_queue_t queue;
   recording_console_t console;
   fake_links_t links;
-  link_meter_t meter{links};
-  connection_t hub{queue, console, meter};
+  connection_t hub{queue, console, links};
+  link_meter_t meter{hub};
 
   // Receives a sentence given without its checksum.
   void receive(const std::string& body) { feed_line(hub.tcp_events(), with_checksum(body)); }
