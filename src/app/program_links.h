@@ -22,7 +22,7 @@ public:
     return std::make_unique<tcp_client_t>(events, queue_, console_);
   }
   std::unique_ptr<ble_link_t> make_ble(link_events_t& events) override {
-    return std::make_unique<BLE>(events, std::make_unique<qt_ble_central_t>(), console_);
+    return std::make_unique<BLE>(events, std::make_unique<qt_ble_central_t>(), console_, queue_);
   }
   std::unique_ptr<source_link_t> make_source(const source_address_t& address, link_status_events_t& events) override {
     switch (address.kind) {

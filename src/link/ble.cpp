@@ -2,22 +2,26 @@
 
 #include <algorithm>
 
-BLE::BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console)
-    : events_(events), manager_(std::move(manager)), console_(console) {
+BLE::BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console, main_queue_t& queue,
+         double retry_delay_s)
+    : events_(events), manager_(std::move(manager)), console_(console), queue_(queue), retry_delay_s_(retry_delay_s) {
   manager_->set_events(this);
 }
 
 BLE::~BLE() {
+  *alive_ = false;
   manager_->set_events(nullptr);
 }
 
 void BLE::connect(const std::string& name) {
+  ++request_;
   name_connect = name;
   enabled_ = true;
   start_scan();
 }
 
 void BLE::stop() {
+  ++request_;
   enabled_ = false;
   if (powered_on()) manager_->stop_scan();
   disconnect_peripheral();
@@ -98,7 +102,9 @@ void BLE::peripheral_connected(const ble_peripheral_t& p) {
 }
 
 // A connect that fails is handled as a loss: said, reported to the hub, and the peripheral is looked
-// for again, so the link never rests at "found" with the scan stopped.
+// for again, so the link never rests at "found" with the scan stopped. The scan waits retry_delay_s:
+// the stack reports a known peripheral at once, and one that refuses at once would be asked again
+// and again without a pause.
 void BLE::connect_failed(const ble_peripheral_t& p, const std::string& error) {
   if (!enabled_) return;
   console_.print("BLE connect failed: " + p.description);
@@ -106,7 +112,10 @@ void BLE::connect_failed(const ble_peripheral_t& p, const std::string& error) {
   events_.link_down(name_connect.get(), 0);
   disconnect_peripheral();
   name_peripheral_reconnect = name_connect.get();
-  start_scan();
+  queue_.post_after(retry_delay_s_, [this, alive = std::weak_ptr<bool>(alive_), request = request_] {
+    const auto still_alive = alive.lock();
+    if (still_alive && *still_alive && request == request_ && !ble_peripheral) start_scan();
+  });
 }
 
 void BLE::services_discovered(const ble_peripheral_t& p, const std::vector<std::uint64_t>& services) {

@@ -8,6 +8,7 @@
 
 #include "core/colour.h"
 #include "core/console.h"
+#include "core/main_queue.h"
 #include "core/observable.h"
 #include "link/ble_central_api.h"
 #include "link/defaults.h"
@@ -30,7 +31,10 @@ public:
   static constexpr std::string_view uuid_char_recv = "6E400003-B5A3-F393-E0A9-E50E24DCCA9E";  // notify
   static constexpr std::string_view uuid_char_send = "6E400002-B5A3-F393-E0A9-E50E24DCCA9E";  // write
 
-  BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console);
+  static constexpr double retry_delay = 4.0;  // s between a refused connect and the next scan
+
+  BLE(link_events_t& events, std::unique_ptr<ble_central_api_t> manager, console_t& console, main_queue_t& queue,
+      double retry_delay_s = retry_delay);
   ~BLE() override;
 
   // ble_link_t, for the hub.
@@ -82,6 +86,10 @@ private:
   link_events_t& events_;
   std::unique_ptr<ble_central_api_t> manager_;
   console_t& console_;
+  main_queue_t& queue_;
+  const double retry_delay_s_;
   bool enabled_ = false;
+  std::uint64_t request_ = 0;  // counts the user's connects and stops; a delayed rescan serves one
   std::string radio_state_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // guards the delayed rescan
 };

@@ -56,19 +56,21 @@ struct text_history_t {
 // The program's transports, except that TCP is a double: it records what the bridge sends it,
 // which also tells the test when a notification has been handled.
 struct mock_links_t final : link_factory_t {
-  explicit mock_links_t(console_t& console) : console(console) {}
+  mock_links_t(console_t& console, main_queue_t& queue) : console(console), queue(queue) {}
   std::unique_ptr<tcp_link_t> make_tcp(link_events_t&) override {
     auto link = std::make_unique<fake_tcp_t>();
     tcp = link.get();
     return link;
   }
   std::unique_ptr<ble_link_t> make_ble(link_events_t& events) override {
-    auto link = std::make_unique<BLE>(events, std::make_unique<qt_ble_central_t>(), console);
+    auto link = std::make_unique<BLE>(events, std::make_unique<qt_ble_central_t>(), console, queue, retry_delay_s);
     ble = link.get();
     ble_status.emplace(*ble, ble->status);
     return link;
   }
+  static constexpr double retry_delay_s = 0.2;  // short, for the tests of refused connects
   console_t& console;
+  main_queue_t& queue;
   fake_tcp_t* tcp = nullptr;
   BLE* ble = nullptr;
   std::optional<text_history_t> ble_status;
@@ -138,7 +140,7 @@ protected:
   QObject context;
   qt_main_queue_t queue{&context};
   recording_console_t console;
-  mock_links_t links{console};
+  mock_links_t links{console, queue};
   std::unique_ptr<connection_t> hub;
 };
 

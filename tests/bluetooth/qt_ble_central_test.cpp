@@ -8,6 +8,7 @@
 #include "link/ble.h"
 #include "support/recording_console.h"
 #include "support/recording_link_events.h"
+#include "support/test_queue.h"
 #include "system_bus.h"
 
 namespace {
@@ -24,7 +25,8 @@ TEST(qt_ble_central, without_an_adapter_reports_unsupported_and_never_scans) {
   qt_ble_central_t& stack = *owned;
   recording_console_t console;
   recording_link_events_t hub;
-  BLE central(hub, std::move(owned), console);
+  test_queue_t queue;
+  BLE central(hub, std::move(owned), console, queue);
   EXPECT_EQ(central.status.get(), "offline");
   EXPECT_EQ(stack.state(), ble_manager_state_t::unknown) << "until the first state has been reported";
   QElapsedTimer waited;

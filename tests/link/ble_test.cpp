@@ -9,6 +9,7 @@
 #include "support/fake_ble_central.h"
 #include "support/recording_console.h"
 #include "support/recording_link_events.h"
+#include "support/test_queue.h"
 
 namespace {
 
@@ -41,7 +42,8 @@ protected:
   fake_ble_central_t& central = *stack;
   recording_console_t console;
   recording_link_events_t hub;
-  BLE ble{hub, std::move(stack), console};
+  test_queue_t queue;
+  BLE ble{hub, std::move(stack), console, queue};
 };
 
 TEST_F(ble_test, only_the_exact_name_connects) {
@@ -143,8 +145,16 @@ TEST_F(ble_test, a_failed_connect_is_a_loss_and_a_stop_without_a_peripheral_canc
   central.events->peripheral_discovered(thingy);
   central.events->connect_failed(thingy, "refused");
   EXPECT_EQ(hub.events, std::vector<std::string>{"down Thingy:91 UART 0"});
+  EXPECT_NE(central.calls.back(), "scan") << "a peripheral that refuses at once is not asked again at once";
+  queue.advance(BLE::retry_delay);
   EXPECT_EQ(shown(), std::pair(std::string("BLE scanning..."), colour_t::blue));
   EXPECT_EQ(central.calls.back(), "scan");
+  central.events->connect_failed(thingy, "refused");
+  ble.stop();
+  ble.connect("Thingy:91 UART");
+  central.calls.clear();
+  queue.advance(BLE::retry_delay);
+  EXPECT_TRUE(central.calls.empty()) << "the rescan of a request that the user ended";
   ble.stop();
   central.calls.clear();
   ble.stop();
