@@ -23,6 +23,19 @@ std::string epochs(sim_engine_t& sim, int count) {
   return stream;
 }
 
+// How often each tag ("$GPGGA") occurs in the stream, each line checked for length and checksum.
+std::map<std::string, int> checked_tags(const std::string& stream) {
+  std::map<std::string, int> tags;
+  for (std::size_t start = 0, end; start < stream.size(); start = end + 2) {
+    end = stream.find("\r\n", start);
+    const auto line = stream.substr(start, end - start);
+    const auto scan = scan_sentence(line, {});
+    EXPECT_TRUE(scan.characters <= 80 && scan.checksum_ok) << line;
+    ++tags[line.substr(0, 6)];
+  }
+  return tags;
+}
+
 // The whole stream of some epochs through a hub, as a link would deliver it.
 struct decoded_t {
   test_queue_t queue;
@@ -37,14 +50,7 @@ struct decoded_t {
 TEST(sim_engine, speaks_as_a_receiver_does) {
   sim_engine_t sim({.seed = 7});
   const auto stream = epochs(sim, 30);
-  std::map<std::string, int> tags;
-  for (std::size_t start = 0, end; start < stream.size(); start = end + 2) {
-    end = stream.find("\r\n", start);
-    const auto line = stream.substr(start, end - start);
-    const auto scan = scan_sentence(line, {});
-    EXPECT_TRUE(scan.characters <= 80 && scan.checksum_ok) << line;
-    ++tags[line.substr(0, 6)];
-  }
+  const auto tags = checked_tags(stream);
   EXPECT_EQ(tags, (std::map<std::string, int>{
                       {"$GPGGA", 30}, {"$GPGLL", 30}, {"$GPRMC", 30}, {"$GPVTG", 30}, {"$GPGSA", 30}, {"$GPGSV", 90}}));
   decoded_t d(stream);
@@ -84,14 +90,7 @@ TEST(sim_engine, a_multi_gnss_receiver_in_sentences_and_in_frames) {
   const auto systems = *parse_gnss_list("gps,glo,gal,bds");
   sim_engine_t text_sim({.gnss = systems});
   const auto stream = epochs(text_sim, 3);
-  std::map<std::string, int> tags;
-  for (std::size_t start = 0, end; start < stream.size(); start = end + 2) {
-    end = stream.find("\r\n", start);
-    const auto line = stream.substr(start, end - start);
-    const auto scan = scan_sentence(line, {});
-    EXPECT_TRUE(scan.characters <= 80 && scan.checksum_ok) << line;
-    ++tags[line.substr(0, 6)];
-  }
+  const auto tags = checked_tags(stream);
   EXPECT_EQ(tags, (std::map<std::string, int>{{"$GAGSV", 9},
                                               {"$GBGSV", 9},
                                               {"$GLGSV", 9},
