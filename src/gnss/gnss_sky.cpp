@@ -12,8 +12,8 @@ namespace {
 constexpr std::size_t tag_length = 6;  // "$GPGSV"
 
 // A whole-number field up to max, or absent (empty) or bad. Plain ints keep the loops over
-// satellites free of the stores and reloads that optionals cost there; the short digits that
-// nearly every field holds are read in line.
+// satellites free of the stores and reloads that optionals cost there; the one to three digits
+// that nearly every field holds are read without a loop.
 constexpr int absent = -1;
 constexpr int bad = -2;
 int read_long_number(std::string_view field, int max) {
@@ -21,29 +21,68 @@ int read_long_number(std::string_view field, int max) {
   return v ? static_cast<int>(*v) : bad;
 }
 inline int read_number(std::string_view field, int max) {
-  if (field.empty()) return absent;
-  const int digits = fields_detail::short_digits(field);
-  if (digits < 0) return read_long_number(field, max);
-  return digits <= max ? digits : bad;
+  const auto digit = [field](std::size_t i) {
+    return static_cast<unsigned>(static_cast<unsigned char>(field[i])) - '0';
+  };
+  unsigned value = 0;
+  switch (field.size()) {
+    case 0:
+      return absent;
+    case 1:
+      value = digit(0);
+      if (value > 9) return read_long_number(field, max);
+      break;
+    case 2: {
+      const unsigned tens = digit(0), ones = digit(1);
+      if ((tens > 9) | (ones > 9)) return read_long_number(field, max);
+      value = tens * 10 + ones;
+      break;
+    }
+    case 3: {
+      const unsigned hundreds = digit(0), tens = digit(1), ones = digit(2);
+      if ((hundreds > 9) | (tens > 9) | (ones > 9)) return read_long_number(field, max);
+      value = hundreds * 100 + tens * 10 + ones;
+      break;
+    }
+    default:
+      return read_long_number(field, max);
+  }
+  return value <= static_cast<unsigned>(max) ? static_cast<int>(value) : bad;
 }
+
+// A sentence's fields, the last without its checksum suffix, which only the last one carries.
+class sentence_fields_t {
+public:
+  explicit sentence_fields_t(std::span<const std::string_view> fields)
+      : fields_(fields), last_(fields.empty() ? std::string_view() : strip_checksum(fields.back())) {}
+  std::size_t size() const { return fields_.size(); }
+  std::string_view operator[](std::size_t i) const { return i + 1 == fields_.size() ? last_ : fields_[i]; }
+
+private:
+  std::span<const std::string_view> fields_;
+  std::string_view last_;
+};
 
 // A DOP field: as store_decimal reads it, with "1.85" and its like read in line. Digits, a point
 // and digits, 9 in all at most, are an exact integer over an exact power of ten, whose quotient is
 // the nearest double as parsing would give it.
 bool read_dop(std::string_view field, double& out) {
-  constexpr double powers_of_ten[] = {1.0, 10.0, 100.0, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  static constexpr double powers_of_ten[] = {1.0, 10.0, 100.0, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
   constexpr std::size_t digits_max = 9;
-  const auto point = field.find('.');
-  if (point == std::string_view::npos || field.size() > digits_max + 1)
-    return store_decimal(field, gnss_sky_t::dop_max, out);
+  if (field.size() < 2 || field.size() > digits_max + 1) return store_decimal(field, gnss_sky_t::dop_max, out);
   std::int64_t digits = 0;
+  std::size_t point = std::string_view::npos;
   for (std::size_t i = 0; i < field.size(); ++i) {
-    if (i == point) continue;
     const char c = field[i];
-    if (c < '0' || c > '9') return store_decimal(field, gnss_sky_t::dop_max, out);
-    digits = digits * 10 + (c - '0');
+    if (c == '.' && point == std::string_view::npos) {
+      point = i;
+    } else if (c >= '0' && c <= '9') {
+      digits = digits * 10 + (c - '0');
+    } else {
+      return store_decimal(field, gnss_sky_t::dop_max, out);
+    }
   }
-  if (field.size() == 1) return store_decimal(field, gnss_sky_t::dop_max, out);
+  if (point == std::string_view::npos) return store_decimal(field, gnss_sky_t::dop_max, out);
   const double value = static_cast<double>(digits) / powers_of_ten[field.size() - 1 - point];
   if (value > gnss_sky_t::dop_max) return false;
   out = value;
@@ -79,13 +118,13 @@ void gnss_sky_t::reset() {
 // Every sentence ends a run of GSA sentences but another GSA.
 void gnss_sky_t::update(std::span<const std::string_view> f) {
   const std::string_view tag = f.empty() || f[0].size() != tag_length ? std::string_view() : f[0];
-  const auto kind = tag.substr(std::min<std::size_t>(3, tag.size()));
-  if (kind != "GSA") gsa_run_systems_ = 0;
-  if (kind != "GSA" && kind != "GSV") return;
+  const bool gsa = tag.ends_with("GSA");
+  if (!gsa) gsa_run_systems_ = 0;
+  if (!gsa && !tag.ends_with("GSV")) return;
   const auto talker = tag.substr(1, 2);
   const auto system = talker_system(talker);
   if (!system && talker != "GN") return;
-  if (kind == "GSA") {
+  if (gsa) {
     update_gsa(f, system);
   } else {
     update_gsv(f, system);
@@ -105,12 +144,13 @@ sky_counts_t gnss_sky_t::counts() const {
 
 // While no satellite or signal can have gone unreported too long, the table is not walked. The
 // history's sample is taken here, before the report that is due: it shows the state a whole
-// second gave.
+// second gave. The oldest time is lowered to now for the reports that follow, all at now.
 double gnss_sky_t::expire() {
   const double now = clock_.now_s();
   const double limit = now - satellite_valid_periode;
   if (oldest_ < limit) satellites.modify([&](table_t& table) { oldest_ = table.expire(limit); });
   if (history_.due(now)) sample(now);
+  oldest_ = std::min(oldest_, now);
   return now;
 }
 
@@ -146,7 +186,6 @@ sky_satellite_t* gnss_sky_t::report(table_t& table, sky_key_t key, double now) {
   auto* satellite = table.entry(key);
   if (satellite == nullptr) return nullptr;
   satellite->time = now;
-  oldest_ = std::min(oldest_, now);
   return satellite;
 }
 
@@ -155,14 +194,14 @@ sky_satellite_t* gnss_sky_t::report(table_t& table, sky_key_t key, double now) {
 void gnss_sky_t::update_gsv(std::span<const std::string_view> f, std::optional<gnss_system_t> talker) {
   const std::size_t n = f.size();
   if (n < 4 || (n - 4) % 4 > 1) return;
-  const auto field = [&](std::size_t i) { return i + 1 == n ? strip_checksum(f[i]) : f[i]; };
+  const sentence_fields_t field(f);
 
   constexpr int sentences_max = 9;
-  const int count = read_number(field(1), sentences_max);
-  if (count < 0 || read_number(field(2), count) < 0 || read_number(field(3), UINT8_MAX) < 0) return;
+  const int count = read_number(field[1], sentences_max);
+  if (count < 0 || read_number(field[2], count) < 0 || read_number(field[3], UINT8_MAX) < 0) return;
   gnss_signal_t signal_id = 0;  // none: each system's first band
   if ((n - 4) % 4 == 1) {
-    const auto id = read_signal_id(field(n - 1));
+    const auto id = read_signal_id(field[n - 1]);
     if (!id) return;
     signal_id = *id;
   }
@@ -176,8 +215,8 @@ void gnss_sky_t::update_gsv(std::span<const std::string_view> f, std::optional<g
   bool named = !signal_name(named_system, signal_id != 0 ? signal_id : primary_signal(named_system)).empty();
   satellites.modify([&](table_t& table) {
     for (std::size_t at = 4; at + 4 <= n; at += 4) {
-      const auto number_field = field(at), elevation_field = field(at + 1), azimuth_field = field(at + 2),
-                 cn0_field = field(at + 3);
+      const auto number_field = field[at], elevation_field = field[at + 1], azimuth_field = field[at + 2],
+                 cn0_field = field[at + 3];
       const int number = read_number(number_field, number_max);
       if (number == absent) continue;
       if (number <= 0) return;
@@ -214,25 +253,30 @@ void gnss_sky_t::update_gsv(std::span<const std::string_view> f, std::optional<g
 void gnss_sky_t::update_gsa(std::span<const std::string_view> f, std::optional<gnss_system_t> talker) {
   const std::size_t n = f.size();
   if (n != 18 && n != 19) return;
-  const auto field = [&](std::size_t i) { return i + 1 == n ? strip_checksum(f[i]) : f[i]; };
+  const sentence_fields_t field(f);
 
   std::optional<gnss_system_t> stated = talker;
   if (n == 19) {
-    const auto id = parse_unsigned(field(18), UINT8_MAX);
+    const auto id = parse_unsigned(field[18], UINT8_MAX);
     stated = id ? nmea_system(*id) : std::nullopt;
     if (!stated) return;
   }
-  sky_dop_t read = *dop;
-  if (!read_dop(field(15), read.pdop) || !read_dop(field(16), read.hdop) || !read_dop(field(17), read.vdop)) return;
+  double pdop = dop->pdop, hdop = dop->hdop, vdop = dop->vdop;
+  if (!read_dop(field[15], pdop) || !read_dop(field[16], hdop) || !read_dop(field[17], vdop)) return;
   // Most GSA sentences repeat the DOPs of the one before: only a change is a notice.
-  if (!(read == *dop)) dop = read;
+  if (sky_dop_t read = *dop; read.pdop != pdop || read.hdop != hdop || read.vdop != vdop) {
+    read.pdop = pdop;
+    read.hdop = hdop;
+    read.vdop = vdop;
+    dop = read;
+  }
 
   const double now = expire();
   satellites.modify([&](table_t& table) {
     // A system stated by its id has its marks replaced even when the sentence lists no satellite.
     if (n == 19) clear_used(table, *stated);
     for (std::size_t i = 3; i <= 14; ++i) {
-      const int number = read_number(field(i), number_max);
+      const int number = read_number(field[i], number_max);
       if (number == absent) continue;
       if (number <= 0) return;
       const auto system = numbered_system(stated, static_cast<std::uint64_t>(number));

@@ -17,22 +17,6 @@ std::uint8_t sky_satellite_t::best_cn0() const {
   return best;
 }
 
-sky_signal_t* sky_signals_t::set(gnss_signal_t id, std::uint8_t cn0, double now) {
-  std::size_t i = 0;
-  while (i < count_ && slots_[i].id != id) ++i;
-  if (cn0 == 0) {
-    if (i < count_) remove(i);
-    return nullptr;
-  }
-  if (i == count_) {
-    if (count_ == capacity) return nullptr;
-    slots_[count_++] = {id, cn0, false, now};
-  }
-  slots_[i].cn0 = cn0;
-  slots_[i].time = now;
-  return &slots_[i];
-}
-
 void sky_signals_t::expire(double limit) {
   for (std::size_t i = count_; i-- > 0;)
     if (slots_[i].time < limit) remove(i);
@@ -59,15 +43,14 @@ sky_satellite_t* sky_table_t::insert(sky_key_t key) {
 }
 
 std::span<sky_table_t::value_type> sky_table_t::of_system(gnss_system_t system) {
-  const auto first = std::lower_bound(entries_.begin(), entries_.end(), sky_key_t{system, 0}, key_less);
-  auto last = first;
-  while (last != entries_.end() && last->first.system == system) ++last;
-  return {first, last};
+  const auto i = index_of(system);
+  return std::span(entries_).subspan(system_start_[i], system_start_[i + 1] - system_start_[i]);
 }
 
 void sky_table_t::clear() {
   for (const auto& [key, satellite] : entries_) position_[slot(key)] = 0;
   entries_.clear();
+  system_start_.fill(0);
 }
 
 double sky_table_t::expire(double limit) {
@@ -91,4 +74,11 @@ double sky_table_t::expire(double limit) {
 void sky_table_t::reindex() {
   for (std::size_t i = 0; i < entries_.size(); ++i)
     position_[slot(entries_[i].first)] = static_cast<std::uint8_t>(i + 1);
+  // Entries are in system order: a system starts where the ones before it end.
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < gnss_system_count; ++i) {
+    system_start_[i] = static_cast<std::uint8_t>(at);
+    while (at < entries_.size() && index_of(entries_[at].first.system) == i) ++at;
+  }
+  system_start_[gnss_system_count] = static_cast<std::uint8_t>(at);
 }

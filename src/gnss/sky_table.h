@@ -42,7 +42,22 @@ public:
 
   // The signal reported now with its C/N0, or null: a C/N0 of 0 (not tracked) removes it, and a
   // new signal beyond the capacity is dropped.
-  sky_signal_t* set(gnss_signal_t id, std::uint8_t cn0, double now);
+  // Every report of a satellite comes through here: it is inline.
+  sky_signal_t* set(gnss_signal_t id, std::uint8_t cn0, double now) {
+    std::size_t i = 0;
+    while (i < count_ && slots_[i].id != id) ++i;
+    if (cn0 == 0) {
+      if (i < count_) remove(i);
+      return nullptr;
+    }
+    if (i == count_) {
+      if (count_ == capacity) return nullptr;
+      slots_[count_++] = {id, cn0, false, now};
+    }
+    slots_[i].cn0 = cn0;
+    slots_[i].time = now;
+    return &slots_[i];
+  }
   // Removes the signals last reported before the limit.
   void expire(double limit);
 
@@ -105,5 +120,6 @@ private:
   void reindex();
 
   std::vector<value_type> entries_;
-  std::vector<std::uint8_t> position_;  // by slot: the entry's position + 1, or 0 for none
+  std::vector<std::uint8_t> position_;                              // by slot: the entry's position + 1, or 0 for none
+  std::array<std::uint8_t, gnss_system_count + 1> system_start_{};  // each system's first position
 };
