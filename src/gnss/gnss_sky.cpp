@@ -1,7 +1,6 @@
 #include "gnss/gnss_sky.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 
 #include "nmea/fields.h"
@@ -99,12 +98,6 @@ std::optional<gnss_signal_t> read_signal_id(std::string_view field) {
 }
 
 }  // namespace
-
-bool sky_dop_t::operator==(const sky_dop_t& o) const {
-  const auto alike = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
-  return alike(gdop, o.gdop) && alike(pdop, o.pdop) && alike(tdop, o.tdop) && alike(vdop, o.vdop) &&
-         alike(hdop, o.hdop) && alike(ndop, o.ndop) && alike(edop, o.edop);
-}
 
 void gnss_sky_t::reset() {
   satellites.modify([](table_t& table) { table.clear(); });

@@ -19,8 +19,6 @@
 struct sky_dop_t {
   static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
   double gdop = unknown, pdop = unknown, tdop = unknown, vdop = unknown, hdop = unknown, ndop = unknown, edop = unknown;
-  // Alike when each value is, or both are unknown.
-  bool operator==(const sky_dop_t& o) const;
 };
 
 // What one system contributes: satellites in view, satellites used, signals tracked.

@@ -61,6 +61,9 @@ TEST(gnss_sky, satellites_of_every_talker_and_version_keyed_by_system_number_and
         "$GPGSV,1,1,02,08,10,010,20,X", "$GPGSV,2,3,01,09,10,010,20", "$GPGSV,1,1,01,10,10,010,20,9",
         "$PQGSV,1,1,01,11,10,010,20", "$GPGSV,1,1,01,12,10,010", "$GLGSV,1,1,01,0,10,010,20"},
        {"GPS 1 10/10 L1 C/A 20", "GPS 4 10/10 L1 C/A 20"}},
+      // A satellite is placed only with both its elevation and azimuth; 0 degrees is a place.
+      {{"$GPGSV,1,1,03,13,,200,25,14,30,,26,15,00,000,27"},
+       {"GPS 13 L1 C/A 25", "GPS 14 L1 C/A 26", "GPS 15 0/0 L1 C/A 27"}},
   };
   for (const auto& [lines, expected] : cases) EXPECT_EQ(after(lines), expected) << lines.front();
 }
@@ -68,8 +71,9 @@ TEST(gnss_sky, satellites_of_every_talker_and_version_keyed_by_system_number_and
 TEST(gnss_sky, a_run_of_gsa_sentences_replaces_each_systems_used_marks) {
   const case_t cases[] = {
       // NMEA 2.3 GN: one sentence per system, the system from the numbers; the next run replaces.
+      // A number in no system's range stops the sentence.
       {{"$GNGSA,A,3,01,11,,,,,,,,,,,1.56,0.91,1.27*15", "$GNGSA,A,3,67,83,,,,,,,,,,,1.56,0.91,1.27*1D", "$GNRMC,",
-        "$GNGSA,A,3,11,,,,,,,,,,,,1.56,0.91,1.27*15"},
+        "$GNGSA,A,3,11,99,12,,,,,,,,,,1.56,0.91,1.27*15"},
        {"GPS 1", "GPS 11 used", "GLONASS 67 used", "GLONASS 83 used"}},
       // More than twelve used satellites of one system take two sentences of one run.
       {{"$GPGSA,A,3,01,02,03,04,05,06,07,08,09,10,11,12,1.0,1.0,1.0", "$GPGSA,A,3,13,46,,,,,,,,,,,1.0,1.0,1.0"},
@@ -78,7 +82,7 @@ TEST(gnss_sky, a_run_of_gsa_sentences_replaces_each_systems_used_marks) {
       // NMEA 4.11: the system id; an empty list for a stated system clears it; a bad field stops.
       {{"$GAGSV,1,1,01,05,10,010,20,7", "$GNGSA,A,3,05,,,,,,,,,,,,1.0,1.0,1.0,3", "$GNRMC,",
         "$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0,3", "$GNGSA,A,3,07,x,08,,,,,,,,,,1.0,1.0,1.0,4",
-        "$GNGSA,A,3,09,,,,,,,,,,,,1.0,1.0,1.0,7", "$GNGSA,A,3,10,,,,,,,,,,,,1.0,100,1.0,1",
+        "$GNGSA,A,3,09,,,,,,,,,,,,1.0,1.0,1.0,7", "$GNGSA,A,3,10,,,,,,,,,,,,1.0,100.0,1.0,1",
         "$GNGSA,A,3,01,,,,,,,,,,,,1.0,1.0,1.0,1"},
        {"GPS 1 used", "Galileo 5 10/10 E1 20", "BeiDou 7 used"}},
   };
@@ -90,6 +94,13 @@ TEST(gnss_sky, dops_counts_ageing_and_reset) {
   gnss_sky_t sky(clock);
   feed(sky, "$GNGSA,A,3,05,66,,,,,,,,,,,1.85,1.02,1.54*10");
   EXPECT_EQ(std::tuple(sky.dop->pdop, sky.dop->hdop, sky.dop->vdop), std::tuple(1.85, 1.02, 1.54));
+  for (const auto& [line, pdop, hdop, vdop] :
+       {std::tuple("$GNGSA,A,3,05,66,,,,,,,,,,,1.90,1.02,1.54", 1.90, 1.02, 1.54),
+        std::tuple("$GNGSA,A,3,05,66,,,,,,,,,,,1.90,1.10,1.54", 1.90, 1.10, 1.54),
+        std::tuple("$GNGSA,A,3,05,66,,,,,,,,,,,1.90,1.10,1.60", 1.90, 1.10, 1.60)}) {
+    feed(sky, line);
+    EXPECT_EQ(std::tuple(sky.dop->pdop, sky.dop->hdop, sky.dop->vdop), std::tuple(pdop, hdop, vdop)) << line;
+  }
   feed(sky, "$GPGSV,1,1,02,05,45,123,38,06,40,100,30,1");
   feed(sky, "$GPGSV,1,1,01,05,45,123,41,8");
   clock.advance(1.0);
@@ -105,8 +116,10 @@ TEST(gnss_sky, dops_counts_ageing_and_reset) {
   clock.advance(0.5);
   feed(sky, "$GPGSV,1,1,01,05,45,123,38,1");
   EXPECT_EQ(table(sky), (std::vector<std::string>{"GPS 5 45/123 used L1 C/A 38", "GLONASS 66 30/200 used L1 OF 25"}));
+  feed(sky, "$GPGSV,1,1,01,06,41,101,31,1");
+  EXPECT_EQ(table(sky).at(1), "GPS 6 41/101 L1 C/A 31") << "a satellite that aged out comes back";
   sky.reset();
-  EXPECT_TRUE(sky.satellites->empty() && std::isnan(sky.dop->pdop));
+  EXPECT_TRUE(sky.satellites->empty() && std::isnan(sky.dop->pdop) && sky.history().samples().empty());
 }
 
 TEST(gnss_sky, the_history_takes_a_sample_a_second_of_counts_dops_and_the_four_strongest_signals) {
@@ -116,12 +129,13 @@ TEST(gnss_sky, the_history_takes_a_sample_a_second_of_counts_dops_and_the_four_s
   feed(sky, "$GPGSV,1,1,04,05,45,123,40,07,40,100,38,09,10,200,30,11,20,300,20,1");
   clock.advance(0.5);
   feed(sky, "$GAGSV,1,1,01,05,45,123,45,7");
+  feed(sky, "$GQGSV,1,1,01,02,80,010,10,0");
   EXPECT_EQ(sky.history().samples().size(), 1u) << "the first report's sample, before it";
   clock.advance(0.5);
   feed(sky, "$GAGSV,1,1,01,05,45,123,45,7");
   const auto& samples = sky.history().samples();
   ASSERT_EQ(samples.size(), 2u);
-  sky_sample_t expected{1.0, {4, 0, 1}, {2}, 1.02f, 1.85f, (45 + 40 + 38 + 30) / 4.0f};
+  sky_sample_t expected{1.0, {4, 0, 1, 0, 1}, {2}, 1.02f, 1.85f, (45 + 40 + 38 + 30) / 4.0f};
   EXPECT_EQ(samples[1], expected);
   EXPECT_TRUE(std::isnan(samples[0].cn0_top) && samples[0].hdop == 1.02f);
 }
