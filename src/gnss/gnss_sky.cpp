@@ -106,6 +106,7 @@ void gnss_sky_t::reset() {
   gsa_run_systems_ = 0;
   sig_seen_ = false;
   history_.clear();
+  records_ = {};
 }
 
 // Every sentence ends a run of GSA sentences but another GSA.
@@ -284,12 +285,14 @@ void gnss_sky_t::update_dop(const gps_dop_t& r) {
   constexpr double hundredths = 100.0;
   dop = {r.gDOP / hundredths, r.pDOP / hundredths, r.tDOP / hundredths, r.vDOP / hundredths,
          r.hDOP / hundredths, r.nDOP / hundredths, r.eDOP / hundredths};
+  records_.dop = r;
 }
 
 void gnss_sky_t::update_sat(const gps_sat_t& r) {
   constexpr int elevation_known = 90;  // degrees either way; beyond, the receiver does not know it
   const double now = expire();
   satellites.modify([&](table_t& table) {
+    records_.sat = r;  // an assignment into the kept record reuses its entries' storage
     for (const auto& sv : r.entries) {
       const auto system = ubx_system(sv.gnssId);
       if (!system || sv.svId == 0) continue;
@@ -313,6 +316,7 @@ void gnss_sky_t::update_sig(const gps_sig_t& r) {
   sig_seen_ = true;
   const double now = expire();
   satellites.modify([&](table_t& table) {
+    records_.sig = r;
     for (const auto& sv : r.entries) {
       const auto system = ubx_system(sv.gnssId);
       const auto signal = system ? ubx_signal(*system, sv.sigId) : std::nullopt;

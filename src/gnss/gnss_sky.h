@@ -21,6 +21,13 @@ struct sky_dop_t {
   double gdop = unknown, pdop = unknown, tdop = unknown, vdop = unknown, hdop = unknown, ndop = unknown, edop = unknown;
 };
 
+// The latest sky records the receiver sent, each as it came, for their texts in the log.
+struct sky_records_t {
+  std::optional<gps_dop_t> dop;
+  std::optional<gps_sat_t> sat;
+  std::optional<gps_sig_t> sig;
+};
+
 // What one system contributes: satellites in view, satellites used, signals tracked.
 struct sky_count_t {
   unsigned in_view = 0, used = 0, tracked = 0;
@@ -53,6 +60,8 @@ public:
   sky_counts_t counts() const;
   // A sample a second of the counts, the DOPs and the strongest signals, taken as reports come.
   const sky_history_t& history() const { return history_; }
+  // Kept as they come, with the table's notice: a NAV-SAT or NAV-SIG changes the table and a NAV-DOP the DOPs.
+  const sky_records_t& records() const { return records_; }
 
   published_t<sky_table_t> satellites{*this, {}};
   published_t<sky_dop_t> dop{*this, {}};
@@ -75,5 +84,6 @@ private:
   double oldest_ = std::numeric_limits<double>::infinity();  // nothing kept was reported before this
   std::uint8_t gsa_run_systems_ = 0;                         // bit per system whose used marks this run of GSA replaced
   sky_history_t history_;
+  sky_records_t records_;
   bool sig_seen_ = false;  // a NAV-SIG record came: signals come from it alone
 };

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "link/connection.h"
+#include "ubx/record_text.h"
 #include "ui/font_size.h"
 #include "ui/open_sheets.h"
 #include "ui/palette.h"
@@ -22,6 +23,18 @@ QPushButton* text_button(QWidget* parent, const QString& text) {
   button->setFlat(true);
   button->setCursor(Qt::PointingHandCursor);
   return button;
+}
+
+// With "All" in binary mode the latest sky records follow the log's own entries, joined as they are.
+void append_sky_records(std::string& out, const sky_records_t& records) {
+  const auto add = [&out](const auto& record) {
+    if (!record) return;
+    if (!out.empty()) out += '\n';
+    append_text(out, *record);
+  };
+  add(records.dop);
+  add(records.sat);
+  add(records.sig);
 }
 
 }  // namespace
@@ -104,6 +117,7 @@ void gps_log_view::show_lines() {
     if (i > 0) joined_.push_back('\n');
     joined_ += lines[i];
   }
+  if (cnc_.binary() && cnc_.show_all) append_sky_records(joined_, cnc_.sky.records());
   if (joined_ == shown_) return;
   shown_.swap(joined_);
   QScrollBar* bar = text_->verticalScrollBar();

@@ -168,10 +168,17 @@ TEST(gnss_sky, ubx_satellites_signals_and_dops) {
   EXPECT_EQ(sky.satellites->size(), sky_table_t::capacity);
   EXPECT_EQ(sky.satellites->find({gnss_system_t::beidou, 253}), nullptr);
 
-  sky.update_dop({1, 4, 18, 0, 156, 145, 77, 127, 91, 61, 68});
+  const gps_dop_t dop{1, 4, 18, 0, 156, 145, 77, 127, 91, 61, 68};
+  sky.update_dop(dop);
   const auto& d = *sky.dop;
   EXPECT_EQ(std::tuple(d.gdop, d.pdop, d.tdop, d.vdop, d.hdop, d.ndop, d.edop),
             std::tuple(1.56, 1.45, 0.77, 1.27, 0.91, 0.61, 0.68));
+
+  // The latest record of each kind is kept for the log, until a reset.
+  const auto& kept = sky.records();
+  EXPECT_EQ(std::tuple(kept.dop, kept.sat->entries.size(), kept.sig->entries.size()), std::tuple(dop, many.size(), 4u));
+  sky.reset();
+  EXPECT_FALSE(kept.dop || kept.sat || kept.sig);
 }
 
 }  // namespace

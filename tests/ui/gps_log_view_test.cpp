@@ -8,6 +8,7 @@
 
 #include "support/records.h"
 #include "support/ui_test_app.h"
+#include "ubx/record_text.h"
 #include "ui/open_sheets.h"
 #include "ui/palette.h"
 #include "view_hub.h"
@@ -75,6 +76,23 @@ TEST_F(log_view_test, binary_records_show_larger_under_a_mark) {
   feed_line(hub.hub.ble_events(), gga2);  // text from the other link
   settle();
   EXPECT_EQ(mark(), " 11");
+}
+
+TEST_F(log_view_test, with_all_the_latest_sky_records_follow_the_binary_log) {
+  const auto sat = list_record<gps_sat_t>({{0, 5, 38, 45, 123, -12, 0x1F}});
+  const gps_dop_t dop{
+      ubx_class_nav, gps_dop_t::message_id, gps_dop_t::payload_length, 0, 156, 145, 77, 127, 91, 61, 68};
+  for (const auto& frame : {frame_of(image_of(valid_pvt())), frame_of(image_of(sat)), frame_of(image_of(dop))})
+    hub.hub.tcp_events().link_bytes(frame);
+  settle();
+  std::string pvt_text, dop_text, sat_text;
+  append_text(pvt_text, valid_pvt());
+  append_text(dop_text, dop);
+  append_text(sat_text, sat);
+  EXPECT_EQ(shown(), pvt_text);
+  view.filter_button().click();
+  settle();
+  EXPECT_EQ(shown(), pvt_text + "\n" + dop_text + "\n" + sat_text);
 }
 
 // The backquote key that also closes the log is tried on the window (main_window_test).
