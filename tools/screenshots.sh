@@ -22,6 +22,8 @@ cat >"$XDG_CONFIG_HOME/Korvid/korvid.conf" <<INI
 standard=$url
 standard_max_zoom=19
 standard_attribution=synthetic tiles
+[window]
+history_minutes=1
 INI
 
 shot() {
@@ -39,8 +41,8 @@ shot log --size 1100x720 --after 6 --sheet log
 shot log-binary --size 1100x720 --after 6 --sheet log --ubx
 shot settings --size 640x760 --after 4 --sheet settings
 shot console --size 1100x720 --after 6 --sheet console --ubx
-shot sky --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds
-shot sky-dark --size 1500x1000 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark
+shot sky --size 1500x1200 --after 40 --sheet sky --gnss gps,glo,gal,bds
+shot sky-dark --size 1500x1200 --after 40 --sheet sky --gnss gps,glo,gal,bds,qzss --ubx --dark
 "$bench" --map-screenshot "$out/map.png"
 echo "docs/screenshots/map.png"
 

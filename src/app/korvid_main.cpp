@@ -62,6 +62,7 @@ int main(int argc, char** argv) {
   const bool saves = !options.demo && options.screenshot.empty();
   if (options.screenshot.empty()) restore_window_layout(window, layout);
   restore_window_theme(window, layout);
+  restore_history_span(window, layout);
   if (options.dark) window.set_dark(true);
   window.on_theme_chosen = [&layout, saves](bool dark) {
     if (saves) save_window_theme(dark, layout);
@@ -92,7 +93,10 @@ int main(int argc, char** argv) {
   // Ctrl-C in the terminal or a SIGTERM quits as the window's own Quit does: the links close.
   stop_signal_watch_t stop_watch(app);
   const int loop = app.exec();
-  if (saves) save_window_layout(window, layout);
+  if (saves) {
+    save_window_layout(window, layout);
+    save_history_span(window, layout);
+  }
   // Threads waiting for the main thread give up from here on; then the links close.
   queue.close();
   korvid->cnc.disconnect();

@@ -84,6 +84,7 @@ main_window_t::main_window_t(config_connection_t& cfg, connection_t& cnc, map_cf
       status_(new link_status_bar_t(cfg, cnc, meter, queue)),
       settings_(new QDialog(this)),
       settings_view_(new config_connection_view(*content_, cfg, cnc)),
+      sky_panel_(new gnss_sky_panel(cnc.sky)),
       redraw_(this, [this] { refresh(); }) {
   desktop_look();
   setCentralWidget(content_);
@@ -101,7 +102,7 @@ main_window_t::main_window_t(config_connection_t& cfg, connection_t& cnc, map_cf
   build_menus();
   bind(sheet_id_t::log, add_dock("log", tr("&Log"), new gps_log_view(cnc_, sheets_), 1, Qt::BottomDockWidgetArea));
   bind(sheet_id_t::satellites, add_dock("satellites", tr("&Satellites"), scrolled(new gps_details_view(cnc_)), 2));
-  bind(sheet_id_t::sky, add_dock("sky", tr("S&ky"), scrolled(new gnss_sky_panel(cnc_.sky)), 3));
+  bind(sheet_id_t::sky, add_dock("sky", tr("S&ky"), scrolled(sky_panel_), 3));
   bind(sheet_id_t::details, add_dock("details", tr("&Details"), scrolled(new gps_dop_view(cnc_)), 4));
   // The log has the shortcuts of the time-and-date button too: Ctrl+L and the bare backquote.
   dock(sheet_id_t::log)
@@ -236,6 +237,10 @@ void main_window_t::bind(sheet_id_t sheet, QDockWidget* dock) {
   docks_[static_cast<std::size_t>(sheet)] = dock;
   QObject::connect(dock->toggleViewAction(), &QAction::toggled, this,
                    [this, sheet](bool shown) { sheets_.show(sheet, shown); });
+}
+
+sky_history_view& main_window_t::sky_history() const {
+  return sky_panel_->history();
 }
 
 QDockWidget* main_window_t::dock(sheet_id_t sheet) const {

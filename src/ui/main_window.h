@@ -10,6 +10,8 @@
 
 class ContentView;
 class config_connection_view;
+class gnss_sky_panel;
+class sky_history_view;
 class QAction;
 class QActionGroup;
 class QDialog;
@@ -49,6 +51,8 @@ public:
   link_status_bar_t& status() const { return *status_; }
   QDockWidget* dock(sheet_id_t sheet) const;
   QDialog& settings_dialog() const { return *settings_; }
+  // The history charts of the Sky dock.
+  sky_history_view& sky_history() const;
   config_connection_view& settings_view() const { return *settings_view_; }
   // The Connection menu, for entries that other parts of the program add.
   QMenu& connection_menu() const { return *connection_menu_; }
@@ -77,6 +81,7 @@ private:
   link_status_bar_t* status_;
   QDialog* settings_;
   config_connection_view* settings_view_;
+  gnss_sky_panel* sky_panel_;
   QMenu* connection_menu_ = nullptr;
   QMenu* view_menu_ = nullptr;
   QAction* docks_end_ = nullptr;  // the View menu's docks come before it

@@ -266,8 +266,19 @@ sky_history_view::sky_history_view(gnss_sky_t& sky, QWidget* parent)
 }
 
 double sky_history_view::span_s() const {
+  return minutes() * 60.0;
+}
+
+int sky_history_view::minutes() const {
   const int index = std::clamp(span_->currentIndex(), 0, static_cast<int>(std::size(span_minutes)) - 1);
-  return span_minutes[index] * 60.0;
+  return span_minutes[index];
+}
+
+bool sky_history_view::set_minutes(int minutes) {
+  const auto* offered = std::find(std::begin(span_minutes), std::end(span_minutes), minutes);
+  if (offered == std::end(span_minutes)) return false;
+  span_->setCurrentIndex(static_cast<int>(offered - std::begin(span_minutes)));
+  return true;
 }
 
 int sky_history_view::paints() const {

@@ -20,6 +20,10 @@ public:
 
   // The span shown, in seconds; the selector sets it.
   double span_s() const;
+  // The span in minutes, and a span chosen by its minutes: false, and nothing changed, for one the
+  // selector does not offer.
+  int minutes() const;
+  bool set_minutes(int minutes);
   QComboBox* span_selector() const { return span_; }
   // The chart area: three charts stacked.
   QWidget* charts() const { return charts_; }

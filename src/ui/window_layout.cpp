@@ -3,11 +3,13 @@
 #include <QSettings>
 
 #include "ui/main_window.h"
+#include "ui/sky_history_view.h"
 
 namespace {
 const QString geometry_key = QStringLiteral("window/geometry");
 const QString state_key = QStringLiteral("window/state");
 const QString dark_key = QStringLiteral("window/dark");
+const QString history_key = QStringLiteral("window/history_minutes");
 constexpr int layout_version = 1;  // raised when the docks change in a way an old layout cannot hold
 }  // namespace
 
@@ -29,4 +31,14 @@ void restore_window_theme(main_window_t& window, const QSettings& settings) {
 
 void save_window_theme(bool dark, QSettings& settings) {
   settings.setValue(dark_key, dark ? "true" : "false");
+}
+
+void restore_history_span(main_window_t& window, const QSettings& settings) {
+  bool number = false;
+  const int minutes = settings.value(history_key).toString().toInt(&number);
+  if (number) window.sky_history().set_minutes(minutes);
+}
+
+void save_history_span(const main_window_t& window, QSettings& settings) {
+  settings.setValue(history_key, window.sky_history().minutes());
 }

@@ -11,3 +11,7 @@ void save_window_layout(const main_window_t& window, QSettings& settings);
 // The theme the user chose in the View menu, if he chose one: "window/dark".
 void restore_window_theme(main_window_t& window, const QSettings& settings);
 void save_window_theme(bool dark, QSettings& settings);
+
+// The span of the history charts the user chose, in minutes: "window/history_minutes".
+void restore_history_span(main_window_t& window, const QSettings& settings);
+void save_history_span(const main_window_t& window, QSettings& settings);

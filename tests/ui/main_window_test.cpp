@@ -142,9 +142,9 @@ TEST(window_layout, size_docks_and_theme_come_back_in_a_new_process) {
     EXPECT_TRUE(process.waitForFinished(10000) && process.exitCode() == 0) << mode.toStdString();
     return process.readAllStandardOutput().toStdString();
   };
-  EXPECT_EQ(probe("show"), "size 400x300 dark 0 | area 8 shown 0 | area 2 shown 0 | area 2 shown 0\n");
+  EXPECT_EQ(probe("show"), "size 400x300 dark 0 history 10 | area 8 shown 0 | area 2 shown 0 | area 2 shown 0\n");
   probe("save");
-  EXPECT_EQ(probe("show"), "size 900x560 dark 1 | area 1 shown 1 | area 2 shown 0 | area 2 shown 0\n");
+  EXPECT_EQ(probe("show"), "size 900x560 dark 1 history 60 | area 1 shown 1 | area 2 shown 0 | area 2 shown 0\n");
 }
 
 }  // namespace

@@ -89,6 +89,8 @@ TEST_F(sky_views_test, history_charts_repaint_when_a_sample_comes_not_on_every_c
   EXPECT_EQ(history.span_s(), 600.0);
   history.span_selector()->setCurrentIndex(2);
   EXPECT_EQ(history.span_s(), 3600.0);
+  EXPECT_TRUE(!history.set_minutes(5) && history.set_minutes(1) && history.span_s() == 60.0)
+      << "a span the selector does not offer is refused";
 }
 
 }  // namespace

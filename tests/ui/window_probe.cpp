@@ -1,4 +1,4 @@
-// window_probe save FILE: arranges the window (size, docks, theme) and saves its layout.
+// window_probe save FILE: arranges the window (size, docks, theme, history span) and saves its layout.
 // window_probe show FILE: restores the layout in a new process and prints what it found.
 #include <QApplication>
 #include <QDockWidget>
@@ -12,6 +12,7 @@
 #include "platform/tile_map_widget.h"
 #include "support/recording_console.h"
 #include "ui/main_window.h"
+#include "ui/sky_history_view.h"
 #include "ui/window_layout.h"
 #include "view_hub.h"
 
@@ -36,15 +37,19 @@ int main(int argc, char** argv) {
     window.sheets().show(sheet_id_t::log, true);
     QApplication::processEvents();
     window.addDockWidget(Qt::LeftDockWidgetArea, window.dock(sheet_id_t::log));
+    window.sky_history().set_minutes(60);
     save_window_layout(window, settings);
     save_window_theme(true, settings);
+    save_history_span(window, settings);
     return 0;
   }
   restore_window_layout(window, settings);
   restore_window_theme(window, settings);
+  restore_history_span(window, settings);
   window.show();
   QApplication::processEvents();
-  std::printf("size %dx%d dark %d", window.width(), window.height(), window.dark());
+  std::printf("size %dx%d dark %d history %d", window.width(), window.height(), window.dark(),
+              window.sky_history().minutes());
   for (const sheet_id_t sheet : {sheet_id_t::log, sheet_id_t::satellites, sheet_id_t::details})
     std::printf(" | area %d shown %d", window.dockWidgetArea(window.dock(sheet)), window.sheets().shown(sheet));
   std::printf("\n");
