@@ -2,6 +2,8 @@
 
 #include <QComboBox>
 #include <QImage>
+#include <algorithm>
+#include <vector>
 
 #include "support/ui_test_app.h"
 #include "ui/gnss_sky_plot_view.h"
@@ -43,18 +45,25 @@ TEST_F(sky_views_test, sky_plot_fills_a_used_satellite_outlines_another_and_keep
   EXPECT_EQ(image.pixelColor(unused.toPoint()), colour_of(colour_t::background, plot.palette())) << "hollow";
   const QColor outline = image.pixelColor((unused + QPointF(gnss_sky_plot_view::marker_size / 2 - 0.5, 0)).toPoint());
   EXPECT_GT(outline.blue() - outline.red(), 60) << "its outline in the system's blue";
-  // The letter N stands outside the rim, where the satellite on the northern horizon does not reach.
-  const QPointF north = plot.centre() - QPointF(0, plot.radius() + 15);
-  int letter = 0, marker = 0;
-  for (int dx = -6; dx <= 6; ++dx)
-    for (int dy = -5; dy <= 5; ++dy) {
-      const QColor c = image.pixelColor((north + QPointF(dx, dy)).toPoint());
-      letter += c.lightness() < 100 ? 1 : 0;
-      marker += c == gps() ? 1 : 0;
-    }
-  EXPECT_TRUE(letter > 10 && marker == 0) << letter << " dark pixels, " << marker << " of the marker";
+  // Each compass letter stands outside the rim on its side, where the satellite on the northern
+  // horizon does not reach.
+  for (const auto& [letter, side] : {std::pair('N', QPointF(0, -1)), std::pair('E', QPointF(1, 0)),
+                                     std::pair('S', QPointF(0, 1)), std::pair('W', QPointF(-1, 0))}) {
+    const QPointF at = plot.centre() + side * (plot.radius() + 15);
+    int dark = 0, marker = 0;
+    for (int dx = -6; dx <= 6; ++dx)
+      for (int dy = -5; dy <= 5; ++dy) {
+        const QColor c = image.pixelColor((at + QPointF(dx, dy)).toPoint());
+        dark += c.lightness() < 100 ? 1 : 0;
+        marker += c == gps() ? 1 : 0;
+      }
+    EXPECT_TRUE(dark > 10 && marker == 0) << letter << ": " << dark << " dark pixels, " << marker << " of the marker";
+  }
   EXPECT_EQ(plot.text_at(used), "GPS 5  used in the fix\nelevation 90°  azimuth 0°\nL1 C/A  40 dB-Hz");
   EXPECT_TRUE(plot.text_at(plot.centre() + QPointF(0, 40)).isEmpty());
+  // A satellite without a place has no point on the plot to hover.
+  hub.receive("$GPGSV,1,1,01,03,,,33,1");
+  EXPECT_TRUE(plot.text_at(plot.centre() - QPointF(0, plot.radius())).startsWith("GPS 9"));
 }
 
 TEST_F(sky_views_test, signal_bars_rise_to_their_c_n0_filled_when_used_and_outlined_when_not) {
@@ -71,6 +80,15 @@ TEST_F(sky_views_test, signal_bars_rise_to_their_c_n0_filled_when_used_and_outli
   EXPECT_EQ(inside(laid_out[0], 39), gps()) << "used: filled up to 40";
   EXPECT_NE(inside(laid_out[0], 42), gps()) << "nothing above";
   EXPECT_NE(inside(laid_out[1], 25), gps()) << "not used: outlined";
+  // The weak, usable and good bands behind the bars are tinted apart, right of the last bar and
+  // between the grid lines.
+  const double x = laid_out.back().rect.right() + 8;
+  std::vector<QColor> bands;
+  for (const double cn0 : {15.0, 28.0, 45.0}) bands.push_back(image.pixelColor(QPointF(x, bars.y_of(cn0)).toPoint()));
+  const QColor background = colour_of(colour_t::background, bars.palette());
+  EXPECT_TRUE(bands[0] != bands[1] && bands[1] != bands[2] && bands[0] != bands[2] &&
+              std::none_of(bands.begin(), bands.end(), [&](const QColor& c) { return c == background; }))
+      << bands[0].name().toStdString() << " " << bands[1].name().toStdString() << " " << bands[2].name().toStdString();
 }
 
 TEST_F(sky_views_test, history_charts_repaint_when_a_sample_comes_not_on_every_change) {
