@@ -249,7 +249,7 @@ void BM_sky_views_paint(benchmark::State& state) {
     queue.advance(1.0);
   }
   gnss_sky_panel panel(hub.sky);
-  panel.history().span_selector()->setCurrentIndex(state.range(0) == 60 ? 2 : state.range(0) == 10 ? 1 : 0);
+  panel.history().set_minutes(static_cast<int>(state.range(0)));
   const std::pair<QWidget*, QSize> views[] = {
       {panel.history().charts(), {640, 420}}, {&panel.plot(), {400, 440}}, {&panel.bars(), {640, 250}}};
   for (const auto& [view, size] : views) view->resize(size);

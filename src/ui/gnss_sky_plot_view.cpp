@@ -3,6 +3,7 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <utility>
@@ -132,20 +133,50 @@ void gnss_sky_plot_view::paint_guides(QPainter& painter) const {
   }
 }
 
-// Unused satellites first, so that a used one is never hidden under one that is not.
+// Unused satellites first, so that a used one is never hidden under one that is not; then the
+// numbers, over all markers.
 void gnss_sky_plot_view::paint_satellites(QPainter& painter) const {
-  painter.setFont(sized(font(), small_font_px));
-  const QColor number_colour = colour_of(colour_t::primary, palette());
   for (const bool used : {false, true}) {
     for (const auto& [key, s] : *sky_.satellites) {
       if (!s.placed || s.elevation < 0 || s.used != used) continue;
-      const QPointF at = position(s);
-      draw_system_marker(painter, key.system, at, marker_size, s.used, palette());
-      painter.setPen(number_colour);
-      painter.drawText(QRectF(at.x() + marker_size / 2 + 1, at.y() - 7, 30, 14), Qt::AlignLeft | Qt::AlignVCenter,
-                       QString::number(key.number));
+      draw_system_marker(painter, key.system, position(s), marker_size, s.used, palette());
     }
   }
+  painter.setFont(sized(font(), small_font_px));
+  painter.setPen(colour_of(colour_t::primary, palette()));
+  for (const auto& label : number_labels()) painter.drawText(label.box, Qt::AlignCenter, label.text);
+}
+
+std::vector<gnss_sky_plot_view::number_label_t> gnss_sky_plot_view::number_labels() const {
+  // Digits share one width in the fonts a desktop uses: a number is as wide as its digits.
+  const QFontMetricsF metrics(sized(font(), small_font_px));
+  const double digit_width = metrics.horizontalAdvance(QLatin1Char('0'));
+  const double h = std::ceil(metrics.height());
+  const double gap = marker_size / 2 + 1;
+  std::vector<QRectF> taken;  // the markers, then each number placed
+  for (const auto& [key, s] : *sky_.satellites) {
+    if (!s.placed || s.elevation < 0) continue;
+    const QPointF at = position(s);
+    taken.emplace_back(at.x() - marker_size / 2, at.y() - marker_size / 2, marker_size, marker_size);
+  }
+  std::vector<number_label_t> out;
+  for (const auto& [key, s] : *sky_.satellites) {
+    if (!s.placed || s.elevation < 0) continue;
+    const QPointF at = position(s);
+    const QString text = QString::number(key.number);
+    const double w = std::ceil(digit_width * static_cast<double>(text.size())) + 2;
+    const QRectF places[] = {QRectF(at.x() + gap, at.y() - h / 2, w, h), QRectF(at.x() - gap - w, at.y() - h / 2, w, h),
+                             QRectF(at.x() - w / 2, at.y() - gap - h, w, h),
+                             QRectF(at.x() - w / 2, at.y() + gap, w, h)};
+    const auto free = [&](const QRectF& box) {
+      return std::none_of(taken.begin(), taken.end(), [&](const QRectF& t) { return t.intersects(box); });
+    };
+    const auto* place = std::find_if(std::begin(places), std::end(places), free);
+    const QRectF box = place != std::end(places) ? *place : places[0];
+    taken.push_back(box);
+    out.push_back({text, box});
+  }
+  return out;
 }
 
 // "● GPS 9/10" for each system in view, then the key to filled and outlined markers.

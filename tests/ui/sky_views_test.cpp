@@ -61,6 +61,21 @@ TEST_F(sky_views_test, sky_plot_fills_a_used_satellite_outlines_another_and_keep
   }
   EXPECT_EQ(plot.text_at(used), "GPS 5  used in the fix\nelevation 90°  azimuth 0°\nL1 C/A  40 dB-Hz");
   EXPECT_TRUE(plot.text_at(plot.centre() + QPointF(0, 40)).isEmpty());
+  // Numbers of satellites close together stand apart, each clear of every marker.
+  hub.receive("$GPGSV,1,1,03,12,30,000,30,13,30,007,30,14,30,014,30,1");
+  const auto labels = plot.number_labels();
+  ASSERT_EQ(labels.size(), 6u);
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    for (std::size_t j = i + 1; j < labels.size(); ++j)
+      EXPECT_FALSE(labels[i].box.intersects(labels[j].box))
+          << labels[i].text.toStdString() << " " << labels[j].text.toStdString();
+    for (const auto& [key, s] : table) {
+      const QPointF at = plot.position(s);
+      const double half = gnss_sky_plot_view::marker_size / 2;
+      EXPECT_FALSE(labels[i].box.intersects(QRectF(at - QPointF(half, half), at + QPointF(half, half))))
+          << labels[i].text.toStdString() << " on the marker of " << key.number;
+    }
+  }
   // A satellite without a place has no point on the plot to hover.
   hub.receive("$GPGSV,1,1,01,03,,,33,1");
   EXPECT_TRUE(plot.text_at(plot.centre() - QPointF(0, plot.radius())).startsWith("GPS 9"));
