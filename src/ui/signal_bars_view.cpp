@@ -150,7 +150,7 @@ void signal_bars_view::paint_scale(QPainter& painter) const {
 
   painter.setFont(sized(font(), label_font_px));
   painter.drawText(QRectF(plot.left(), 2, plot.width(), margin_top - 6), Qt::AlignRight | Qt::AlignVCenter,
-                   "filled: used   outlined: not used   hatched: second band");
+                   "filled: used   outlined: not used   hatched: second band   (signals)");
 }
 
 void signal_bars_view::paint_bars(QPainter& painter, const std::vector<bar_t>& laid_out) const {
@@ -184,11 +184,14 @@ void signal_bars_view::paint_bars(QPainter& painter, const std::vector<bar_t>& l
         number_right = centre + w / 2;
       }
     }
+    // The system's name and its signals tracked under its first bar.
     const bool first_of_system = i == 0 || laid_out[i - 1].key.system != bar.key.system;
     if (first_of_system) {
+      const auto tracked = std::count_if(laid_out.begin() + static_cast<std::ptrdiff_t>(i), laid_out.end(),
+                                         [&](const bar_t& b) { return b.key.system == bar.key.system; });
       painter.setPen(colour);
       painter.drawText(QRectF(bar.rect.left(), plot.bottom() + 17, 120, 14), Qt::AlignLeft | Qt::AlignVCenter,
-                       system_text(bar.key.system));
+                       QString("%1 (%2)").arg(system_text(bar.key.system)).arg(tracked));
     }
   }
 }
