@@ -21,7 +21,10 @@ constexpr double margin_left = 40.0;  // points: the value scale
 constexpr double margin_right = 10.0;
 constexpr double axis_height = 18.0;  // points under the last chart: the time scale
 constexpr double chart_gap = 10.0;
-constexpr double title_height = 18.0;  // points above each chart's plot: title and legend
+constexpr double title_height = 18.0;       // points above each chart's plot: title and legend
+constexpr double legend_mark_width = 28.0;  // points before each legend name: its line or marker, and a gap
+constexpr double legend_gap = 10.0;         // points between two legend entries
+constexpr double title_gap = 12.0;          // points at least between the title and the legend
 constexpr double font_px = 11.0;
 constexpr double cn0_top = 55.0;  // dB-Hz
 constexpr double satellites_min_top = 12.0;
@@ -64,7 +67,11 @@ protected:
 
 private:
   std::vector<chart_t> charts() const;
-  QRectF plot_rect(std::size_t chart, std::size_t charts) const;
+  // Where each chart's plot stands: the charts share the height, each under its header.
+  std::vector<QRectF> plot_rects(const std::vector<chart_t>& list) const;
+  // The legend's width, and whether the title and the legend share the header's one row.
+  double legend_width(const chart_t& chart) const;
+  bool one_header_row(const chart_t& chart) const;
   void paint_frame(QPainter& painter, const chart_t& chart, QRectF plot) const;
   void paint_lines(QPainter& painter, const chart_t& chart, QRectF plot, double newest, double span) const;
   void paint_time_scale(QPainter& painter, QRectF plot, double span) const;
@@ -118,16 +125,37 @@ std::vector<chart_t> history_charts_t::charts() const {
   return {satellites, dops, cn0};
 }
 
-QRectF history_charts_t::plot_rect(std::size_t chart, std::size_t charts) const {
-  const double n = static_cast<double>(charts);
+std::vector<QRectF> history_charts_t::plot_rects(const std::vector<chart_t>& list) const {
+  const double n = static_cast<double>(list.size());
   const double each = (height() - axis_height - chart_gap * (n - 1)) / n;
-  const double top = static_cast<double>(chart) * (each + chart_gap);
-  return {margin_left, top + title_height, width() - margin_left - margin_right, each - title_height};
+  std::vector<QRectF> out;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    const double header = one_header_row(list[i]) ? title_height : 2 * title_height;
+    const double top = static_cast<double>(i) * (each + chart_gap);
+    out.emplace_back(margin_left, top + header, width() - margin_left - margin_right, each - header);
+  }
+  return out;
+}
+
+double history_charts_t::legend_width(const chart_t& chart) const {
+  const QFontMetricsF metrics(sized(font(), font_px));
+  double w = 0.0;
+  for (const auto& series : chart.series)
+    if (!series.name.isEmpty()) w += metrics.horizontalAdvance(series.name) + legend_mark_width;
+  return w;
+}
+
+// A title that the legend would cut short gets the row to itself, the legend the row below.
+bool history_charts_t::one_header_row(const chart_t& chart) const {
+  const QFontMetricsF metrics(sized(font(), font_px));
+  return metrics.horizontalAdvance(chart.title) + legend_width(chart) + title_gap <=
+         width() - margin_left - margin_right;
 }
 
 void history_charts_t::paintEvent(QPaintEvent*) {
   ++paints;
   const auto list = charts();
+  const auto plots = plot_rects(list);
   const double span = owner_.span_s();
   QString key =
       QString("%1x%2 %3 %4").arg(width()).arg(height()).arg(span).arg(palette().color(QPalette::Window).name());
@@ -142,15 +170,15 @@ void history_charts_t::paintEvent(QPaintEvent*) {
     still_.fill(colour_of(colour_t::background, palette()));
     QPainter still(&still_);
     still.setFont(sized(font(), font_px));
-    for (std::size_t i = 0; i < list.size(); ++i) paint_frame(still, list[i], plot_rect(i, list.size()));
-    paint_time_scale(still, plot_rect(list.size() - 1, list.size()), span);
+    for (std::size_t i = 0; i < list.size(); ++i) paint_frame(still, list[i], plots[i]);
+    paint_time_scale(still, plots.back(), span);
     still_key_ = key;
   }
   QPainter painter(this);
   painter.drawPixmap(0, 0, still_);
   const auto& samples = sky_.history().samples();
   const double newest = samples.empty() ? 0.0 : samples.back().time;
-  for (std::size_t i = 0; i < list.size(); ++i) paint_lines(painter, list[i], plot_rect(i, list.size()), newest, span);
+  for (std::size_t i = 0; i < list.size(); ++i) paint_lines(painter, list[i], plots[i], newest, span);
 }
 
 void history_charts_t::paint_frame(QPainter& painter, const chart_t& chart, QRectF plot) const {
@@ -179,7 +207,7 @@ void history_charts_t::paint_frame(QPainter& painter, const chart_t& chart, QRec
     painter.setPen(colour_of(colour_t::primary, palette()));
     painter.drawText(QRectF(x, legend_y - 8, metrics.horizontalAdvance(it->name) + 1, 16),
                      Qt::AlignLeft | Qt::AlignVCenter, it->name);
-    x -= 18;
+    x -= legend_mark_width - legend_gap;
     if (it->marker) {
       painter.setRenderHint(QPainter::Antialiasing, true);
       draw_system_marker(painter, it->system, QPointF(x + 8, legend_y), 9, true, palette());
@@ -188,13 +216,16 @@ void history_charts_t::paint_frame(QPainter& painter, const chart_t& chart, QRec
       painter.setPen(QPen(it->colour, 2.0, it->style));
       painter.drawLine(QPointF(x, legend_y), QPointF(x + 14, legend_y));
     }
-    x -= 10;
+    x -= legend_gap;
   }
-  // The title in what the legend leaves, shortened with an ellipsis in a narrow dock.
-  const double title_width = std::max(0.0, x - plot.left());
+  // The title beside the legend, or on the row above it; shortened with an ellipsis only when
+  // even a row of its own is too narrow.
+  const bool one_row = one_header_row(chart);
+  const double title_top = plot.top() - (one_row ? 1 : 2) * title_height;
+  const double title_width = std::max(0.0, (one_row ? x : plot.right()) - plot.left());
   painter.setPen(colour_of(colour_t::primary, palette()));
-  painter.drawText(QRectF(plot.left(), plot.top() - title_height, title_width, title_height),
-                   Qt::AlignLeft | Qt::AlignVCenter, metrics.elidedText(chart.title, Qt::ElideRight, title_width));
+  painter.drawText(QRectF(plot.left(), title_top, title_width, title_height), Qt::AlignLeft | Qt::AlignVCenter,
+                   metrics.elidedText(chart.title, Qt::ElideRight, title_width));
 }
 
 // The lines, at most a point a pixel column, broken where a value is missing; without
