@@ -69,8 +69,7 @@ private:
   std::vector<chart_t> charts() const;
   // Where each chart's plot stands: the charts share the height, each under its header.
   std::vector<QRectF> plot_rects(const std::vector<chart_t>& list) const;
-  // The legend's width, and whether the title and the legend share the header's one row.
-  double legend_width(const chart_t& chart) const;
+  // Whether the title and the legend share the header's one row.
   bool one_header_row(const chart_t& chart) const;
   void paint_frame(QPainter& painter, const chart_t& chart, QRectF plot) const;
   void paint_lines(QPainter& painter, const chart_t& chart, QRectF plot, double newest, double span) const;
@@ -137,19 +136,13 @@ std::vector<QRectF> history_charts_t::plot_rects(const std::vector<chart_t>& lis
   return out;
 }
 
-double history_charts_t::legend_width(const chart_t& chart) const {
-  const QFontMetricsF metrics(sized(font(), font_px));
-  double w = 0.0;
-  for (const auto& series : chart.series)
-    if (!series.name.isEmpty()) w += metrics.horizontalAdvance(series.name) + legend_mark_width;
-  return w;
-}
-
 // A title that the legend would cut short gets the row to itself, the legend the row below.
 bool history_charts_t::one_header_row(const chart_t& chart) const {
   const QFontMetricsF metrics(sized(font(), font_px));
-  return metrics.horizontalAdvance(chart.title) + legend_width(chart) + title_gap <=
-         width() - margin_left - margin_right;
+  double needed = metrics.horizontalAdvance(chart.title) + title_gap;
+  for (const auto& series : chart.series)
+    if (!series.name.isEmpty()) needed += metrics.horizontalAdvance(series.name) + legend_mark_width;
+  return needed <= width() - margin_left - margin_right;
 }
 
 void history_charts_t::paintEvent(QPaintEvent*) {
